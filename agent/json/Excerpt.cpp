@@ -1,0 +1,64 @@
+#include "agent/json/Excerpt.h"
+
+#include "agent/json/JsonWriter.h"
+
+namespace QosAgent {
+
+namespace {
+
+constexpr char kHexDigits[] = "0123456789abcdef";
+
+void appendHex(std::string& out, unsigned char byte) {
+    out += kHexDigits[byte >> 4];
+    out += kHexDigits[byte & 0xf];
+}
+
+bool continuesCharacter(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xc0) == 0x80;
+}
+
+std::string_view cutBetweenCharacters(std::string_view text, std::size_t mostBytes) {
+    if (text.size() <= mostBytes) return text;
+    std::size_t size = mostBytes;
+    while (size > 0 && continuesCharacter(text[size]))
+        --size;
+    return text.substr(0, size);
+}
+
+/// Escapes what JSON lets pass and a terminal may obey: U+007F, and U+0080 to U+009F, which are two
+/// bytes in UTF-8.
+std::string withoutControls(std::string_view quoted) {
+    std::string out;
+    for (std::size_t at = 0; at < quoted.size(); ++at) {
+        const bool isHigh = quoted[at] == '\xc2' && at + 1 < quoted.size() &&
+                            static_cast<unsigned char>(quoted[at + 1]) < 0xa0;
+        if (!isHigh && quoted[at] != '\x7f') {
+            out += quoted[at];
+            continue;
+        }
+        if (isHigh) ++at;
+        out += "\\u00";
+        appendHex(out, static_cast<unsigned char>(quoted[at]));
+    }
+    return out;
+}
+
+}  // namespace
+
+std::string excerpt(std::string_view text, std::size_t mostBytes) {
+    const std::string_view kept = cutBetweenCharacters(text, mostBytes);
+    std::string quoted;
+    appendQuoted(quoted, kept);
+    std::string out = withoutControls(quoted);
+    if (kept.size() < text.size()) out += "...";
+    return out;
+}
+
+std::string describeByte(char byte) {
+    if (byte >= ' ' && byte <= '~') return {'\'', byte, '\''};
+    std::string out = "byte 0x";
+    appendHex(out, static_cast<unsigned char>(byte));
+    return out;
+}
+
+}  // namespace QosAgent

@@ -1,0 +1,309 @@
+#include "agent/json/JsonReader.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "agent/json/Excerpt.h"
+#include "agent/json/SyntaxFault.h"
+
+namespace QosAgent {
+
+namespace {
+
+using Lexer = nlohmann::json;
+
+constexpr int kNumberOverflow = 406;  // the id of that exception
+constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+
+/// Feeds the lexer and counts what it has taken. One space follows the text: so the lexer has
+/// always taken one byte more than the number it reports, also at the end of the text.
+class CountingIterator {
+public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = void;
+    using reference = char;
+
+    CountingIterator(std::string_view text, std::size_t at, std::size_t* taken)
+        : text_(text), at_(at), taken_(taken) {}
+
+    char operator*() const { return at_ < text_.size() ? text_[at_] : ' '; }
+    CountingIterator& operator++() {
+        *taken_ = ++at_;
+        return *this;
+    }
+    bool operator==(const CountingIterator& other) const { return at_ == other.at_; }
+
+private:
+    std::string_view text_;
+    std::size_t at_;
+    std::size_t* taken_;
+};
+
+/// What may come after a token, and what beyond the separator that may come there.
+struct Place {
+    const Expected& expected;
+    char separator;
+    const Expected& expectedBeyond;
+};
+
+constexpr char kNoSeparator = ' ';  // never found: white space is skipped before
+constexpr Place kAtStart{kExpectedValue, kNoSeparator, kExpectedValue};
+constexpr Place kInArray{kExpectedElement, kNoSeparator, kExpectedElement};
+constexpr Place kInObject{kExpectedMember, kNoSeparator, kExpectedMember};
+constexpr Place kAfterKey{kExpectedColon, ':', kExpectedValue};
+constexpr Place kAfterElement{kExpectedNextElement, ',', kExpectedValue};
+constexpr Place kAfterMember{kExpectedNextMember, ',', kExpectedKey};
+constexpr Place kAtEnd{kExpectedEnd, kNoSeparator, kExpectedEnd};
+
+/// Where the next token begins, and what the grammar allows it to be.
+struct Token {
+    std::size_t start;
+    const Expected& expected;
+};
+
+bool isSpace(char byte) {
+    return byte == ' ' || byte == '\n' || byte == '\t' || byte == '\r';
+}
+
+std::string longerThan(std::size_t bytes) {
+    return " longer than " + std::to_string(bytes) + " bytes";
+}
+
+/// Builds the tree from the lexer's events. They carry no places: a token begins at the first byte
+/// after the end of the token before it that is neither white space nor the one separator that may
+/// stand there.
+class TreeBuilder {
+public:
+    TreeBuilder(std::string_view text, const Limits& limits) : text_(text), limits_(limits) {}
+
+    /// Once only: the tree moves out.
+    JsonResult parse();
+
+    // The lexer's events, under its names; false stops it.
+    bool null() { return plainValue(JsonKind::null, 0); }
+    bool boolean(bool value) { return plainValue(JsonKind::boolean, value ? 1 : 0); }
+    bool number_integer(std::int64_t) { return number(); }
+    bool number_unsigned(std::uint64_t) { return number(); }
+    bool number_float(double, const std::string&) { return number(); }
+    bool string(const std::string& decoded) { return text(Last::value, decoded); }
+    bool binary(const Lexer::binary_t&) { return false; }  // unknown to JSON as text
+    bool start_object(std::size_t) { return open(JsonKind::object); }
+    bool key(const std::string& decoded) { return text(Last::key, decoded); }
+    bool end_object() { return close(); }
+    bool start_array(std::size_t) { return open(JsonKind::array); }
+    bool end_array() { return close(); }
+    bool parse_error(std::size_t position, const std::string&, const Lexer::exception& error);
+
+private:
+    enum class Last { nothing, bracket, key, value };
+
+    bool number();
+    bool text(Last what, const std::string& decoded);
+    bool plainValue(JsonKind kind, std::uint32_t size);
+    bool open(JsonKind kind);
+    bool close();
+
+    Token nextToken() const;
+    const Place& placeAfterLast() const;
+    std::size_t skipSpace(std::size_t at) const;
+    bool endToken(Last last, std::size_t end);
+
+    void addText(JsonKind kind, std::size_t start, std::string_view text);
+    void addNode(JsonKind kind, std::size_t start, std::size_t size, std::size_t place);
+
+    bool fail(Fault fault);
+    /// Objects are checked for duplicates when they close; this checks those that never will.
+    void preferOpenDuplicate();
+    std::optional<Fault> firstDuplicate(std::uint32_t container);
+    void listKeys(std::uint32_t object);
+    std::string_view textOf(std::uint32_t node) const;
+
+    std::string_view text_;
+    const Limits& limits_;
+    std::size_t taken_ = 0;  // by the lexer
+    std::size_t end_ = 0;    // of the last token
+    Last last_ = Last::nothing;
+    std::vector<JsonNode> nodes_;
+    std::vector<char> texts_;
+    std::vector<std::uint32_t> open_;  // the containers around the next token, by node
+    std::vector<std::uint32_t> keys_;  // of the object in firstDuplicate, by node
+    std::optional<Fault> fault_;
+};
+
+JsonResult TreeBuilder::parse() {
+    Lexer::sax_parse(CountingIterator(text_, 0, &taken_),
+                     CountingIterator(text_, text_.size() + 1, &taken_), this);
+    if (!fault_) {
+        // The lexer takes a NUL for the end of its input.
+        const auto [start, expected] = nextToken();
+        if (start < text_.size()) fail(syntaxFault(text_, expected, start, start, {}));
+    }
+    if (!fault_) return Json(std::move(nodes_), std::move(texts_));
+    preferOpenDuplicate();
+    return *std::move(fault_);
+}
+
+bool TreeBuilder::number() {
+    const std::size_t start = nextToken().start;
+    const std::size_t end = taken_ - 1;
+    addText(JsonKind::number, start, text_.substr(start, end - start));
+    return endToken(Last::value, end);
+}
+
+bool TreeBuilder::text(Last what, const std::string& decoded) {
+    const std::size_t start = nextToken().start;
+    if (decoded.size() > limits_.textBytes) {
+        const std::string_view name = what == Last::key ? "key" : "string";
+        return fail({start, std::string(name) + longerThan(limits_.textBytes)});
+    }
+    addText(JsonKind::string, start, decoded);
+    return endToken(what, taken_);
+}
+
+bool TreeBuilder::plainValue(JsonKind kind, std::uint32_t size) {
+    addNode(kind, nextToken().start, size, 0);
+    return endToken(Last::value, taken_);
+}
+
+bool TreeBuilder::open(JsonKind kind) {
+    const std::size_t start = nextToken().start;
+    if (open_.size() == limits_.depth) {
+        return fail({start, "nested deeper than " + std::to_string(limits_.depth) + " levels"});
+    }
+    addNode(kind, start, 0, 0);
+    open_.push_back(static_cast<std::uint32_t>(nodes_.size() - 1));
+    return endToken(Last::bracket, taken_);
+}
+
+bool TreeBuilder::close() {
+    const std::uint32_t container = open_.back();
+    nodes_[container].place = static_cast<std::uint32_t>(nodes_.size() - container);
+    if (auto fault = firstDuplicate(container)) return fail(*std::move(fault));
+    open_.pop_back();
+    return endToken(Last::value, taken_);
+}
+
+bool TreeBuilder::parse_error(std::size_t position, const std::string&,
+                              const Lexer::exception& error) {
+    const auto [start, expected] = nextToken();
+    if (error.id == kNumberOverflow) return fail({start, "number out of range"});
+    // The lexer's words come first after the dash, quotes from the text only behind them.
+    const std::string_view message = error.what();
+    const std::string_view reason = message.substr(std::min(message.find(" - "), message.size()));
+    const std::size_t broken = std::min(position - 1, text_.size());
+    return fail(syntaxFault(text_, expected, start, broken, reason.substr(0, reason.find(';'))));
+}
+
+Token TreeBuilder::nextToken() const {
+    const std::size_t start = skipSpace(end_);
+    const Place& place = placeAfterLast();
+    if (start == text_.size() || text_[start] != place.separator) return {start, place.expected};
+    return {skipSpace(start + 1), place.expectedBeyond};
+}
+
+const Place& TreeBuilder::placeAfterLast() const {
+    if (last_ == Last::key) return kAfterKey;
+    if (last_ == Last::nothing) return kAtStart;
+    if (open_.empty()) return kAtEnd;
+    const bool isInObject = nodes_[open_.back()].kind == JsonKind::object;
+    if (last_ == Last::bracket) return isInObject ? kInObject : kInArray;
+    return isInObject ? kAfterMember : kAfterElement;
+}
+
+std::size_t TreeBuilder::skipSpace(std::size_t at) const {
+    while (at < text_.size() && isSpace(text_[at]))
+        ++at;
+    return at;
+}
+
+/// True: the lexer goes on.
+bool TreeBuilder::endToken(Last last, std::size_t end) {
+    end_ = end;
+    last_ = last;
+    return true;
+}
+
+void TreeBuilder::addText(JsonKind kind, std::size_t start, std::string_view text) {
+    addNode(kind, start, text.size(), texts_.size());
+    texts_.insert(texts_.end(), text.begin(), text.end());
+}
+
+void TreeBuilder::addNode(JsonKind kind, std::size_t start, std::size_t size, std::size_t place) {
+    // One more item of an array or, as its key, of an object.
+    if (!open_.empty() && last_ != Last::key) ++nodes_[open_.back()].size;
+    nodes_.push_back({static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(size),
+                      static_cast<std::uint32_t>(place), kind});
+}
+
+/// False: the lexer stops.
+bool TreeBuilder::fail(Fault fault) {
+    fault_ = std::move(fault);
+    return false;
+}
+
+void TreeBuilder::preferOpenDuplicate() {
+    // From within: an object can be walked once the places of those in it are known. The keys of
+    // an open object stand before all that is wrong within it, so the outermost has the last word.
+    for (; !open_.empty(); open_.pop_back()) {
+        const std::uint32_t container = open_.back();
+        nodes_[container].place = static_cast<std::uint32_t>(nodes_.size() - container);
+        if (auto duplicate = firstDuplicate(container)) fault_ = std::move(duplicate);
+    }
+}
+
+std::optional<Fault> TreeBuilder::firstDuplicate(std::uint32_t container) {
+    if (nodes_[container].kind != JsonKind::object || nodes_[container].size < 2) return {};
+    listKeys(container);
+    // Sorting, unlike hashing, costs the same whatever names an adversary picks.
+    std::sort(keys_.begin(), keys_.end(), [this](std::uint32_t left, std::uint32_t right) {
+        const int order = textOf(left).compare(textOf(right));
+        return order != 0 ? order < 0 : left < right;
+    });
+    std::uint32_t first = 0;
+    for (std::size_t i = 1; i < keys_.size(); ++i) {
+        if (first != 0 && keys_[i] > first) continue;
+        if (textOf(keys_[i - 1]) == textOf(keys_[i])) first = keys_[i];
+    }
+    if (first == 0) return {};  // node 0 is the root, never a key
+    return Fault{nodes_[first].offset, "duplicate key " + excerpt(textOf(first))};
+}
+
+void TreeBuilder::listKeys(std::uint32_t object) {
+    const std::uint32_t end = object + nodes_[object].place;
+    keys_.clear();
+    for (std::uint32_t at = object + 1; at < end;) {
+        keys_.push_back(at++);
+        if (at < end) at += nodes_[at].nodes();  // the last key may lack its value as yet
+    }
+}
+
+std::string_view TreeBuilder::textOf(std::uint32_t node) const {
+    return JsonValue(&nodes_[node], texts_.data()).text();
+}
+
+JsonResult parseWithin(std::size_t mostBytes, std::string_view text, const Limits& limits) {
+    mostBytes = std::min<std::size_t>(mostBytes, std::numeric_limits<std::uint32_t>::max());
+    if (text.size() > mostBytes) return Fault{0, "text" + longerThan(mostBytes)};
+    if (text.starts_with(kByteOrderMark)) return Fault{0, "byte order mark before the text"};
+    return TreeBuilder(text, limits).parse();
+}
+
+}  // namespace
+
+JsonResult parseJson(std::string_view text, const Limits& limits) {
+    return parseWithin(limits.documentBytes, text, limits);
+}
+
+JsonResult parseJsonLine(std::string_view line, const Limits& limits) {
+    return parseWithin(limits.lineBytes, line, limits);
+}
+
+}  // namespace QosAgent
