@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/Orin/Export.h"
+#include "platform/Vex/Row.h"
+
+namespace Acl {
+
+/// What an IPv4 rule matches, as far as it concerns QoS.
+struct PLATFORM_API IpFilter {
+    static constexpr std::string_view kTypeName = "Acl::IpFilter";
+    static const Vex::TypeRecord kTypeRecord;
+    static constexpr auto fields() {
+        return std::tuple{
+            Vex::field("dscpValue", 1, &IpFilter::dscpValue),
+            Vex::field("dscpEnabled", 2, &IpFilter::dscpEnabled),
+        };
+    }
+
+    std::uint8_t dscpValue = 0;  ///< the DSCP that is matched
+    bool dscpEnabled = false;    ///< whether the rule matches on DSCP at all
+
+    friend bool operator==(const IpFilter&, const IpFilter&) = default;
+};
+
+/// What an IPv6 rule matches, as far as it concerns QoS: the bits of the traffic class (RFC 8200)
+/// that the mask selects. The DSCP is its upper six bits (RFC 2474).
+struct PLATFORM_API Ip6Filter {
+    static constexpr std::string_view kTypeName = "Acl::Ip6Filter";
+    static const Vex::TypeRecord kTypeRecord;
+    static constexpr auto fields() {
+        return std::tuple{
+            Vex::field("trafficClass", 1, &Ip6Filter::trafficClass),
+            Vex::field("trafficClassMask", 2, &Ip6Filter::trafficClassMask),
+        };
+    }
+
+    std::uint8_t trafficClass = 0;
+    std::uint8_t trafficClassMask = 0;
+
+    friend bool operator==(const Ip6Filter&, const Ip6Filter&) = default;
+};
+
+/// A rule of an IPv4 access list.
+struct PLATFORM_API IpRuleConfig {
+    static constexpr std::string_view kTypeName = "Acl::IpRuleConfig";
+    static const Vex::TypeRecord kTypeRecord;
+    static constexpr auto fields() {
+        return std::tuple{Vex::field("filter", 1, &IpRuleConfig::filter)};
+    }
+
+    IpFilter filter;
+
+    friend bool operator==(const IpRuleConfig&, const IpRuleConfig&) = default;
+};
+
+/// A rule of an IPv6 access list.
+struct PLATFORM_API Ip6RuleConfig {
+    static constexpr std::string_view kTypeName = "Acl::Ip6RuleConfig";
+    static const Vex::TypeRecord kTypeRecord;
+    static constexpr auto fields() {
+        return std::tuple{Vex::field("filter", 1, &Ip6RuleConfig::filter)};
+    }
+
+    Ip6Filter filter;
+
+    friend bool operator==(const Ip6RuleConfig&, const Ip6RuleConfig&) = default;
+};
+
+}  // namespace Acl

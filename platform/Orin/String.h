@@ -1,0 +1,96 @@
+#pragma once
+
+#include <atomic>
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <ostream>
+#include <string_view>
+#include <utility>
+
+#include "platform/Orin/Export.h"
+#include "platform/Orin/RefCount.h"
+
+namespace Orin {
+
+/// The hash that `String` keeps, for look-ups by other forms of text.
+PLATFORM_API std::uint32_t hashOf(std::string_view text) noexcept;
+
+/// Something that was worked out from a text and is kept with it; see `String::note`.
+class PLATFORM_API TextNote {
+public:
+    virtual ~TextNote();
+};
+
+/// Immutable text, shared by its copies; its hash is computed once. The empty text owns nothing.
+///
+/// Equality looks at the pointer, the hash and the size before the bytes; order is by bytes,
+/// unsigned. A text may contain NUL; 4 GiB at the most.
+class PLATFORM_API String {
+public:
+    String() noexcept = default;
+    String(std::string_view text);
+    String(const char* text) : String(std::string_view(text)) {}
+    String(const String& other) noexcept : text_(other.text_) {
+        if (text_ != nullptr) text_->refs.up();
+    }
+    String(String&& other) noexcept : text_(std::exchange(other.text_, nullptr)) {}
+    String& operator=(String other) noexcept {
+        std::swap(text_, other.text_);
+        return *this;
+    }
+    ~String() {
+        if (text_ != nullptr && text_->refs.down()) destroy(text_);
+    }
+
+    bool empty() const noexcept { return text_ == nullptr; }
+    std::size_t size() const noexcept { return text_ == nullptr ? 0 : text_->size; }
+    std::string_view view() const noexcept {
+        return text_ == nullptr ? std::string_view() : std::string_view(text_->bytes(), text_->size);
+    }
+    operator std::string_view() const noexcept { return view(); }
+    std::uint32_t hash() const noexcept { return text_ == nullptr ? kEmptyHash : text_->hash; }
+
+    /// The note kept with this text, made by `make(view())` at the first call. A text carries one
+    /// kind of note in its life; the empty text carries none and must not be asked.
+    /// The reference lives as long as any copy of the text.
+    template <class Note>
+    const Note& note(std::unique_ptr<Note> (*make)(std::string_view)) const {
+        const TextNote* kept = text_->note.load(std::memory_order_acquire);
+        if (kept == nullptr) [[unlikely]]
+            kept = &noteIs(make(view()));
+        return static_cast<const Note&>(*kept);
+    }
+
+    friend bool operator==(const String& a, const String& b) noexcept {
+        if (a.text_ == b.text_) return true;
+        return a.hash() == b.hash() && a.view() == b.view();
+    }
+    friend bool operator==(const String& a, std::string_view b) noexcept { return a.view() == b; }
+    friend bool operator==(const String& a, const char* b) noexcept { return a.view() == b; }
+    friend std::strong_ordering operator<=>(const String& a, const String& b) noexcept {
+        return a.view() <=> b.view();
+    }
+    friend std::ostream& operator<<(std::ostream& out, const String& text) {
+        return out << text.view();
+    }
+
+private:
+    struct Text {
+        RefCount refs;
+        std::uint32_t size;
+        std::atomic<TextNote*> note;
+        std::uint32_t hash;
+
+        char* bytes() noexcept { return reinterpret_cast<char*>(&hash + 1); }
+    };
+    static constexpr std::uint32_t kEmptyHash = 0;
+
+    static void destroy(Text* text) noexcept;
+    const TextNote& noteIs(std::unique_ptr<TextNote> note) const;
+
+    Text* text_ = nullptr;
+};
+
+}  // namespace Orin

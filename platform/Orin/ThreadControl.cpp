@@ -1,0 +1,7 @@
+#include "platform/Orin/ThreadControl.h"
+
+namespace Orin {
+
+bool ThreadControl::severalThreadsActive_ = false;
+
+}  // namespace Orin

@@ -1,0 +1,108 @@
+#include "platform/OvSlab/Slab.h"
+
+#include <array>
+#include <mutex>
+#include <new>
+
+#include "platform/Orin/ThreadControl.h"
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define OVSLAB_PASS_THROUGH 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) || \
+    __has_feature(memory_sanitizer)
+#define OVSLAB_PASS_THROUGH 1
+#endif
+#endif
+
+namespace OvSlab {
+namespace {
+
+#ifdef OVSLAB_PASS_THROUGH
+constexpr bool kPassThrough = true;
+#else
+constexpr bool kPassThrough = false;
+#endif
+
+constexpr std::size_t kGrain = 16;
+constexpr std::size_t kLargest = 512;
+constexpr std::size_t kBlockBytes = 64 * 1024;
+
+struct FreeCell {
+    FreeCell* next;
+};
+/// The first cell's worth of a block links the blocks, so that leak checkers see them all.
+struct Block {
+    Block* next;
+};
+
+constinit std::array<FreeCell*, kLargest / kGrain + 1> freeCells{};
+constinit Block* blocks = nullptr;
+constinit AllocationHook allocationHook = nullptr;
+constinit std::mutex slabMutex;
+
+/// Locked only while several threads are active.
+class SlabLock {
+public:
+    SlabLock() : locked_(Orin::ThreadControl::severalThreadsActive()) {
+        if (locked_) slabMutex.lock();
+    }
+    ~SlabLock() {
+        if (locked_) slabMutex.unlock();
+    }
+    SlabLock(const SlabLock&) = delete;
+    SlabLock& operator=(const SlabLock&) = delete;
+
+private:
+    bool locked_;
+};
+
+bool isFromHeap(std::size_t size) noexcept {
+    return kPassThrough || size > kLargest;
+}
+
+FreeCell* newBlock(std::size_t cellBytes) {
+    auto* bytes = static_cast<std::byte*>(::operator new(kBlockBytes));
+    blocks = new (bytes) Block{blocks};
+    FreeCell* cells = nullptr;
+    for (std::size_t end = kBlockBytes; end >= kGrain + cellBytes; end -= cellBytes)
+        cells = new (bytes + end - cellBytes) FreeCell{cells};
+    return cells;
+}
+
+void* takeCell(std::size_t size) {
+    const std::size_t grains = (size + kGrain - 1) / kGrain;
+    FreeCell*& cells = freeCells[grains];
+    if (cells == nullptr) cells = newBlock(grains * kGrain);
+    FreeCell* cell = cells;
+    cells = cell->next;
+    return cell;
+}
+
+}  // namespace
+
+void* slabAlloc(std::size_t size, Tracker& tracker) {
+    if (allocationHook != nullptr) [[unlikely]]
+        allocationHook(size);
+    const SlabLock lock;
+    void* memory = isFromHeap(size) ? ::operator new(size) : takeCell(size);
+    tracker.recordAllocation(size);
+    return memory;
+}
+
+void slabFree(void* memory, std::size_t size, Tracker& tracker) noexcept {
+    const SlabLock lock;
+    tracker.recordDeallocation();
+    if (isFromHeap(size)) {
+        ::operator delete(memory);
+        return;
+    }
+    FreeCell*& cells = freeCells[(size + kGrain - 1) / kGrain];
+    cells = new (memory) FreeCell{cells};
+}
+
+void allocationHookIs(AllocationHook hook) noexcept {
+    allocationHook = hook;
+}
+
+}  // namespace OvSlab

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <ostream>
+
+namespace Ovk {
+
+/// Identifies an object for its life, whatever its name or place; unsigned, 64 bits.
+struct UniqueId {
+    std::uint64_t value = 0;
+
+    std::uint32_t hash(std::uint32_t seed) const noexcept {
+        const std::uint64_t mixed = (value ^ seed) * 0x9E3779B97F4A7C15;
+        return static_cast<std::uint32_t>(mixed >> 32);
+    }
+    friend auto operator<=>(const UniqueId&, const UniqueId&) = default;
+    friend std::ostream& operator<<(std::ostream& out, UniqueId id) { return out << id.value; }
+};
+
+}  // namespace Ovk

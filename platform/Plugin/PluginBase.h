@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/Orin/Export.h"
+
+namespace Plugin {
+
+/// A plug-in of an agent that hands a `Context` to those it initialises.
+template <class Context>
+class PluginBase {
+public:
+    virtual ~PluginBase() = default;
+    virtual void init(Context* context) = 0;
+
+    /// Initialises one plug-in, which must outlive it.
+    class PluginBaseInitCaller {
+    public:
+        explicit PluginBaseInitCaller(PluginBase& plugin) : plugin_(&plugin) {}
+        void operator()(Context* context) const { plugin_->init(context); }
+
+    private:
+        PluginBase* plugin_;
+    };
+};
+
+}  // namespace Plugin

@@ -1,0 +1,26 @@
+#include "platform/QosOc/State/Classifier.h"
+
+#include "platform/Vex/Derive.h"
+
+namespace QosOc::State {
+
+constinit const Vex::TypeRecord ClassifierState::kTypeRecord = Vex::recordOf<ClassifierState>();
+constinit const Vex::TypeRecord Classifier::kTypeRecord = Vex::recordOf<Classifier>();
+
+Classifier::Classifier(const Orin::String& name) : name_(name) {}
+Classifier::~Classifier() = default;
+
+void Classifier::stateIs(const ClassifierState& state) {
+    attributeIs(kState.id, state_, state);
+}
+
+Terms& Classifier::termsIs() {
+    if (!terms_) attributeIs(kTerms.id, terms_, Terms::create());
+    return *terms_;
+}
+
+void Classifier::termsDel() {
+    attributeIs(kTerms.id, terms_, nullptr);
+}
+
+}  // namespace QosOc::State

@@ -1,0 +1,27 @@
+#include "platform/QosOc/State/ClassifiersDir.h"
+
+#include "platform/Vex/Derive.h"
+
+namespace QosOc::State {
+
+constinit const Vex::TypeRecord ClassifiersDir::kTypeRecord = Vex::recordOf<ClassifiersDir>();
+
+ClassifiersDir::~ClassifiersDir() = default;
+
+Classifier* ClassifiersDir::classifier(const Orin::String& name) const noexcept {
+    const Orin::Ptr<Classifier>* held = classifier_.find(name);
+    return held == nullptr ? nullptr : held->get();
+}
+
+Classifier& ClassifiersDir::classifierIs(const Orin::String& name) {
+    if (Classifier* held = classifier(name)) return *held;
+    const auto made = Classifier::create(name);
+    memberIs(kClassifier.id, classifier_, name, made);
+    return *made;
+}
+
+void ClassifiersDir::classifierDel(const Orin::String& name) {
+    memberDel(kClassifier.id, classifier_, name);
+}
+
+}  // namespace QosOc::State

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/QosOc/State/Classifier.h"
+#include "platform/Vex/Entity.h"
+
+namespace QosOc::State {
+
+/// The published classifiers; mounted at "qos/openconfig/state/classifiers".
+class PLATFORM_API ClassifiersDir final : public Vex::Entity<ClassifiersDir> {
+public:
+    static constexpr std::string_view kTypeName = "QosOc::State::ClassifiersDir";
+    static const Vex::TypeRecord kTypeRecord;
+    static constexpr Vex::Attribute<Orin::String> kClassifier{"classifier", 258};
+    static constexpr auto fields() {
+        return std::tuple{Vex::published(kClassifier, &ClassifiersDir::classifier_)};
+    }
+    /// By classifier name.
+    using ClassifierByName = Vex::HashMap2018<Orin::String, Orin::Ptr<Classifier>,
+                                              Vex::seedOf("State.ClassifiersDir.classifier")>;
+
+    ~ClassifiersDir() override;
+
+    const ClassifierByName& classifier() const noexcept { return classifier_; }
+    /// The classifier of that name; null if there is none.
+    Classifier* classifier(const Orin::String& name) const noexcept;
+    /// The classifier of that name, made without state and terms if there is none.
+    Classifier& classifierIs(const Orin::String& name);
+    /// Removes the classifier with all it holds; nothing happens when there is none.
+    void classifierDel(const Orin::String& name);
+
+private:
+    ClassifierByName classifier_;
+};
+
+}  // namespace QosOc::State

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/QosOc/Config/Term.h"
+#include "platform/Vex/Entity.h"
+
+namespace QosOc::State {
+
+/// A published term has the shape of a configured one.
+using Config::Term;
+
+/// The published terms of a classifier.
+class PLATFORM_API Terms final : public Vex::Entity<Terms> {
+public:
+    static constexpr std::string_view kTypeName = "QosOc::State::Terms";
+    static const Vex::TypeRecord kTypeRecord;
+    static constexpr Vex::Attribute<Orin::String> kTerm{"term", 258};
+    static constexpr auto fields() { return std::tuple{Vex::published(kTerm, &Terms::term_)}; }
+    /// By term id.
+    using TermById = Vex::HashMap2018<Orin::String, Term, Vex::seedOf("State.Terms.term")>;
+
+    ~Terms() override;
+
+    const TermById& term() const noexcept { return term_; }
+    /// Enters the term, or replaces whole the one with its id.
+    void termIs(const Term& term);
+    /// Nothing happens when there is no such term.
+    void termDel(const Orin::String& id);
+
+private:
+    TermById term_;
+};
+
+}  // namespace QosOc::State

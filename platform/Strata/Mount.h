@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/Orin/Export.h"
+#include "platform/Orin/Node.h"
+#include "platform/Orin/Ptr.h"
+
+namespace Strata {
+
+enum class MountFlag : std::uint8_t { read = 1, write = 2 };
+
+/// The set of flags of a mount.
+class AllMountFlags {
+public:
+    std::uint8_t val() const noexcept { return val_; }
+    void valIs(std::uint8_t val) noexcept { val_ = val; }
+    bool has(MountFlag flag) const noexcept {
+        return (val_ & static_cast<std::uint8_t>(flag)) != 0;
+    }
+    void add(MountFlag flag) noexcept { val_ |= static_cast<std::uint8_t>(flag); }
+
+private:
+    std::uint8_t val_ = static_cast<std::uint8_t>(MountFlag::read);
+};
+
+/// The wish to work on the entity at a path.
+class PLATFORM_API Mount {
+public:
+    /// A new mount reads.
+    Mount(std::string_view path, std::string_view type) : path_(path), type_(type) {}
+
+    const std::string& path() const noexcept { return path_; }
+    /// The full name of the entity's type.
+    const std::string& type() const noexcept { return type_; }
+    AllMountFlags& flags() noexcept { return flags_; }
+    const AllMountFlags& flags() const noexcept { return flags_; }
+    /// Adds the flags that the letters stand for: `r` reads, `w` writes. Throws
+    /// `std::invalid_argument` for any other letter, and then adds none.
+    void handleFlags(std::string_view letters);
+
+private:
+    std::string path_;
+    std::string type_;
+    AllMountFlags flags_;
+};
+
+/// Mounts that are asked for together, in the order in which they were.
+class PLATFORM_API MountGroup : public Orin::Node {
+public:
+    void doMount(const Mount& mount) { mounts_.push_back(mount); }
+    const std::vector<Mount>& mounts() const noexcept { return mounts_; }
+
+private:
+    std::vector<Mount> mounts_;
+};
+
+}  // namespace Strata

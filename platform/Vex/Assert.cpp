@@ -1,0 +1,14 @@
+#include "platform/Vex/Assert.h"
+
+// The C library declares its failure only where assertions are on; ours always are.
+#undef NDEBUG
+#include <cassert>
+
+namespace Vex {
+
+void assertFail(const char* expression, const char* source, unsigned line,
+                const char* function) noexcept {
+    __assert_fail(expression, source, line, function);
+}
+
+}  // namespace Vex

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/Orin/Export.h"
+
+namespace Vex {
+
+/// Stops the program through the C library's assertion failure, which prints the standard text:
+/// `PROGRAM: SOURCE:LINE: FUNCTION: Assertion `EXPRESSION' failed.`
+[[noreturn]] PLATFORM_API void assertFail(const char* expression, const char* source, unsigned line,
+                                          const char* function) noexcept;
+
+/// Stops the program unless `holds`; the texts are those of `assertFail`.
+inline void assertThat(bool holds, const char* expression, const char* source, unsigned line,
+                       const char* function) noexcept {
+    if (!holds) [[unlikely]]
+        assertFail(expression, source, line, function);
+}
+
+}  // namespace Vex

@@ -1,0 +1,172 @@
+#pragma once
+
+#include <array>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "platform/Vex/TypeRecord.h"
+#include "platform/Vex/ValueTraits.h"
+
+/// Derives type records from the tables of classes. Included by the source file of a class, where
+/// its record is defined: `constinit const TypeRecord X::kTypeRecord = Vex::recordOf<X>();`
+namespace Vex {
+
+/// The keyed collection that a field of a class is, or holds.
+template <class M>
+struct MembersOf;
+template <class M>
+    requires requires { M::kIsOrdered; }
+struct MembersOf<M> {
+    using Map = M;
+    static const Map& in(const M& field) { return field; }
+};
+template <class M>
+    requires requires(const M& field) { field.members(); }
+struct MembersOf<M> {
+    using Map = typename M::Members;
+    static const Map& in(const M& field) { return field.members(); }
+};
+
+template <class M>
+concept IsCollection = requires { typename MembersOf<M>::Map; };
+
+/// The accessors of one row.
+template <class T, std::size_t I>
+struct Access {
+    using M = MemberAt<T, I>;
+    static constexpr auto& kRow = row<T, I>;
+
+    static const T& object(const void* at) {
+        if constexpr (std::is_base_of_v<TypedNode, T>)
+            return static_cast<const T&>(*static_cast<const TypedNode*>(at));
+        else
+            return *static_cast<const T*>(at);
+    }
+    static T& object(void* at) { return const_cast<T&>(object(static_cast<const void*>(at))); }
+    static const M& in(const void* at) { return object(at).*kRow.member; }
+    static M& in(void* at) { return object(at).*kRow.member; }
+
+    static Value read(const void* at) { return ValueTraits<M>::to(in(at)); }
+    static void write(void* at, const Value& value) {
+        if constexpr (kRow.publishes)
+            object(at).attributeIs(kRow.id, in(at), ValueTraits<M>::from(value));
+        else
+            in(at) = ValueTraits<M>::from(value);
+    }
+    static void touch(void* at) {
+        if constexpr (kRow.publishes) object(at).publishChange(kRow.id, &in(at));
+    }
+};
+
+/// The accessors of one row that is a keyed collection.
+template <class T, std::size_t I>
+struct CollectionAccess : Access<T, I> {
+    using Base = Access<T, I>;
+    using Holder = MembersOf<typename Base::M>;
+    using Map = typename Holder::Map;
+    using Key = ValueTraits<typename Map::Key>;
+    using Mapped = ValueTraits<typename Map::Mapped>;
+
+    static const Map& members(const void* at) { return Holder::in(Base::in(at)); }
+    static std::size_t size(const void* at) { return members(at).size(); }
+    static Value get(const void* at, const Value& key) {
+        const auto* held = members(at).find(Key::from(key));
+        return held == nullptr ? Value() : Mapped::to(*held);
+    }
+    static void walk(const void* at, const std::function<void(const Value&, const Value&)>& visit) {
+        for (auto&& member : members(at))
+            visit(Key::to(member.key), Mapped::to(member.value));
+    }
+    static void put(void* at, const Value& key, const Value& member) {
+        auto& object = Base::object(at);
+        const auto memberKey = Key::from(key);
+        if constexpr (kPublishes)
+            object.memberIs(Base::kRow.id, Base::in(at), memberKey, Mapped::from(member));
+    }
+    static Value del(void* at, const Value& key) {
+        auto& collection = Base::in(at);
+        const auto memberKey = Key::from(key);
+        if constexpr (Base::kRow.publishes) {
+            const auto removed = Base::object(at).memberDel(Base::kRow.id, collection, memberKey);
+            return removed ? Mapped::to(*removed) : Value();
+        } else {
+            const auto removed = collection.remove(memberKey);
+            return removed ? Value(NodeRef(removed)) : Value();
+        }
+    }
+    static void touch(void* at, const Value& key) {
+        const auto memberKey = Key::from(key);
+        if constexpr (Base::kRow.publishes) Base::object(at).publishChange(Base::kRow.id, &memberKey);
+    }
+    static constexpr bool kPublishes = Base::kRow.publishes;
+    static constexpr CollectionOps ops{&typeOf<typename Map::Key>,
+                                       Map::kIsOrdered,
+                                       size,
+                                       get,
+                                       walk,
+                                       kPublishes ? put : nullptr,
+                                       del,
+                                       kPublishes ? touch : nullptr};
+};
+
+template <class T, std::size_t I>
+constexpr AttributeRecord attributeRecord() {
+    using M = MemberAt<T, I>;
+    constexpr auto& r = row<T, I>;
+    AttributeRecord record{.name = r.name,
+                           .id = r.id,
+                           .role = r.role,
+                           .isWatched = NeedsDispatch<M>,
+                           .isHidden = r.isHidden,
+                           .isNullable = r.isNullable,
+                           .announces = r.announces};
+    if constexpr (IsCollection<M>) {
+        record.type = &typeOf<typename MembersOf<M>::Map::Mapped>;
+        record.collection = &CollectionAccess<T, I>::ops;
+    } else {
+        record.type = &typeOf<M>;
+        record.read = Access<T, I>::read;
+        if constexpr (!NeedsDispatch<M> && !HoldsMachines<M> && !r.isGiven)
+            record.write = Access<T, I>::write;
+        if constexpr (r.publishes) record.touch = Access<T, I>::touch;
+    }
+    return record;
+}
+
+/// What the constructor takes for a row.
+template <class M>
+struct GivenAs {
+    using type = M;
+};
+template <class M>
+    requires requires { typename M::Given; }
+struct GivenAs<M> {
+    using type = typename M::Given;
+};
+
+template <class T, class = std::make_index_sequence<fieldCount<T>>,
+          class = std::make_index_sequence<givenCount<T>()>>
+struct Derived;
+template <class T, std::size_t... I, std::size_t... G>
+struct Derived<T, std::index_sequence<I...>, std::index_sequence<G...>> {
+    static constexpr std::array<AttributeRecord, sizeof...(I)> attributes{attributeRecord<T, I>()...};
+    static Orin::Ptr<TypedNode> construct(std::span<const Value> given) {
+        if (given.size() != sizeof...(G)) throw std::invalid_argument(std::string(T::kTypeName));
+        return T::create(ValueTraits<typename GivenAs<MemberAt<T, G>>::type>::from(given[G])...);
+    }
+};
+
+/// The type record of a machine or entity.
+template <class T>
+constexpr TypeRecord recordOf() {
+    if constexpr (std::is_base_of_v<TypedNode, T>) {
+        return {T::kTypeName, Derived<T>::attributes, Derived<T>::construct};
+    } else {
+        static_assert(tableIsComplete<T>(0), "fields() leaves out a data member");
+        return {T::kTypeName, Derived<T>::attributes, nullptr};
+    }
+}
+
+}  // namespace Vex

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <type_traits>
+
+#include "platform/Orin/Ptr.h"
+#include "platform/OvSlab/Slab.h"
+#include "platform/Vex/HashMap2018.h"
+#include "platform/Vex/OrderedMap.h"
+#include "platform/Vex/PublishingNode.h"
+#include "platform/Vex/Row.h"
+
+namespace Vex {
+
+/// The base of every entity of a schema: described by the rows of `T::fields()`, allocated from
+/// the slab under its own tracker.
+template <class T>
+class PLATFORM_API Entity : public PublishingNode, public OvSlab::Slabbed<T> {
+public:
+    const TypeRecord& typeData() const final { return T::kTypeRecord; }
+    template <class... A>
+    static Orin::Ptr<T> create(const A&... keys) {
+        static_assert(givenRowsLead<T>(), "fields() lists keys first");
+        static_assert(tableIsComplete<T>(sizeof(Entity)),
+                      "fields() leaves out a data member, or lists them out of declaration order");
+        return Orin::Ptr<T>::adopt(new T(keys...));
+    }
+};
+
+/// The node as a `T`; null when it is null or of another type.
+template <class T>
+Orin::Ptr<T> entityCast(const Orin::Ptr<TypedNode>& node) {
+    if (!node || &node->typeData() != &std::remove_const_t<T>::kTypeRecord) return nullptr;
+    return Orin::Ptr<T>(static_cast<T*>(node.get()));
+}
+
+}  // namespace Vex

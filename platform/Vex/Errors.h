@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <stdexcept>
+#include <string_view>
+
+#include "platform/Orin/Export.h"
+
+namespace Vex {
+
+/// A creator was given null for an input that it needs.
+class PLATFORM_API MutatorArgNullPointerException : public std::invalid_argument {
+public:
+    using invalid_argument::invalid_argument;
+};
+
+/// A creator was asked for a child that exists already, made from other inputs.
+class PLATFORM_API MutatorReinstantiatingException : public std::logic_error {
+public:
+    using logic_error::logic_error;
+};
+
+/// Throws `MutatorArgNullPointerException`; its text names the attribute.
+[[noreturn]] PLATFORM_API void throwMutatorArgNullPointerException(std::string_view attribute);
+
+namespace Impl {
+
+/// Throws `MutatorReinstantiatingException`; its text names the attribute.
+[[noreturn]] PLATFORM_API void throwMutatorReinstantiating(std::string_view attribute);
+
+}  // namespace Impl
+}  // namespace Vex

@@ -1,0 +1,165 @@
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <memory>
+#include <new>
+#include <optional>
+#include <utility>
+
+#include "platform/Orin/WalkList.h"
+#include "platform/OvSlab/Slab.h"
+#include "platform/Vex/Assert.h"
+#include "platform/Vex/KeyTraits.h"
+
+namespace Vex {
+
+/// Counts the members of all keyed collections.
+PLATFORM_API OvSlab::Tracker& memberTracker() noexcept;
+
+/// A keyed collection on a hash table with a seed of its own.
+///
+/// Members keep their place in memory until they are removed. Walks follow the order of entry and
+/// tolerate every change of the collection: each member that was there at the beginning is visited
+/// at most once, a removed one no more, one that was entered meanwhile not at all. What a walk
+/// stands on stays readable until it goes on, even when it is removed; its value is then empty.
+template <class K, class V, std::uint32_t kSeed = 0>
+class HashMap2018 {
+public:
+    using Key = K;
+    using Mapped = V;
+    static constexpr bool kIsOrdered = false;
+    struct Member : Orin::Link {
+        Member(std::uint32_t h, const K& k, V v) : hash(h), key(k), value(std::move(v)) {}
+        std::uint32_t hash;
+        const K key;
+        V value;
+        Member* chain = nullptr;
+    };
+    class Iterator;
+    struct End {};
+
+    HashMap2018() noexcept = default;
+    HashMap2018(const HashMap2018&) = delete;
+    HashMap2018& operator=(const HashMap2018&) = delete;
+    ~HashMap2018() { clear(); }
+
+    std::size_t size() const noexcept { return size_; }
+    bool empty() const noexcept { return size_ == 0; }
+
+    /// The value under the key; null if there is none. Accepts whatever the key compares with.
+    template <class Q>
+    V* find(const Q& key) noexcept {
+        Member* member = memberAt(key, KeyTraits<K>::hash(key, kSeed));
+        return member == nullptr ? nullptr : &member->value;
+    }
+    template <class Q>
+    const V* find(const Q& key) const noexcept {
+        return const_cast<HashMap2018*>(this)->find(key);
+    }
+
+    /// Enters a member whose key is not there yet.
+    Member& enter(const K& key, V value) {
+        if (size_ == bucketCount_) grow();
+        const std::uint32_t hash = KeyTraits<K>::hash(key, kSeed);
+        void* memory = OvSlab::slabAlloc(sizeof(Member), memberTracker());
+        auto* member = new (memory) Member(hash, key, std::move(value));
+        Member*& bucket = buckets_[hash & (bucketCount_ - 1)];
+        member->chain = bucket;
+        bucket = member;
+        order_.append(*member);
+        ++size_;
+        return *member;
+    }
+    /// Removes the member under the key and returns its value; nothing if there is none.
+    template <class Q>
+    std::optional<V> remove(const Q& key) {
+        Member* member = memberAt(key, KeyTraits<K>::hash(key, kSeed));
+        if (member == nullptr) return std::nullopt;
+        return unlink(*member);
+    }
+    /// Removes all members, in order of entry.
+    void clear() noexcept {
+        while (!order_.empty())
+            unlink(static_cast<Member&>(order_.front()));
+    }
+
+    Iterator begin() const noexcept { return Iterator(*this); }
+    End end() const noexcept { return {}; }
+
+private:
+    template <class Q>
+    Member* memberAt(const Q& key, std::uint32_t hash) const noexcept {
+        if (bucketCount_ == 0) return nullptr;
+        Member* member = buckets_[hash & (bucketCount_ - 1)];
+        while (member != nullptr && !(member->hash == hash && member->key == key))
+            member = member->chain;
+        return member;
+    }
+    V unlink(Member& member) noexcept {
+        Member** at = &buckets_[member.hash & (bucketCount_ - 1)];
+        while (*at != &member)
+            at = &(*at)->chain;
+        *at = member.chain;
+        order_.remove(member);
+        --size_;
+        V value = std::exchange(member.value, V());
+        if (auto* walk = order_.outermostWalkAt(member)) [[unlikely]]
+            static_cast<Iterator*>(walk)->stale_ = &member;
+        else
+            destroy(&member);
+        return value;
+    }
+    static void destroy(Member* member) noexcept {
+        member->~Member();
+        OvSlab::slabFree(member, sizeof(Member), memberTracker());
+    }
+    void grow() {
+        const std::uint32_t count = bucketCount_ == 0 ? 4 : 2 * bucketCount_;
+        auto buckets = std::make_unique<Member*[]>(count);
+        Orin::WalkList::Walk walk(order_);
+        while (Orin::Link* link = walk.step()) {
+            auto& member = static_cast<Member&>(*link);
+            member.chain = std::exchange(buckets[member.hash & (count - 1)], &member);
+        }
+        buckets_ = std::move(buckets);
+        bucketCount_ = count;
+    }
+
+    std::unique_ptr<Member*[]> buckets_;
+    std::uint32_t bucketCount_ = 0;
+    std::uint32_t size_ = 0;
+    Orin::WalkList order_;
+};
+
+/// Stands on a member. Not copied: it is known to the collection while it lives.
+template <class K, class V, std::uint32_t kSeed>
+class HashMap2018<K, V, kSeed>::Iterator : private Orin::WalkList::Walk {
+public:
+    explicit Iterator(const HashMap2018& map) noexcept : Walk(map.order_) { step(); }
+    ~Iterator() { dropStale(); }
+
+    const Member& operator*() const noexcept {
+        assertThat(current() != nullptr, "iter_", "platform/Vex/HashMap2018", __LINE__,
+                   __PRETTY_FUNCTION__);
+        return static_cast<const Member&>(*current());
+    }
+    const Member* operator->() const noexcept { return &**this; }
+    Iterator& operator++() noexcept {
+        step();
+        dropStale();
+        return *this;
+    }
+    friend bool operator==(const Iterator& at, End) noexcept { return at.current() == nullptr; }
+
+private:
+    friend class HashMap2018;
+    void dropStale() noexcept {
+        if (stale_ != nullptr) destroy(std::exchange(stale_, nullptr));
+    }
+
+    /// The member it stands on, once that was removed: destroyed when it goes on.
+    Member* stale_ = nullptr;
+};
+
+}  // namespace Vex

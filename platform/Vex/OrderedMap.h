@@ -1,0 +1,201 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "platform/Vex/HashMap2018.h"
+
+namespace Vex {
+
+/// A keyed collection that is walked in ascending key order. Look-up by key is that of a hashed
+/// collection.
+///
+/// A walk remembers the key it stands on; after a change of the collection it goes on at the first
+/// greater key. So no key is visited twice, a removed one no more, and one that was entered
+/// meanwhile only if it is greater.
+template <class K, class V, std::uint32_t kSeed = 0>
+class OrderedMap {
+public:
+    using Key = K;
+    using Mapped = V;
+    static constexpr bool kIsOrdered = true;
+    class Iterator;
+    struct End {};
+
+    OrderedMap() noexcept = default;
+    OrderedMap(const OrderedMap&) = delete;
+    OrderedMap& operator=(const OrderedMap&) = delete;
+    ~OrderedMap();
+
+    std::size_t size() const noexcept { return members_.size(); }
+    bool empty() const noexcept { return members_.empty(); }
+
+    /// The value under the key; null if there is none.
+    template <class Q>
+    V* find(const Q& key) noexcept {
+        return members_.find(key);
+    }
+    template <class Q>
+    const V* find(const Q& key) const noexcept {
+        return members_.find(key);
+    }
+
+    /// Enters a member whose key is not there yet.
+    void enter(const K& key, V value) {
+        const Member& member = members_.enter(key, std::move(value));
+        try {
+            Run& run = runFor(key);
+            run.insert(std::lower_bound(run.begin(), run.end(), key, slotBelow), {key, &member});
+        } catch (...) {
+            std::erase_if(runs_, [](const Run& run) { return run.empty(); });
+            members_.remove(key);
+            throw;
+        }
+        ++changes_;
+    }
+    /// Removes the member under the key and returns its value; nothing if there is none.
+    /// The key passed must not be the member's own.
+    std::optional<V> remove(const K& key) {
+        std::optional<V> value = members_.remove(key);
+        if (!value) return value;
+        const auto run = runs_.begin() + static_cast<std::ptrdiff_t>(runIndexFor(key));
+        run->erase(std::lower_bound(run->begin(), run->end(), key, slotBelow));
+        if (run->empty()) runs_.erase(run);
+        ++changes_;
+        return value;
+    }
+    void clear() noexcept {
+        runs_.clear();
+        ++changes_;
+        members_.clear();
+    }
+
+    Iterator begin() const noexcept { return Iterator(*this); }
+    End end() const noexcept { return {}; }
+
+private:
+    using Member = typename HashMap2018<K, V, kSeed>::Member;
+    struct Slot {
+        K key;
+        const Member* member;
+    };
+    /// Some neighbouring members: entering one moves no more than a run.
+    using Run = std::vector<Slot>;
+    static constexpr std::size_t kLongestRun = 128;
+
+    static bool slotBelow(const Slot& slot, const K& key) { return slot.key < key; }
+    static bool runBelow(const K& key, const Run& run) { return key < run.front().key; }
+
+    /// The run in which the key is, or belongs; there must be a run.
+    std::size_t runIndexFor(const K& key) const {
+        const auto above = std::upper_bound(runs_.begin(), runs_.end(), key, runBelow);
+        return above == runs_.begin() ? 0 : static_cast<std::size_t>(above - runs_.begin() - 1);
+    }
+    /// The run into which the key is to be entered: split first if it is full.
+    Run& runFor(const K& key) {
+        if (runs_.empty()) return runs_.emplace_back();
+        const std::size_t index = runIndexFor(key);
+        if (runs_[index].size() < kLongestRun) return runs_[index];
+        const bool atEnd = index + 1 == runs_.size() && runs_[index].back().key < key;
+        split(index, atEnd ? kLongestRun : kLongestRun / 2);
+        return atEnd ? runs_[index + 1] : runs_[runIndexFor(key)];
+    }
+    void split(std::size_t index, std::size_t kept) {
+        Run upper(runs_[index].begin() + static_cast<std::ptrdiff_t>(kept), runs_[index].end());
+        runs_.insert(runs_.begin() + static_cast<std::ptrdiff_t>(index) + 1, std::move(upper));
+        runs_[index].erase(runs_[index].begin() + static_cast<std::ptrdiff_t>(kept),
+                           runs_[index].end());
+    }
+
+    HashMap2018<K, V, kSeed> members_;
+    std::vector<Run> runs_;
+    std::uint32_t changes_ = 0;
+    /// The walks under way, innermost first.
+    mutable Iterator* walks_ = nullptr;
+};
+
+/// Stands on a member. Its key is a copy and stays valid when the member goes.
+template <class K, class V, std::uint32_t kSeed>
+class OrderedMap<K, V, kSeed>::Iterator {
+public:
+    explicit Iterator(const OrderedMap& map) noexcept
+        : map_(&map), outer_(map.walks_), changes_(map.changes_) {
+        map.walks_ = this;
+        stand();
+    }
+    Iterator(const Iterator&) = delete;
+    Iterator& operator=(const Iterator&) = delete;
+    ~Iterator() {
+        if (map_ != nullptr) map_->walks_ = outer_;
+    }
+
+    struct Visit {
+        const K& key;
+        const V& value;
+    };
+    /// The value is that of the member when the walk came to it: read it before changing anything.
+    Visit operator*() const noexcept {
+        assertThat(value_ != nullptr, "iter_", "platform/Vex/OrderedMap", __LINE__,
+                   __PRETTY_FUNCTION__);
+        return {key_, *value_};
+    }
+    Iterator& operator++() noexcept {
+        if (map_ == nullptr) {
+            value_ = nullptr;
+        } else {
+            advance();
+            stand();
+        }
+        return *this;
+    }
+    friend bool operator==(const Iterator& at, End) noexcept { return at.value_ == nullptr; }
+
+private:
+    friend class OrderedMap;
+
+    void advance() noexcept {
+        if (changes_ == map_->changes_) {
+            ++slot_;
+            return;
+        }
+        changes_ = map_->changes_;
+        if (map_->runs_.empty()) return;
+        run_ = map_->runIndexFor(key_);
+        const Run& run = map_->runs_[run_];
+        const auto greater = [](const K& key, const Slot& slot) { return key < slot.key; };
+        slot_ = static_cast<std::size_t>(
+            std::upper_bound(run.begin(), run.end(), key_, greater) - run.begin());
+    }
+    /// Takes key and value of the slot, of the next run's first where this one is at its end.
+    void stand() noexcept {
+        value_ = nullptr;
+        const auto& runs = map_->runs_;
+        if (run_ < runs.size() && slot_ == runs[run_].size()) {
+            ++run_;
+            slot_ = 0;
+        }
+        if (run_ >= runs.size()) return;
+        const Slot& slot = runs[run_][slot_];
+        key_ = slot.key;
+        value_ = &slot.member->value;
+    }
+
+    const OrderedMap* map_;
+    Iterator* outer_;
+    std::uint32_t changes_;
+    std::size_t run_ = 0;
+    std::size_t slot_ = 0;
+    K key_{};
+    const V* value_ = nullptr;
+};
+
+template <class K, class V, std::uint32_t kSeed>
+OrderedMap<K, V, kSeed>::~OrderedMap() {
+    for (Iterator* walk = walks_; walk != nullptr; walk = walk->outer_)
+        walk->map_ = nullptr;
+}
+
+}  // namespace Vex

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <optional>
+#include <type_traits>
+#include <utility>
+
+#include "platform/Orin/Ptr.h"
+#include "platform/Orin/Publisher.h"
+#include "platform/Vex/Attribute.h"
+#include "platform/Vex/TypedNode.h"
+
+namespace Vex {
+
+/// The base of every node that publishes its changes.
+///
+/// A change is made first and published then, and only if something changed: storing an equal value
+/// is silent. The node lives at least until all its subscribers have been told.
+class PLATFORM_API PublishingNode : public TypedNode {
+public:
+    Orin::Publisher* publisher() const override { return &publisher_; }
+
+    /// Stores a value; the change carries the old one.
+    template <class T, class V>
+    void attributeIs(Orin::AttributeId id, T& stored, V&& value) {
+        if (stored == value) return;
+        const T old = std::exchange(stored, std::forward<V>(value));
+        publishChange(id, &old);
+    }
+    /// Enters a member or replaces the one under its key.
+    template <class Map>
+    void memberIs(Orin::AttributeId id, Map& members, const typename Map::Key& key,
+                  typename Map::Mapped value) {
+        const typename Map::Key changed = key;
+        if (typename Map::Mapped* held = members.find(changed)) {
+            if (*held == value) return;
+            std::swap(*held, value);
+        } else {
+            members.enter(changed, std::move(value));
+        }
+        publishChange(id, &changed);
+    }
+    /// Removes the member under the key and returns its value; nothing if there was none.
+    template <class Map>
+    std::optional<typename Map::Mapped> memberDel(Orin::AttributeId id, Map& members,
+                                                  const typename Map::Key& key) {
+        const typename Map::Key changed = key;
+        std::optional<typename Map::Mapped> removed = members.remove(changed);
+        if (removed) publishChange(id, &changed);
+        return removed;
+    }
+    /// Tells the subscribers. `key` is what `Orin::Dispatch` says.
+    void publishChange(Orin::AttributeId id, const void* key) const {
+        if (!publisher_.hasSubscribers()) return;
+        const Orin::Ptr<const PublishingNode> held(this);
+        publisher_.publishChangeRecursive(id, key);
+    }
+
+private:
+    mutable Orin::Publisher publisher_;
+};
+
+}  // namespace Vex

@@ -1,0 +1,153 @@
+#pragma once
+
+#include <cstddef>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+#include "platform/Vex/Attribute.h"
+#include "platform/Vex/TypeRecord.h"
+
+/// The rows of a class's table. Each class lists what it holds once, in a static member function
+/// `fields()`; everything that needs to know it is derived from there.
+namespace Vex {
+
+template <class C, class M>
+struct Row {
+    using Member = M;
+    std::string_view name;
+    Orin::AttributeId id;
+    M C::*member;
+    Role role = Role::plain;
+    bool isGiven = false;    ///< an argument of the constructor; such rows lead, in its order
+    bool isHidden = false;   ///< not part of the text form
+    bool isNullable = false;  ///< a collection of entities: a member may be null
+    bool announces = false;  ///< its change tells that the other attributes are as they should be
+    bool publishes = false;  ///< changes go through the entity's publisher
+    Orin::Dispatch dispatch = nullptr;  ///< watched inputs: what their changes call
+
+    constexpr Row hidden() const {
+        Row row = *this;
+        row.isHidden = true;
+        return row;
+    }
+    constexpr Row copyingKey() const {
+        Row row = *this;
+        row.role = Role::keyCopy;
+        return row;
+    }
+    constexpr Row nullable() const {
+        Row row = *this;
+        row.isNullable = true;
+        return row;
+    }
+    constexpr Row announcing() const {
+        Row row = *this;
+        row.announces = true;
+        return row;
+    }
+};
+
+template <class M>
+concept NeedsDispatch = requires(M& member) { member.subscribedIs(true); };
+/// Children say for themselves what the life cycle does to them.
+template <class M>
+concept HoldsMachines = requires(M& member) {
+    member.activeIs(true);
+    member.clear();
+};
+
+/// A machine's input that it subscribes to.
+template <class C, NeedsDispatch M>
+constexpr auto watched(std::string_view name, Orin::AttributeId id, M C::*member,
+                       Orin::Dispatch dispatch) {
+    Row<C, M> row{name, id, member, Role::input, true};
+    row.dispatch = dispatch;
+    return row;
+}
+/// A machine's input that it only keeps.
+template <class C, class M>
+constexpr auto given(std::string_view name, Orin::AttributeId id, M C::*member) {
+    static_assert(!NeedsDispatch<M>, "a watched input names its dispatch: use watched()");
+    static_assert(!HoldsMachines<M>, "children are the machine's own: use own()");
+    return Row<C, M>{name, id, member, Role::input, true};
+}
+/// What a machine makes for itself: children and plain fields.
+template <class C, class M>
+constexpr auto own(std::string_view name, Orin::AttributeId id, M C::*member) {
+    return Row<C, M>{name, id, member, HoldsMachines<M> ? Role::child : Role::plain};
+}
+
+/// The part of an entity or value that repeats the key under which it is kept.
+template <class C, class M>
+constexpr auto key(std::string_view name, Orin::AttributeId id, M C::*member) {
+    return Row<C, M>{name, id, member, Role::key, true};
+}
+/// The same for the key of the collection's own holder.
+template <class C, class M>
+constexpr auto outerKey(std::string_view name, Orin::AttributeId id, M C::*member) {
+    return Row<C, M>{name, id, member, Role::outerKey, true};
+}
+/// A published attribute of an entity.
+template <class C, class M, class Key>
+constexpr auto published(const Attribute<Key>& attribute, M C::*member) {
+    Row<C, M> row{attribute.name, attribute.id, member};
+    row.publishes = true;
+    return row;
+}
+/// A field of a value record.
+template <class C, class M>
+constexpr auto field(std::string_view name, Orin::AttributeId id, M C::*member) {
+    return Row<C, M>{name, id, member};
+}
+
+template <class T, std::size_t I>
+inline constexpr auto row = std::get<I>(T::fields());
+template <class T, std::size_t I>
+using MemberAt = typename decltype(row<T, I>)::Member;
+template <class T>
+inline constexpr std::size_t fieldCount = std::tuple_size_v<decltype(T::fields())>;
+
+template <class F, std::size_t... I>
+constexpr void eachIndex(F& f, std::index_sequence<I...>) {
+    (f.template operator()<I>(), ...);
+}
+/// Calls `f` once for each row, in order, with the row's index as a constant.
+template <class T, class F>
+constexpr void eachRow(F f) {
+    eachIndex(f, std::make_index_sequence<fieldCount<T>>{});
+}
+
+/// The number of leading rows that are arguments of the constructor.
+template <class T>
+consteval std::size_t givenCount() {
+    std::size_t count = 0;
+    bool leading = true;
+    eachRow<T>([&]<std::size_t I>() {
+        leading = leading && row<T, I>.isGiven;
+        count += leading ? 1 : 0;
+    });
+    return count;
+}
+template <class T>
+consteval bool givenRowsLead() {
+    std::size_t count = 0;
+    eachRow<T>([&]<std::size_t I>() { count += row<T, I>.isGiven ? 1 : 0; });
+    return count == givenCount<T>();
+}
+/// Laying the rows out from the end of the base must give the class exactly.
+template <class T>
+consteval bool tableIsComplete(std::size_t baseSize) {
+    std::size_t at = baseSize;
+    const auto roundUp = [&](std::size_t alignment) {
+        at = (at + alignment - 1) / alignment * alignment;
+    };
+    eachRow<T>([&]<std::size_t I>() {
+        roundUp(alignof(MemberAt<T, I>));
+        at += sizeof(MemberAt<T, I>);
+    });
+    roundUp(alignof(T));
+    return at == sizeof(T);
+}
+
+}  // namespace Vex

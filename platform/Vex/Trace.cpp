@@ -1,0 +1,110 @@
+#include "platform/Vex/Trace.h"
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <ctime>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "platform/Vex/Escape.h"
+#include "platform/Vex/TypeRecord.h"
+
+namespace Vex {
+namespace {
+
+struct TraceState {
+    std::vector<TraceHandle*> handles;
+    std::map<std::string, unsigned, std::less<>> levels;
+    TraceSink sink;
+};
+
+/// Never destroyed: handles of libraries leave it at their unload, which may be the very end.
+TraceState& state() {
+    static auto* const kept = new TraceState;
+    return *kept;
+}
+
+void appendTimestamp(std::string& out) {
+    using namespace std::chrono;
+    const auto now = floor<microseconds>(system_clock::now());
+    const std::time_t seconds = system_clock::to_time_t(floor<std::chrono::seconds>(now));
+    std::tm utc{};
+    gmtime_r(&seconds, &utc);
+    char text[32];
+    out.append(text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S.", &utc));
+    const auto micros = static_cast<unsigned>(now.time_since_epoch().count() % 1'000'000);
+    const std::string digits = std::to_string(micros);
+    out.append(6 - digits.size(), '0').append(digits).append("Z");
+}
+
+}  // namespace
+
+TraceRegistration::TraceRegistration(TraceHandle& handle) : handle_(handle) {
+    state().handles.push_back(&handle);
+    for (const auto& [name, count] : state().levels)
+        if (name == "*" || name == handle.name()) handle.enabledLevelsIs(count);
+}
+
+TraceRegistration::~TraceRegistration() {
+    std::erase(state().handles, &handle_);
+}
+
+void traceLevelsIs(std::string_view name, unsigned count) {
+    if (name == "*") state().levels.clear();
+    state().levels.insert_or_assign(std::string(name), count);
+    for (TraceHandle* handle : state().handles)
+        if (name == "*" || name == handle->name()) handle->enabledLevelsIs(count);
+}
+
+void traceSinkIs(TraceSink sink) {
+    state().sink = std::move(sink);
+}
+
+void writeTraceLine(std::string_view line) {
+    if (state().sink) state().sink(line);
+}
+
+TraceHelper::TraceHelper(const TraceHandle& handle, unsigned level, std::string_view source,
+                         unsigned line, std::string_view function) {
+    appendTimestamp(text_);
+    text_.append(" ").append(handle.name()).append("/").append(std::to_string(level));
+    text_.append(" ").append(source).append(":").append(std::to_string(line));
+    text_.append(" ").append(function).append(" ");
+}
+
+TraceHelper::~TraceHelper() {
+    writeTraceLine(text_);
+}
+
+TraceHelper& TraceHelper::operator<<(std::string_view piece) {
+    text_ += piece;
+    return *this;
+}
+
+TraceHelper& TraceHelper::operator<<(const Orin::String& value) {
+    appendEscaped(text_, value);
+    return *this;
+}
+
+TraceHelper& TraceHelper::operator<<(bool value) {
+    return *this << (value ? "true" : "false");
+}
+
+TraceHelper& TraceHelper::operator<<(std::uint32_t value) {
+    return *this << std::string_view(std::to_string(value));
+}
+
+TraceHelper& TraceHelper::operator<<(const void* value) {
+    char digits[2 * sizeof value];
+    const auto end = std::to_chars(digits, digits + sizeof digits,
+                                   reinterpret_cast<std::uintptr_t>(value), 16);
+    return *this << "0x" << std::string_view(digits, end.ptr);
+}
+
+TraceHelper& TraceHelper::operator<<(const TypedNode& entity) {
+    return *this << entity.typeData().fullName << "@" << static_cast<const void*>(&entity);
+}
+
+}  // namespace Vex

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/Orin/Export.h"
+#include "platform/Orin/Node.h"
+
+namespace Vex {
+
+struct TypeRecord;
+
+/// Where a type stands: the index of its module in the order of registration, and its own index in
+/// the module's table, both from 0.
+struct FwkType {
+    std::uint16_t module;
+    std::uint16_t type;
+    friend bool operator==(const FwkType&, const FwkType&) = default;
+};
+
+/// A node that can describe itself: every machine and every entity.
+class PLATFORM_API TypedNode : public Orin::Node {
+public:
+    virtual const TypeRecord& typeData() const = 0;
+    /// Ends the process when the type is in no registered module.
+    FwkType fwkType() const;
+};
+
+}  // namespace Vex
