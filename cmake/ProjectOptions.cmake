@@ -1,0 +1,42 @@
+# How this project compiles and links its own code, on one interface target. Nothing of it reaches
+# those who build against the installed platform.
+add_library(project_options INTERFACE)
+set_target_properties(project_options PROPERTIES INTERFACE_POSITION_INDEPENDENT_CODE ON)
+
+include(CheckPIESupported)
+check_pie_supported()
+
+target_compile_options(project_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
+    $<$<BOOL:${QOS_WERROR}>:-Werror>
+    -fvisibility=hidden
+    -fvisibility-inlines-hidden
+    # Unique symbols would keep an unloaded plug-in mapped.
+    $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
+    # No file tells where it was built.
+    "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/="
+    "-ffile-prefix-map=${PROJECT_BINARY_DIR}/=")
+
+if(QOS_SANITIZE)
+    target_compile_options(project_options INTERFACE
+        -fsanitize=${QOS_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(project_options INTERFACE -fsanitize=${QOS_SANITIZE})
+else()
+    # The sanitizers' run-time symbols are met by the program alone.
+    target_link_options(project_options INTERFACE -Wl,--no-undefined)
+endif()
+
+if(QOS_HARDEN)
+    target_compile_options(project_options INTERFACE
+        -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3 -fstack-protector-strong -fstack-clash-protection)
+    target_link_options(project_options INTERFACE
+        -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+else()
+    # Checked containers cost too much in what is shipped.
+    target_compile_definitions(project_options INTERFACE _GLIBCXX_ASSERTIONS)
+endif()
+
+if(QOS_COVERAGE)
+    target_compile_options(project_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+    target_link_options(project_options INTERFACE -fprofile-instr-generate)
+endif()

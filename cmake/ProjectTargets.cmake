@@ -1,0 +1,24 @@
+# The shape that every target of the tree has. The tree's layout is its architecture: what lies in
+# a target's folder belongs to the target, so sources are found, not listed.
+
+# The sources and headers of a folder, below it too.
+macro(qos_sources OUT_SOURCES OUT_HEADERS FOLDER)
+    file(GLOB_RECURSE ${OUT_SOURCES} CONFIGURE_DEPENDS "${FOLDER}/*.cpp")
+    file(GLOB_RECURSE ${OUT_HEADERS} CONFIGURE_DEPENDS "${FOLDER}/*.h")
+endmacro()
+
+# Gives a target the project's options, its headers (which must each compile alone: target
+# all_verify_interface_header_sets) and include paths that begin at the root.
+function(qos_target TARGET)
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "HEADERS")
+    target_link_libraries(${TARGET} PRIVATE project_options)
+    target_compile_features(${TARGET} PUBLIC cxx_std_20)
+    set_target_properties(${TARGET} PROPERTIES CXX_EXTENSIONS OFF)
+    if(ARG_HEADERS)
+        target_sources(${TARGET} PUBLIC
+            FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${ARG_HEADERS})
+        set_target_properties(${TARGET} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+    else()
+        target_include_directories(${TARGET} PRIVATE "${PROJECT_SOURCE_DIR}")
+    endif()
+endfunction()
