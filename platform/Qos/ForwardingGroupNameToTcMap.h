@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "platform/Orin/String.h"
+#include "platform/Qos/TcByForwardingGroup.h"
 #include "platform/Vex/Entity.h"
 
 namespace Qos {
@@ -17,18 +18,20 @@ public:
     static constexpr auto fields() {
         return std::tuple{Vex::published(kTc, &ForwardingGroupNameToTcMap::tc_)};
     }
-    /// By forwarding-group name.
-    using Tc = Vex::HashMap2018<Orin::String, std::uint32_t,
-                                Vex::seedOf("ForwardingGroupNameToTcMap.tc")>;
 
     ~ForwardingGroupNameToTcMap() override;
 
-    const Tc& tc() const noexcept { return tc_; }
+    const TcByForwardingGroup& tc() const noexcept { return tc_; }
     void tcIs(const Orin::String& forwardingGroup, std::uint32_t trafficClass);
+    /// The group with that traffic class, the least name in byte order where there are several;
+    /// empty where there is none.
+    Orin::String forwardingGroup(std::uint32_t trafficClass) const {
+        return tc_.forwardingGroup(trafficClass);
+    }
     void tcDel(const Orin::String& forwardingGroup);
 
 private:
-    Tc tc_;
+    TcByForwardingGroup tc_;
 };
 
 }  // namespace Qos

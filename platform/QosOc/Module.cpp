@@ -1,5 +1,6 @@
 #include "platform/Vex/Module.h"
 
+#include "platform/QosOc/AclNameAndType.h"
 #include "platform/QosOc/Config/ClassifiersDir.h"
 #include "platform/QosOc/State/ClassifiersDir.h"
 
@@ -15,6 +16,7 @@ constexpr const Vex::TypeRecord* kTypes[] = {
     &Config::TermConditions::kTypeRecord,
     &Config::TermConditionsIpConfig::kTypeRecord,
     &Config::TermActions::kTypeRecord,
+    &AclNameAndType::kTypeRecord,
     &State::ClassifiersDir::kTypeRecord,
     &State::Classifier::kTypeRecord,
     &State::ClassifierState::kTypeRecord,

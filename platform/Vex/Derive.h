@@ -17,20 +17,26 @@ namespace Vex {
 template <class M>
 struct MembersOf;
 template <class M>
-    requires requires { M::kIsOrdered; }
+requires requires {
+    M::kIsOrdered;
+}
 struct MembersOf<M> {
     using Map = M;
     static const Map& in(const M& field) { return field; }
 };
 template <class M>
-    requires requires(const M& field) { field.members(); }
+requires requires(const M& field) {
+    field.members();
+}
 struct MembersOf<M> {
     using Map = typename M::Members;
     static const Map& in(const M& field) { return field.members(); }
 };
 
 template <class M>
-concept IsCollection = requires { typename MembersOf<M>::Map; };
+concept IsCollection = requires {
+    typename MembersOf<M>::Map;
+};
 
 /// The accessors of one row.
 template <class T, std::size_t I>
@@ -98,7 +104,8 @@ struct CollectionAccess : Access<T, I> {
     }
     static void touch(void* at, const Value& key) {
         const auto memberKey = Key::from(key);
-        if constexpr (Base::kRow.publishes) Base::object(at).publishChange(Base::kRow.id, &memberKey);
+        if constexpr (Base::kRow.publishes)
+            Base::object(at).publishChange(Base::kRow.id, &memberKey);
     }
     static constexpr bool kPublishes = Base::kRow.publishes;
     static constexpr CollectionOps ops{&typeOf<typename Map::Key>,
@@ -128,7 +135,7 @@ constexpr AttributeRecord attributeRecord() {
     } else {
         record.type = &typeOf<M>;
         record.read = Access<T, I>::read;
-        if constexpr (!NeedsDispatch<M> && !HoldsMachines<M> && !r.isGiven)
+        if constexpr (!NeedsDispatch<M> && !HoldsReactors<M> && !r.isGiven)
             record.write = Access<T, I>::write;
         if constexpr (r.publishes) record.touch = Access<T, I>::touch;
     }
@@ -141,7 +148,9 @@ struct GivenAs {
     using type = M;
 };
 template <class M>
-    requires requires { typename M::Given; }
+requires requires {
+    typename M::Given;
+}
 struct GivenAs<M> {
     using type = typename M::Given;
 };
@@ -151,7 +160,8 @@ template <class T, class = std::make_index_sequence<fieldCount<T>>,
 struct Derived;
 template <class T, std::size_t... I, std::size_t... G>
 struct Derived<T, std::index_sequence<I...>, std::index_sequence<G...>> {
-    static constexpr std::array<AttributeRecord, sizeof...(I)> attributes{attributeRecord<T, I>()...};
+    static constexpr std::array<AttributeRecord, sizeof...(I)> attributes{
+        attributeRecord<T, I>()...};
     static Orin::Ptr<TypedNode> construct(std::span<const Value> given) {
         if (given.size() != sizeof...(G)) throw std::invalid_argument(std::string(T::kTypeName));
         return T::create(ValueTraits<typename GivenAs<MemberAt<T, G>>::type>::from(given[G])...);

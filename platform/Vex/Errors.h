@@ -23,6 +23,11 @@ public:
 /// Throws `MutatorArgNullPointerException`; its text names the attribute.
 [[noreturn]] PLATFORM_API void throwMutatorArgNullPointerException(std::string_view attribute);
 
+/// Throws `std::out_of_range`; its text names the index and the size.
+[[noreturn]] PLATFORM_API void throwMutatorIndexOutOfRange(std::size_t index, std::size_t size);
+/// Throws `std::out_of_range`: an element was to be taken from an empty vector.
+[[noreturn]] PLATFORM_API void throwMutatorVectorEmpty();
+
 namespace Impl {
 
 /// Throws `MutatorReinstantiatingException`; its text names the attribute.

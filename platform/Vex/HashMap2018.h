@@ -1,8 +1,7 @@
 #pragma once
 
-#include <bit>
+#include <algorithm>
 #include <cstdint>
-#include <memory>
 #include <new>
 #include <optional>
 #include <utility>
@@ -14,7 +13,7 @@
 
 namespace Vex {
 
-/// Counts the members of all keyed collections.
+/// Counts the members, and the bucket arrays, of all keyed collections.
 PLATFORM_API OvSlab::Tracker& memberTracker() noexcept;
 
 /// A keyed collection on a hash table with a seed of its own.
@@ -42,7 +41,10 @@ public:
     HashMap2018() noexcept = default;
     HashMap2018(const HashMap2018&) = delete;
     HashMap2018& operator=(const HashMap2018&) = delete;
-    ~HashMap2018() { clear(); }
+    ~HashMap2018() {
+        clear();
+        freeBuckets();
+    }
 
     std::size_t size() const noexcept { return size_; }
     bool empty() const noexcept { return size_ == 0; }
@@ -71,6 +73,8 @@ public:
         ++size_;
         return *member;
     }
+    /// Gives a member, found before, another value.
+    void assign(const K&, V& held, V value) noexcept { held = std::move(value); }
     /// Removes the member under the key and returns its value; nothing if there is none.
     template <class Q>
     std::optional<V> remove(const Q& key) {
@@ -116,17 +120,24 @@ private:
     }
     void grow() {
         const std::uint32_t count = bucketCount_ == 0 ? 4 : 2 * bucketCount_;
-        auto buckets = std::make_unique<Member*[]>(count);
+        auto** buckets =
+            static_cast<Member**>(OvSlab::slabAlloc(count * sizeof(Member*), memberTracker()));
+        std::fill_n(buckets, count, nullptr);
         Orin::WalkList::Walk walk(order_);
         while (Orin::Link* link = walk.step()) {
             auto& member = static_cast<Member&>(*link);
             member.chain = std::exchange(buckets[member.hash & (count - 1)], &member);
         }
-        buckets_ = std::move(buckets);
+        freeBuckets();
+        buckets_ = buckets;
         bucketCount_ = count;
     }
+    void freeBuckets() noexcept {
+        if (buckets_ != nullptr)
+            OvSlab::slabFree(buckets_, bucketCount_ * sizeof(Member*), memberTracker());
+    }
 
-    std::unique_ptr<Member*[]> buckets_;
+    Member** buckets_ = nullptr;
     std::uint32_t bucketCount_ = 0;
     std::uint32_t size_ = 0;
     Orin::WalkList order_;

@@ -56,6 +56,8 @@ public:
         }
         ++changes_;
     }
+    /// Gives a member, found before, another value.
+    void assign(const K&, V& held, V value) noexcept { held = std::move(value); }
     /// Removes the member under the key and returns its value; nothing if there is none.
     /// The key passed must not be the member's own.
     std::optional<V> remove(const K& key) {
@@ -166,8 +168,8 @@ private:
         run_ = map_->runIndexFor(key_);
         const Run& run = map_->runs_[run_];
         const auto greater = [](const K& key, const Slot& slot) { return key < slot.key; };
-        slot_ = static_cast<std::size_t>(
-            std::upper_bound(run.begin(), run.end(), key_, greater) - run.begin());
+        slot_ = static_cast<std::size_t>(std::upper_bound(run.begin(), run.end(), key_, greater) -
+                                         run.begin());
     }
     /// Takes key and value of the slot, of the next run's first where this one is at its end.
     void stand() noexcept {

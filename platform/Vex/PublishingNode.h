@@ -33,7 +33,7 @@ public:
         const typename Map::Key changed = key;
         if (typename Map::Mapped* held = members.find(changed)) {
             if (*held == value) return;
-            std::swap(*held, value);
+            members.assign(changed, *held, std::move(value));
         } else {
             members.enter(changed, std::move(value));
         }

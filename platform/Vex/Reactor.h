@@ -61,7 +61,8 @@ public:
                       "these arguments do not fit the machine's constructor");
         static_assert(tableIsComplete<Sm>(sizeof(Reactor)),
                       "fields() leaves out a data member, or lists them out of declaration order");
-        static_assert(std::is_final_v<Sm>, "a machine's constructor ends with start(): it is final");
+        static_assert(std::is_final_v<Sm>,
+                      "a machine's constructor ends with start(): it is final");
         auto machine = Orin::Ptr<Sm>::adopt(new Sm(given...));
         assertThat(machine->flag(kStarted), "constructor ends with start()", "platform/Vex/Reactor",
                    __LINE__, __PRETTY_FUNCTION__);
@@ -74,15 +75,9 @@ protected:
         assertThat(!flag(kStarted), "destructor begins with stop()", "platform/Vex/Reactor",
                    __LINE__, __PRETTY_FUNCTION__);
     }
-    /// Subscribes to the watched inputs in order and catches up. The last statement of the
-    /// constructor.
+    /// Subscribes to the watched inputs in order and catches up.
     void start() {
-        eachRow<Sm>([this]<std::size_t I>() {
-            if constexpr (NeedsDispatch<MemberAt<Sm, I>>)
-                (self().*row<Sm, I>.member).bind(row<Sm, I>.dispatch, &self());
-        });
-        flagIs(kStarted, true);
-        subscriptionsAre(true);
+        startIdle();
         try {
             self().handleInitialized();
         } catch (...) {
@@ -90,12 +85,21 @@ protected:
             throw;
         }
     }
+    /// Subscribes without catching up.
+    void startIdle() noexcept {
+        eachRow<Sm>([this]<std::size_t I>() {
+            if constexpr (NeedsDispatch<MemberAt<Sm, I>>)
+                (self().*row<Sm, I>.member).bind(row<Sm, I>.dispatch, &self());
+        });
+        flagIs(kStarted, true);
+        subscriptionsAre(true);
+    }
     /// Drops subscriptions, then children. The first statement of the destructor.
     void stop() noexcept {
         subscriptionsAre(false);
         flagIs(kStarted, false);
         eachField([](auto& field) {
-            if constexpr (HoldsMachines<std::remove_reference_t<decltype(field)>>) field.clear();
+            if constexpr (HoldsReactors<std::remove_reference_t<decltype(field)>>) field.clear();
         });
     }
 

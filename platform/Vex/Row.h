@@ -19,11 +19,11 @@ struct Row {
     Orin::AttributeId id;
     M C::*member;
     Role role = Role::plain;
-    bool isGiven = false;    ///< an argument of the constructor; such rows lead, in its order
-    bool isHidden = false;   ///< not part of the text form
+    bool isGiven = false;     ///< an argument of the constructor; such rows lead, in its order
+    bool isHidden = false;    ///< not part of the text form
     bool isNullable = false;  ///< a collection of entities: a member may be null
-    bool announces = false;  ///< its change tells that the other attributes are as they should be
-    bool publishes = false;  ///< changes go through the entity's publisher
+    bool announces = false;   ///< its change tells that the other attributes are as they should be
+    bool publishes = false;   ///< changes go through the entity's publisher
     Orin::Dispatch dispatch = nullptr;  ///< watched inputs: what their changes call
 
     constexpr Row hidden() const {
@@ -49,12 +49,18 @@ struct Row {
 };
 
 template <class M>
-concept NeedsDispatch = requires(M& member) { member.subscribedIs(true); };
-/// Children say for themselves what the life cycle does to them.
+concept NeedsDispatch = requires(M& member) {
+    member.subscribedIs(true);
+};
+/// Machines, or reactors nested in the machine itself: emptied when the machine stops.
 template <class M>
-concept HoldsMachines = requires(M& member) {
+concept HoldsReactors = requires(M& member) {
     member.activeIs(true);
     member.clear();
+};
+template <class M>
+concept HoldsMachines = HoldsReactors<M> && requires {
+    typename M::Machine;
 };
 
 /// A machine's input that it subscribes to.

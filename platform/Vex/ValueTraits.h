@@ -26,7 +26,10 @@ template <class T>
 inline constexpr Type typeOf = ValueTraits<T>::type;
 
 template <class T>
-concept ValueRecord = requires { T::fields(); } && !std::is_base_of_v<TypedNode, T>;
+concept ValueRecord = requires {
+    T::fields();
+}
+&&!std::is_base_of_v<TypedNode, T>;
 
 template <class T>
 T narrowed(const Value& value, std::uint64_t maximum) {
@@ -43,7 +46,7 @@ struct ValueTraits<bool> {
 };
 
 template <class T>
-    requires std::is_unsigned_v<T>
+requires std::is_unsigned_v<T>
 struct ValueTraits<T> {
     static constexpr Type type{.shape = Shape::number, .maximum = std::numeric_limits<T>::max()};
     static Value to(T value) { return std::uint64_t{value}; }
@@ -69,10 +72,17 @@ struct ValueTraits<E> {
     static constexpr Type type{.shape = Shape::enumeration,
                                .maximum = std::numeric_limits<std::underlying_type_t<E>>::max(),
                                .names = enumNames(E{}),
-                               .isNamedOnly = requires { isNamedOnly(E{}); }};
-    static Value to(E value) { return static_cast<std::uint64_t>(value); }
-    static E from(const Value& value) { return narrowed<E>(value, type.maximum); }
-};
+                               .isNamedOnly = requires {isNamedOnly(E{});
+}
+};  // namespace Vex
+static Value to(E value) {
+    return static_cast<std::uint64_t>(value);
+}
+static E from(const Value& value) {
+    return narrowed<E>(value, type.maximum);
+}
+}
+;
 
 template <class T>
 struct ValueTraits<std::optional<T>> {
@@ -140,6 +150,11 @@ struct ValueTraits<Orin::Ptr<T>> {
 template <class T>
 struct ValueTraits<Watched<T>> : ValueTraits<Orin::Ptr<const T>> {
     static Value to(const Watched<T>& watched) { return NodeRef(watched.notifier()); }
+};
+
+template <class R>
+struct ValueTraits<Nested<R>> : ValueTraits<typename R::Notifier> {
+    static Value to(const Nested<R>& nested) { return NodeRef(nested.notifier()); }
 };
 
 template <class Sm>

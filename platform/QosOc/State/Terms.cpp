@@ -12,6 +12,20 @@ void Terms::termIs(const Term& term) {
     memberIs(kTerm.id, term_, term.id, term);
 }
 
+void Terms::conditionsIs(Term& term, const std::optional<Config::TermConditions>& conditions) {
+    if (term.conditions == conditions) return;
+    term.conditions = conditions;
+    const Orin::String changed = term.id;
+    publishChange(kTerm.id, &changed);
+}
+
+void Terms::actionsIs(Term& term, const Config::TermActions& actions) {
+    if (term.actions == actions) return;
+    term.actions = actions;
+    const Orin::String changed = term.id;
+    publishChange(kTerm.id, &changed);
+}
+
 void Terms::termDel(const Orin::String& id) {
     memberDel(kTerm.id, term_, id);
 }

@@ -21,8 +21,14 @@ public:
     ~Terms() override;
 
     const TermById& term() const noexcept { return term_; }
+    /// The stored term of that id; null if there is none. It stays where it is until it is deleted.
+    Term* term(const Orin::String& id) noexcept { return term_.find(id); }
     /// Enters the term, or replaces whole the one with its id.
     void termIs(const Term& term);
+    /// Stores a term again with other conditions, or none: `term` is a stored one.
+    void conditionsIs(Term& term, const std::optional<Config::TermConditions>& conditions);
+    /// Stores a term again with other actions: `term` is a stored one.
+    void actionsIs(Term& term, const Config::TermActions& actions);
     /// Nothing happens when there is no such term.
     void termDel(const Orin::String& id);
 

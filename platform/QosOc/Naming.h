@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/Acl/AclType.h"
+#include "platform/Orin/Export.h"
+#include "platform/Orin/Ptr.h"
+#include "platform/Orin/String.h"
+#include "platform/Qos/ClassMapMatchOption.h"
+#include "platform/Qos/ForwardingGroupNameToTcMap.h"
+#include "platform/QosOc/ClassifierType.h"
+
+/// The names that join class maps, access lists and policy maps to OpenConfig classifiers.
+///
+/// Class map and access list of term T of classifier C: `openconfig:C:T`. Policy map of the IPv4
+/// classifier V4 and the IPv6 classifier V6: `openconfig:V4:V6`, where one of the two may be empty.
+/// In the parts `%` is written `%25` and `:` is written `%3A`, exactly so and nothing else.
+///
+/// All are pure functions. What is decoded from a text is kept with it, so that asking again for
+/// the same text costs next to nothing.
+namespace QosOc {
+
+/// Which term an object stands for. Both parts are empty when it was not made from a term.
+struct ClassifierKey {
+    Orin::String classifierName;
+    Orin::String termId;
+
+    bool isTerm() const noexcept { return !classifierName.empty() && !termId.empty(); }
+    friend bool operator==(const ClassifierKey&, const ClassifierKey&) = default;
+};
+
+/// The classifiers of a policy map; either may be empty.
+struct PmapClassifiers {
+    Orin::String ipv4ClassifierName;
+    Orin::String ipv6ClassifierName;
+
+    friend bool operator==(const PmapClassifiers&, const PmapClassifiers&) = default;
+};
+
+/// The term that a class map or access list of this name was made from. The result lives as long
+/// as any copy of the name.
+PLATFORM_API const ClassifierKey& classifierKeyFromConfigObjName(const Orin::String& name);
+/// The classifier that an ordinary class map stands for, which has its name; empty for an empty
+/// name, for `class-default` and for every name that begins with `openconfig:`.
+PLATFORM_API Orin::String classifierNameFromClassName(const Orin::String& className);
+/// The classifiers of a policy map; both are empty when it was not made from classifiers.
+/// The result lives as long as any copy of the name.
+PLATFORM_API const PmapClassifiers& classifiersFromPmapName(const Orin::String& pmapName);
+
+/// IPv6 for `matchIpv6AccessGroup`, IPv4 for all others.
+PLATFORM_API Classifier::Type classifierTypeFromMatchOption(
+    Qos::ClassMapMatchOption option) noexcept;
+/// IPv6 for `ipv6`, IPv4 otherwise.
+PLATFORM_API Classifier::Type classifierTypeFromAclType(Acl::AclType aclType) noexcept;
+
+/// The forwarding group to which the map assigns the traffic class, the least name in byte order
+/// where there are several; empty where there is none, or no map.
+PLATFORM_API Orin::String targetGroupFromTc(
+    std::uint32_t tc, const Orin::Ptr<const Qos::ForwardingGroupNameToTcMap>& map);
+
+}  // namespace QosOc

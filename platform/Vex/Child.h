@@ -1,0 +1,49 @@
+#pragma once
+
+#include <utility>
+
+#include "platform/Orin/Ptr.h"
+
+namespace Vex {
+
+/// At most one child machine.
+template <class Sm>
+class Child {
+public:
+    using Machine = Sm;
+
+    Sm* get() const noexcept { return machine_.get(); }
+    explicit operator bool() const noexcept { return static_cast<bool>(machine_); }
+
+    /// The child made from these inputs: the one that is there, or a new one, which takes the
+    /// place of the old one and silences it.
+    template <class... A>
+    Orin::Ptr<Sm> createOrReplace(const A&... given) {
+        if (machine_ && machine_->isMadeFrom(given...)) return machine_;
+        const Orin::Ptr<Sm> old = std::exchange(machine_, Sm::create(given...));
+        if (old) old->hasNotificationActiveIs(false);
+        return machine_;
+    }
+    /// Takes the child out, silences it and returns it; null if there was none.
+    Orin::Ptr<Sm> remove() {
+        Orin::Ptr<Sm> old = std::exchange(machine_, nullptr);
+        if (old) old->hasNotificationActiveIs(false);
+        return old;
+    }
+    /// Lets the child take its state back, then removes it. Nothing happens when there is none.
+    void prepareAndRemove() {
+        if (!machine_) return;
+        machine_->doPrepareToDie();
+        remove();
+    }
+
+    void activeIs(bool active) {
+        if (machine_) machine_->hasNotificationActiveIs(active);
+    }
+    void clear() noexcept { machine_ = nullptr; }
+
+private:
+    Orin::Ptr<Sm> machine_;
+};
+
+}  // namespace Vex

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <string_view>
+
+#include "platform/Orin/Ptr.h"
+#include "platform/Vex/Errors.h"
+#include "platform/Vex/HashMap2018.h"
+
+namespace Vex {
+
+/// Child machines by key.
+template <class K, class Sm, std::uint32_t kSeed>
+class Children {
+public:
+    using Machine = Sm;
+    using Members = HashMap2018<K, Orin::Ptr<Sm>, kSeed>;
+
+    Sm* get(const K& key) const noexcept {
+        const Orin::Ptr<Sm>* held = byKey_.find(key);
+        return held == nullptr ? nullptr : held->get();
+    }
+    const Members& members() const noexcept { return byKey_; }
+
+    /// The child under the key of its first input, which is `keyOf(*first)`: the one that is there,
+    /// or a new one. Throws the null-argument error, naming `attribute`, when the first input is
+    /// null; the re-instantiation error when the one that is there was made from other inputs.
+    template <class KeyOf, class First, class... A>
+    Orin::Ptr<Sm> createOrKeep(std::string_view attribute, KeyOf keyOf,
+                               const Orin::Ptr<First>& first, const A&... rest) {
+        if (!first) throwMutatorArgNullPointerException(attribute);
+        const K key = keyOf(*first);
+        if (Sm* held = get(key)) {
+            if (!held->isMadeFrom(first, rest...)) Impl::throwMutatorReinstantiating(attribute);
+            return Orin::Ptr<Sm>(held);
+        }
+        return byKey_.enter(key, Sm::create(first, rest...)).value;
+    }
+    /// Removes the child under the key and returns it; null if there was none.
+    Orin::Ptr<Sm> remove(const K& key) { return byKey_.remove(key).value_or(nullptr); }
+    /// The pattern of every member handler: a member that the input holds gets its child through
+    /// `create`; the child of one that is gone (or null) takes its state back and is removed.
+    template <class Input, class Create>
+    void reconcile(const K& key, const Input& input, Create create) {
+        const auto* member = input.find(key);
+        if (member != nullptr && *member)
+            create(*member);
+        else
+            prepareAndRemove(key);
+    }
+    /// Lets the child take its state back, then removes it. Nothing happens when there is none.
+    void prepareAndRemove(const K& key) {
+        Sm* gone = get(key);
+        if (gone == nullptr) return;
+        gone->doPrepareToDie();
+        remove(key);
+    }
+
+    void activeIs(bool active) {
+        for (const auto& member : byKey_)
+            member.value->hasNotificationActiveIs(active);
+    }
+    void clear() noexcept { byKey_.clear(); }
+
+private:
+    Members byKey_;
+};
+
+}  // namespace Vex
