@@ -107,6 +107,9 @@ struct CollectionAccess : Access<T, I> {
         if constexpr (Base::kRow.publishes)
             Base::object(at).publishChange(Base::kRow.id, &memberKey);
     }
+    static Value keyAt(const void* published) {
+        return Key::to(*static_cast<const typename Map::Key*>(published));
+    }
     static constexpr bool kPublishes = Base::kRow.publishes;
     static constexpr CollectionOps ops{&typeOf<typename Map::Key>,
                                        Map::kIsOrdered,
@@ -115,7 +118,8 @@ struct CollectionAccess : Access<T, I> {
                                        walk,
                                        kPublishes ? put : nullptr,
                                        del,
-                                       kPublishes ? touch : nullptr};
+                                       kPublishes ? touch : nullptr,
+                                       keyAt};
 };
 
 template <class T, std::size_t I>

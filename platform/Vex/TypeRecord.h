@@ -65,6 +65,8 @@ struct CollectionOps {
     Value (*del)(void* object, const Value& key);
     /// Publishes the change of a key again, changing nothing; null where nothing is published.
     void (*touch)(void* object, const Value& key);
+    /// The key that a published change of the collection points to.
+    Value (*keyAt)(const void* published);
 };
 
 /// One attribute. `object` is a `TypedNode*` for machines and entities, a pointer to the record
