@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <unordered_set>
+
+#include "platform/Orin/String.h"
+
+namespace QosAgent {
+
+/// Gives out one `Orin::String` for equal texts, so that the names that join the parts of a
+/// database are mostly equal pointers. Remembers the texts asked for last: at least `kGeneration`
+/// of them, at most twice as many, however long the agent runs.
+class Interner {
+public:
+    static constexpr std::size_t kGeneration = std::size_t{1} << 18;
+
+    Orin::String operator()(std::string_view text);
+
+private:
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view text) const { return Orin::hashOf(text); }
+        std::size_t operator()(const Orin::String& text) const { return text.hash(); }
+    };
+    struct Equal {
+        using is_transparent = void;
+        bool operator()(std::string_view a, std::string_view b) const { return a == b; }
+    };
+    using Texts = std::unordered_set<Orin::String, Hash, Equal>;
+
+    Texts young_;
+    Texts old_;
+};
+
+}  // namespace QosAgent

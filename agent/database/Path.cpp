@@ -1,0 +1,105 @@
+#include "agent/database/Path.h"
+
+#include <optional>
+
+#include "agent/database/Scalars.h"
+#include "agent/json/Excerpt.h"
+
+namespace QosAgent {
+namespace {
+
+const Subtree* subtreeLeading(const Database& database, std::string_view path) {
+    for (const Subtree& subtree : database.subtrees()) {
+        const std::string_view mount = subtree.mount->path;
+        if (path.starts_with(mount) && (path.size() == mount.size() || path[mount.size()] == '/'))
+            return &subtree;
+    }
+    return nullptr;
+}
+
+/// Nothing when a `~` begins none of the two escapes.
+std::optional<std::string> unescaped(std::string_view part) {
+    std::string text;
+    for (std::size_t at = 0; at < part.size(); ++at) {
+        if (part[at] != '~') {
+            text += part[at];
+            continue;
+        }
+        const char letter = ++at < part.size() ? part[at] : '\0';
+        if (letter != '0' && letter != '1') return {};
+        text += letter == '0' ? '~' : '/';
+    }
+    return text;
+}
+
+/// Walks down the type records, part by part.
+class PathReader {
+public:
+    PathReader(const Subtree& subtree, Interner& interner)
+        : path_{&subtree, {}, rootForm(subtree.type), {}}, interner_(interner) {}
+
+    /// What is wrong with the part; empty if nothing is.
+    std::string enter(std::string_view part) {
+        if (path_.form.isKeyed()) return enterKey(part);
+        if (path_.form.hasNamedMembers()) return enterName(part);
+        return "nothing is below " + lastPart_ + " in the path";
+    }
+    Path take() { return std::move(path_); }
+
+private:
+    std::string enterKey(std::string_view part) {
+        const auto text = unescaped(part);
+        if (!text) return "'~' in the key " + excerpt(part) + " begins neither '~0' nor '~1'";
+        auto key = keyFrom(*path_.form.keyType, *text, interner_);
+        if (!key) return keyFault(*path_.form.keyType, *text) + " (in the path)";
+        lastPart_ = excerpt(*text);
+        path_.form = memberForm(path_.form);
+        path_.keys = path_.keys.under(*key);
+        path_.steps.push_back({nullptr, *std::move(key)});
+        return {};
+    }
+    std::string enterName(std::string_view part) {
+        const auto* attribute = namedInText(*path_.form.type->record, part);
+        if (attribute == nullptr) return "unknown member " + excerpt(part) + " in the path";
+        lastPart_ = excerpt(part);
+        path_.form = formOf(*attribute);
+        // A single entity is kept under no key.
+        if (path_.form.isEntity()) path_.keys = {};
+        path_.steps.push_back({attribute, {}});
+        return {};
+    }
+
+    Path path_;
+    Interner& interner_;
+    std::string lastPart_;
+};
+
+}  // namespace
+
+std::variant<Path, std::string> parsePath(Database& database, std::string_view text) {
+    const Subtree* subtree = subtreeLeading(database, text);
+    if (subtree == nullptr) return "no subtree is mounted at the path " + excerpt(text);
+    PathReader reader(*subtree, database.interner());
+    std::size_t end = subtree->mount->path.size();
+    while (end < text.size()) {
+        const std::size_t begin = end + 1;
+        end = std::min(text.find('/', begin), text.size());
+        if (std::string fault = reader.enter(text.substr(begin, end - begin)); !fault.empty())
+            return fault;
+    }
+    return reader.take();
+}
+
+void appendKeyStep(std::string& path, std::string_view key) {
+    path += '/';
+    for (const char c : key) {
+        if (c == '~')
+            path += "~0";
+        else if (c == '/')
+            path += "~1";
+        else
+            path += c;
+    }
+}
+
+}  // namespace QosAgent
