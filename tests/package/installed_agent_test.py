@@ -1,0 +1,67 @@
+#!/usr/bin/env python3
+"""Runs the installed qos-agent.
+
+    installed_agent_test.py PREFIX CENSUS_PLUG_IN
+"""
+
+import json
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+PREFIX = Path(sys.argv[1])
+CENSUS = Path(sys.argv[2])
+
+CLASS_MAPS = {"qos/status": {"cmapTypeStatus": {
+    "mapQos": {"cmapStatus": {
+        "voice": {"match": {"matchIpAccessGroup": "voice4"}},
+        "video": {"match": {"matchIpv6AccessGroup": "video6"}}}},
+    "mapPbr": {"cmapStatus": {"detour": {}}}}}}
+CHANGES = [
+    {"update": "qos/status/cmapTypeStatus/mapQos/cmapStatus/bulk", "value": {}},
+    {"delete": "qos/status/cmapTypeStatus/mapPbr/cmapStatus/detour"},
+    {"update": "qos/status/cmapTypeStatus/mapCopp/cmapStatus/control", "value": {}},
+]
+TRACE_LINE = re.compile(
+    r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{6}Z ClassMapCensus/8 CensusSm\.cpp:\d+ (.*)")
+
+
+class InstalledAgentTest(unittest.TestCase):
+    def run_agent(self, *arguments):
+        """Runs it on CLASS_MAPS and CHANGES; the lines on its standard output and error."""
+        with tempfile.TemporaryDirectory() as folder:
+            document, changes = Path(folder) / "maps.json", Path(folder) / "changes.jsonl"
+            document.write_text(json.dumps(CLASS_MAPS), encoding="utf-8")
+            changes.write_text("".join(json.dumps(change) + "\n" for change in CHANGES),
+                               encoding="utf-8")
+            done = subprocess.run(
+                [PREFIX / "bin/qos-agent", *arguments, document, changes],
+                capture_output=True, text=True, timeout=60, check=False)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        return done.stdout.splitlines(), done.stderr.splitlines()
+
+    def test_runs_a_plug_in_built_out_of_tree(self):
+        output, trace = self.run_agent("--plugin", CENSUS, "--trace", "ClassMapCensus/8",
+                                       "--output", "none")
+        self.assertEqual(output, [])
+        counts = [TRACE_LINE.fullmatch(line).group(1) for line in trace]
+        start = ["handleCmapStatus class maps of mapQos: 2",
+                 "handleCmapStatus class maps of mapPbr: 1"]
+        self.assertCountEqual(counts[:2], start)
+        self.assertEqual(counts[2:], ["handleCmapStatus class maps of mapQos: 3",
+                                      "handleCmapStatus class maps of mapPbr: 0",
+                                      "handleCmapStatus class maps of mapCopp: 1"])
+
+    def test_finds_its_own_plug_in_and_toggles(self):
+        output, complaints = self.run_agent("--output", "entities")
+        self.assertEqual(complaints, [])
+        classifiers = json.loads("\n".join(output))["classifier"]
+        self.assertEqual({name: entry["state"]["type"] for name, entry in classifiers.items()},
+                         {"voice": "IPV4", "video": "IPV6"})
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
