@@ -47,7 +47,8 @@ public:
     bool empty() const noexcept { return text_ == nullptr; }
     std::size_t size() const noexcept { return text_ == nullptr ? 0 : text_->size; }
     std::string_view view() const noexcept {
-        return text_ == nullptr ? std::string_view() : std::string_view(text_->bytes(), text_->size);
+        return text_ == nullptr ? std::string_view()
+                                : std::string_view(text_->bytes(), text_->size);
     }
     operator std::string_view() const noexcept { return view(); }
     std::uint32_t hash() const noexcept { return text_ == nullptr ? kEmptyHash : text_->hash; }
@@ -94,3 +95,8 @@ private:
 };
 
 }  // namespace Orin
+
+template <>
+struct std::hash<Orin::String> {
+    std::size_t operator()(const Orin::String& text) const noexcept { return text.hash(); }
+};

@@ -16,4 +16,18 @@ inline void assertThat(bool holds, const char* expression, const char* source, u
         assertFail(expression, source, line, function);
 }
 
+/// A failed condition with a message of its own: prints both, then stops the program.
+class PLATFORM_API SassertHelper {
+public:
+    SassertHelper(const char* condition, const char* message) noexcept
+        : condition_(condition), message_(message) {}
+    /// The texts are those of `assertFail`.
+    [[noreturn]] void fail(const char* expression, const char* source, unsigned line,
+                           const char* function) const noexcept;
+
+private:
+    const char* condition_;
+    const char* message_;
+};
+
 }  // namespace Vex

@@ -75,6 +75,16 @@ struct CollectionAccess : Access<T, I> {
     using Key = ValueTraits<typename Map::Key>;
     using Mapped = ValueTraits<typename Map::Mapped>;
 
+    static constexpr bool kPublishes = Base::kRow.publishes;
+    /// Not the children of a machine, which come only from its inputs.
+    static constexpr bool kIsPlain = std::is_same_v<Map, typename Base::M>;
+
+    static Value valueOf(const std::optional<typename Map::Mapped>& removed) {
+        return removed ? Mapped::to(*removed) : Value();
+    }
+    static Value valueOf(const typename Map::Mapped& child) requires(!kIsPlain) {
+        return child ? Mapped::to(child) : Value();
+    }
     static const Map& members(const void* at) { return Holder::in(Base::in(at)); }
     static std::size_t size(const void* at) { return members(at).size(); }
     static Value get(const void* at, const Value& key) {
@@ -86,20 +96,24 @@ struct CollectionAccess : Access<T, I> {
             visit(Key::to(member.key), Mapped::to(member.value));
     }
     static void put(void* at, const Value& key, const Value& member) {
-        auto& object = Base::object(at);
         const auto memberKey = Key::from(key);
-        if constexpr (kPublishes)
-            object.memberIs(Base::kRow.id, Base::in(at), memberKey, Mapped::from(member));
+        if constexpr (kPublishes) {
+            Base::object(at).memberIs(Base::kRow.id, Base::in(at), memberKey, Mapped::from(member));
+        } else if constexpr (kIsPlain) {
+            auto& collection = Base::in(at);
+            if (auto* held = collection.find(memberKey))
+                collection.assign(memberKey, *held, Mapped::from(member));
+            else
+                collection.enter(memberKey, Mapped::from(member));
+        }
     }
     static Value del(void* at, const Value& key) {
         auto& collection = Base::in(at);
         const auto memberKey = Key::from(key);
         if constexpr (Base::kRow.publishes) {
-            const auto removed = Base::object(at).memberDel(Base::kRow.id, collection, memberKey);
-            return removed ? Mapped::to(*removed) : Value();
+            return valueOf(Base::object(at).memberDel(Base::kRow.id, collection, memberKey));
         } else {
-            const auto removed = collection.remove(memberKey);
-            return removed ? Value(NodeRef(removed)) : Value();
+            return valueOf(collection.remove(memberKey));
         }
     }
     static void touch(void* at, const Value& key) {
@@ -110,13 +124,12 @@ struct CollectionAccess : Access<T, I> {
     static Value keyAt(const void* published) {
         return Key::to(*static_cast<const typename Map::Key*>(published));
     }
-    static constexpr bool kPublishes = Base::kRow.publishes;
     static constexpr CollectionOps ops{&typeOf<typename Map::Key>,
                                        Map::kIsOrdered,
                                        size,
                                        get,
                                        walk,
-                                       kPublishes ? put : nullptr,
+                                       kPublishes || kIsPlain ? put : nullptr,
                                        del,
                                        kPublishes ? touch : nullptr,
                                        keyAt};

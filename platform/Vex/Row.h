@@ -36,6 +36,11 @@ struct Row {
         row.role = Role::keyCopy;
         return row;
     }
+    constexpr Row owned() const {
+        Row row = *this;
+        row.role = Role::child;
+        return row;
+    }
     constexpr Row nullable() const {
         Row row = *this;
         row.isNullable = true;

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/QosOc/Config/ClassifierConfig.h"
+#include "platform/Vex/Entity.h"
+
+namespace QosOc {
+
+/// The classifiers in use by policy maps, and how often each was counted in. Publishes nothing.
+class ClassifiersWithPmap final : public Vex::Entity<ClassifiersWithPmap> {
+public:
+    static constexpr std::string_view kTypeName = "QosOc::ClassifiersWithPmap";
+    static const Vex::TypeRecord kTypeRecord;
+    static constexpr auto fields() {
+        return std::tuple{Vex::own("classifier", 1, &ClassifiersWithPmap::classifier_)};
+    }
+    /// The key's type is set. The count is unsigned and wraps like one.
+    using CountByClassifier = Vex::HashMap2018<Config::ClassifierConfig, unsigned,
+                                               Vex::seedOf("ClassifiersWithPmap.classifier")>;
+
+    ~ClassifiersWithPmap() override;
+    static Orin::Ptr<ClassifiersWithPmap> ClassifiersWithPmapIs();
+
+    const CountByClassifier& classifier() const noexcept { return classifier_; }
+    /// Enters the key with the count, or gives it another count.
+    void classifierIs(const Config::ClassifierConfig& key, unsigned count);
+    /// Removes the key and returns its count; 0 when it was absent.
+    unsigned classifierDel(const Config::ClassifierConfig& key);
+    void classifierDelAll();
+
+private:
+    CountByClassifier classifier_;
+};
+
+Orin::Ptr<ClassifiersWithPmap> classifiersWithPmapFactory();
+
+}  // namespace QosOc
