@@ -58,8 +58,7 @@ Orin::Ptr<TypedNode> constructed(const TypeRecord& type, const Keys& keys) {
 
 std::vector<Value> ascendingKeys(const TypedNode& node, const AttributeRecord& attribute) {
     std::vector<Value> keys;
-    attribute.collection->walk(&node,
-                               [&](const Value& key, const Value&) { keys.push_back(key); });
+    attribute.collection->walk(&node, [&](const Value& key, const Value&) { keys.push_back(key); });
     std::sort(keys.begin(), keys.end(), keyBelow);
     return keys;
 }
@@ -173,8 +172,7 @@ void Editor::patchAttribute(TypedNode& node, const Keys& keys, const AttributeRe
     if (attribute.collection != nullptr) return patchCollection(node, keys, attribute, patch);
     if (holdsEntities(attribute)) return patchChild(node, attribute, patch);
     if (attribute.write == nullptr) return;  // repeats a key, and agrees with it
-    attribute.write(&node,
-                    patched(*attribute.type, attribute.read(&node), patch, keys, interner_));
+    attribute.write(&node, patched(*attribute.type, attribute.read(&node), patch, keys, interner_));
 }
 
 void Editor::patchCollection(TypedNode& node, const Keys& keys, const AttributeRecord& attribute,

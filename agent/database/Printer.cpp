@@ -63,12 +63,12 @@ void writeEnumeration(JsonWriter& writer, const Type& type, const Value& value) 
 Members sortedMembers(const Vex::TypedNode& node, const AttributeRecord& attribute) {
     Members members;
     members.reserve(attribute.collection->size(&node));
-    attribute.collection->walk(&node, [&](const Value& key, const Value& member) {
-        members.emplace_back(key, member);
-    });
+    attribute.collection->walk(
+        &node, [&](const Value& key, const Value& member) { members.emplace_back(key, member); });
     if (!attribute.collection->isOrdered)
-        std::sort(members.begin(), members.end(),
-                  [](const auto& left, const auto& right) { return keyBelow(left.first, right.first); });
+        std::sort(members.begin(), members.end(), [](const auto& left, const auto& right) {
+            return keyBelow(left.first, right.first);
+        });
     return members;
 }
 

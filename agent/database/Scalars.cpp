@@ -12,8 +12,8 @@ using Vex::Shape;
 using Vex::Type;
 using Vex::Value;
 
-constexpr std::string_view kKinds[] = {"null", "a boolean", "a number", "a string", "an array",
-                                       "an object"};
+constexpr std::string_view kKinds[] = {"null",     "a boolean", "a number",
+                                       "a string", "an array",  "an object"};
 
 bool isDigits(std::string_view text) {
     const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };

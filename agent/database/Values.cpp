@@ -52,8 +52,8 @@ Value patchedMap(const Type& type, Value current, const Patch& patch, const Keys
     patch.eachMember(*type.key, interner, [&](const Value& key, const Patch& inner) {
         const auto at = std::lower_bound(held.begin(), held.end(), MapMember{key, {}}, isKeyBelow);
         Value before = at != held.end() && at->key == key ? at->value : Value();
-        changed.push_back({key, patched(*type.element, std::move(before), inner, keys.under(key),
-                                        interner)});
+        changed.push_back(
+            {key, patched(*type.element, std::move(before), inner, keys.under(key), interner)});
     });
     std::sort(changed.begin(), changed.end(), isKeyBelow);
     std::vector<MapMember> merged;
@@ -72,8 +72,8 @@ Value listFrom(const Type& type, const JsonValue& json, Interner& interner) {
 }
 
 Value* memberUnder(MapValue& map, const Value& key) {
-    const auto at = std::lower_bound(map.members.begin(), map.members.end(), MapMember{key, {}},
-                                     isKeyBelow);
+    const auto at =
+        std::lower_bound(map.members.begin(), map.members.end(), MapMember{key, {}}, isKeyBelow);
     return at != map.members.end() && at->key == key ? &at->value : nullptr;
 }
 

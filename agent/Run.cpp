@@ -1,0 +1,163 @@
+#include "agent/Run.h"
+
+#include <unistd.h>
+
+#include <cstring>
+#include <optional>
+#include <string>
+
+#include "agent/ExitCodes.h"
+#include "agent/database/Document.h"
+#include "agent/database/Printer.h"
+#include "agent/host/File.h"
+#include "agent/host/PluginHost.h"
+#include "agent/host/ToggleFolder.h"
+#include "agent/openconfig/Configuration.h"
+#include "agent/openconfig/StatePrinter.h"
+#include "agent/output/Diagnostics.h"
+#include "agent/output/Follower.h"
+#include "agent/output/Machines.h"
+#include "agent/output/Progress.h"
+#include "agent/output/Table.h"
+#include "agent/streams/LineReader.h"
+#include "agent/streams/Operations.h"
+#include "agent/trace/TraceOutput.h"
+#include "platform/Agent/Toggles.h"
+#include "platform/Vex/Trace.h"
+
+namespace QosAgent {
+namespace {
+
+/// The line that tells why the program cannot go on.
+using Refusal = std::optional<std::string>;
+
+constexpr const char* kToggleFile = "QosOpenConfig.json";
+
+/// What the command line asked for, step by step.
+class AgentRun {
+public:
+    explicit AgentRun(const Options& options)
+        : options_(options), out_(STDOUT_FILENO), host_(database_.entityManager()) {}
+
+    int run() {
+        if (const Refusal refused = start()) {
+            report(*refused);
+            return kUnusable;
+        }
+        {
+            const StopSignals stop;
+            for (const std::string& stream : options_.streams) {
+                if (stop.isStopRequested()) break;
+                if (!applyStream(stream, stop)) return kUnusable;
+            }
+        }
+        follower_.reset();
+        printResults();
+        return endStatus();
+    }
+
+private:
+    Refusal start() {
+        const ToggleFolder toggles(options_.toggleFolder);
+        const auto read = toggles.read(kToggleFile);
+        if (const auto* refused = std::get_if<std::string>(&read)) return *refused;
+        ::Agent::toggleReaderIs([toggles](auto toggle, auto file, bool fallback) {
+            return toggles.state(toggle, file, fallback);
+        });
+        for (const std::string& document : options_.documents)
+            if (Refusal refused = loadDocument(document)) return refused;
+        if (options_.follows) follower_.emplace(database_.stateTree(), out_);
+        if (const auto fault = host_.load(options_.pluginFile))
+            return refusal(options_.pluginFile, *fault);
+        return {};
+    }
+    Refusal loadDocument(const std::string& name) {
+        const Limits limits;
+        const FileText read = readFile(name, limits.documentBytes);
+        if (read.error != 0) return refusal(name, std::strerror(read.error));
+        Progress progress(name, read.text.size());
+        const JsonResult json = parseJson(read.text, limits);
+        if (const auto* fault = std::get_if<Fault>(&json)) return refusal(name, read.text, *fault);
+        const auto fault = applyDocument(std::get<Json>(json).root(), progress);
+        if (fault) return refusal(name, read.text, *fault);
+        return {};
+    }
+    std::optional<Fault> applyDocument(const JsonValue& document, Progress& progress) {
+        if (document.find(kOpenConfigMember)) return applyConfiguration(database_, document);
+        if (auto fault = checkDocument(database_, document)) return fault;
+        mergeDocument(database_, document,
+                      [&progress](std::size_t offset) { progress.doneIs(offset); });
+        return {};
+    }
+    /// False when the program cannot go on.
+    bool applyStream(const std::string& name, const StopSignals& stop) {
+        const File file = File::toRead(name);
+        if (file.error() != 0) return unusable(name, file.error());
+        LineReader lines(file.fd(), Limits{}.lineBytes, stop);
+        Operations operations(database_, host_, out_);
+        while (out_.fault().empty() && lines.next()) {
+            const auto fault = operations.apply(lines.line());
+            if (!fault) continue;
+            report(refusal(name, TextPlace{lines.number(), fault->offset + 1}, fault->message));
+            if (!options_.keepsGoing) return false;
+            isSomeRefused_ = true;
+        }
+        return lines.error() == 0 || unusable(name, lines.error());
+    }
+    static bool unusable(const std::string& file, int error) {
+        report(refusal(file, std::strerror(error)));
+        return false;
+    }
+    void printResults() {
+        std::string text;
+        if (options_.output != OutputFormat::none) {
+            writeResult(text);
+            out_.line(text);
+        }
+        if (!options_.showsMachines) return;
+        text = machineTree(database_, host_.mounters());
+        if (!text.empty()) out_.line(text);
+    }
+    void writeResult(std::string& text) const {
+        JsonWriter writer(text, JsonWriter::Style::indented);
+        const auto state =
+            Vex::entityCast<QosOc::State::ClassifiersDir>(database_.stateTree().root);
+        if (options_.output == OutputFormat::entities)
+            writeDatabase(writer, database_);
+        else if (options_.output == OutputFormat::openconfig)
+            writeOpenConfigState(writer, *state);
+        else
+            text = stateTable(*state);
+    }
+    int endStatus() const {
+        if (!out_.fault().empty()) {
+            report(refusal("standard output", out_.fault()));
+            return kUnusable;
+        }
+        return isSomeRefused_ ? kSomeRefused : kAllApplied;
+    }
+
+    const Options& options_;
+    Output out_;
+    Database database_;
+    PluginHost host_;
+    std::optional<Follower> follower_;
+    bool isSomeRefused_ = false;
+};
+
+}  // namespace
+
+int run(const Options& options) {
+    std::optional<File> traceFile;
+    if (!options.traceFile.empty()) traceFile.emplace(File::toWrite(options.traceFile));
+    if (traceFile && traceFile->error() != 0) {
+        report(refusal(options.traceFile, std::strerror(traceFile->error())));
+        return kUnusable;
+    }
+    const TraceOutput traces(traceFile ? traceFile->fd() : STDERR_FILENO);
+    for (const TraceSetting& setting : options.traces)
+        Vex::traceLevelsIs(setting.handle, setting.level + 1);
+    return AgentRun(options).run();
+}
+
+}  // namespace QosAgent

@@ -1,0 +1,47 @@
+#include "agent/host/File.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+namespace QosAgent {
+
+File::File(int fd) : fd_(fd), error_(fd < 0 ? errno : 0) {}
+
+File::File(File&& other) noexcept : fd_(std::exchange(other.fd_, -1)), error_(other.error_) {}
+
+File::~File() {
+    if (fd_ > STDERR_FILENO) ::close(fd_);
+}
+
+File File::toRead(const std::string& name) {
+    if (name == "-") return File(STDIN_FILENO);
+    return File(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
+}
+
+File File::toWrite(const std::string& name) {
+    return File(::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666));
+}
+
+FileText readFile(const std::string& name, std::size_t mostBytes) {
+    constexpr std::size_t kChunk = std::size_t{1} << 20;
+    const File file = File::toRead(name);
+    FileText read{{}, file.error()};
+    std::size_t size = 0;
+    while (read.error == 0 && size <= mostBytes) {
+        read.text.resize(size + std::min(std::max(kChunk, size), mostBytes + 1 - size));
+        const ssize_t count = ::read(file.fd(), read.text.data() + size, read.text.size() - size);
+        if (count == 0) break;
+        if (count > 0)
+            size += static_cast<std::size_t>(count);
+        else if (errno != EINTR)
+            read.error = errno;
+    }
+    read.text.resize(size);
+    return read;
+}
+
+}  // namespace QosAgent

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace QosAgent {
+
+/// An open file; closed with this object, unless it is standard input.
+class File {
+public:
+    /// Opens for reading; `-` is standard input.
+    static File toRead(const std::string& name);
+    /// Opens for writing, empty and made if absent.
+    static File toWrite(const std::string& name);
+    File(File&& other) noexcept;
+    File& operator=(File&&) = delete;
+    ~File();
+
+    /// Not negative if it is open.
+    int fd() const { return fd_; }
+    /// `errno` if it is not.
+    int error() const { return error_; }
+
+private:
+    explicit File(int fd);
+
+    int fd_;
+    int error_;
+};
+
+/// What a file holds, or the `errno` of what went wrong.
+struct FileText {
+    std::string text;
+    int error = 0;
+};
+
+/// Reads a whole file, but no more than one byte over `mostBytes`.
+FileText readFile(const std::string& name, std::size_t mostBytes);
+
+}  // namespace QosAgent

@@ -1,0 +1,39 @@
+#include "agent/host/InstalledFiles.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace QosAgent {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kPluginName = "libQosOpenConfig.so";
+
+fs::path programFolder() {
+    std::error_code ignored;
+    return fs::read_symlink("/proc/self/exe", ignored).parent_path();
+}
+
+fs::path installFolder() {
+    return programFolder().parent_path();
+}
+
+bool isThere(const fs::path& path) {
+    std::error_code ignored;
+    return fs::exists(path, ignored);
+}
+
+}  // namespace
+
+std::string defaultPluginFile() {
+    const fs::path beside = programFolder() / kPluginName;
+    return isThere(beside) ? beside : installFolder() / "lib" / "qos-agent" / kPluginName;
+}
+
+std::string defaultToggleFolder() {
+    const fs::path folder = installFolder() / "etc" / "qos-agent";
+    return isThere(folder) ? folder : fs::path();
+}
+
+}  // namespace QosAgent

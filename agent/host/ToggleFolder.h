@@ -1,0 +1,28 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace QosAgent {
+
+/// The folder in which toggle files lie, each an object from toggle names to true or false.
+class ToggleFolder {
+public:
+    using Toggles = std::map<std::string, bool, std::less<>>;
+
+    /// An empty name: there is no folder.
+    explicit ToggleFolder(std::string folder) : folder_(std::move(folder)) {}
+
+    /// What a file says, none if it is missing; or why it is refused.
+    std::variant<Toggles, std::string> read(std::string_view file) const;
+    /// The state of one toggle; `fallback` where the file says nothing of it, or is refused.
+    bool state(std::string_view toggle, std::string_view file, bool fallback) const;
+
+private:
+    std::string folder_;
+};
+
+}  // namespace QosAgent

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace QosAgent {
+
+/// Levels 0 to `level` of the trace handles of that name; `*` names all.
+struct TraceSetting {
+    std::string handle;
+    unsigned level;
+    friend bool operator==(const TraceSetting&, const TraceSetting&) = default;
+};
+
+enum class OutputFormat { table, openconfig, entities, none };
+
+/// What the command line asks for.
+struct Options {
+    std::vector<std::string> documents;  ///< in the order given
+    std::vector<std::string> streams;    ///< in the order given; `-` is standard input
+    std::string pluginFile;
+    std::string toggleFolder;  ///< empty: there is none
+    OutputFormat output = OutputFormat::none;
+    bool follows = false;
+    bool showsMachines = false;
+    std::vector<TraceSetting> traces;  ///< in the order given
+    std::string traceFile;             ///< empty: standard error
+    bool keepsGoing = false;
+};
+
+/// The command line was answered already, or refused: the program ends with this status.
+struct ExitStatus {
+    int status;
+};
+
+/// Reads the command line. Answers `--help` and `--version` on standard output; refuses with one
+/// line on standard error.
+std::variant<Options, ExitStatus> parseOptions(int argc, const char* const* argv);
+
+}  // namespace QosAgent

@@ -1,0 +1,226 @@
+#include "agent/streams/Operations.h"
+
+#include <algorithm>
+
+#include "agent/database/Path.h"
+#include "agent/database/Printer.h"
+#include "agent/database/Scalars.h"
+#include "agent/json/Excerpt.h"
+#include "agent/openconfig/Configuration.h"
+#include "agent/openconfig/StatePrinter.h"
+#include "agent/output/Machines.h"
+#include "platform/Vex/Escape.h"
+#include "platform/Vex/Trace.h"
+
+namespace QosAgent {
+
+/// One kind of operation; its name is the member of the line that has its operand.
+struct Verb {
+    using Apply = std::optional<Fault> (Operations::*)(const JsonValue& operand,
+                                                       const JsonValue* value);
+    std::string_view name;
+    Apply apply;
+    bool takesValue = false;
+    static const Verb all[8];
+};
+
+const Verb Verb::all[8] = {
+    {"update", &Operations::update, true},
+    {"replace", &Operations::replace, true},
+    {"delete", &Operations::remove},
+    {"touch", &Operations::touch},
+    {"openconfig", &Operations::openconfig},
+    {"print", &Operations::print},
+    {"echo", &Operations::echo},
+    {"restart", &Operations::restart},
+};
+
+namespace {
+
+constexpr std::string_view kWhats[] = {"state", "database", "openconfig", "machines"};
+
+bool isPassedOver(std::string_view line) {
+    return line.starts_with('#') || line.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
+const Verb* verbNamed(std::string_view name) {
+    const auto* at = std::find_if(std::begin(Verb::all), std::end(Verb::all),
+                                  [name](const Verb& verb) { return verb.name == name; });
+    return at == std::end(Verb::all) ? nullptr : at;
+}
+
+template <class Names, class NameOf>
+std::string listed(const Names& names, NameOf nameOf) {
+    std::string list;
+    for (const auto& each : names)
+        list.append(list.empty() ? "" : ", ").append(nameOf(each));
+    return list;
+}
+
+/// The members of a line.
+struct Line {
+    const Verb* verb = nullptr;
+    std::optional<JsonMember> operand;
+    std::optional<JsonMember> value;
+};
+
+std::variant<Line, Fault> linePartsOf(const JsonValue& operation) {
+    Line line;
+    for (const JsonMember& member : operation.members()) {
+        if (member.key == "value") {
+            line.value = member;
+            continue;
+        }
+        const Verb* verb = verbNamed(member.key);
+        if (verb == nullptr)
+            return Fault{member.keyOffset, "unknown operation " + excerpt(member.key)};
+        if (line.verb != nullptr) return Fault{member.keyOffset, "a second operation in one line"};
+        line.verb = verb;
+        line.operand = member;
+    }
+    return line;
+}
+
+std::optional<Fault> lineFault(const Line& line, const JsonValue& operation) {
+    if (line.verb == nullptr)
+        return Fault{operation.offset(),
+                     "no operation, expected one of " +
+                         listed(Verb::all, [](const Verb& verb) { return verb.name; })};
+    if (line.verb->takesValue && !line.value)
+        return Fault{operation.offset(), "no value for the operation " + excerpt(line.verb->name)};
+    if (!line.verb->takesValue && line.value)
+        return Fault{line.value->keyOffset,
+                     "the operation " + excerpt(line.verb->name) + " takes no value"};
+    return {};
+}
+
+/// Why a thing of this form can be neither deleted nor touched; empty if it can be.
+std::string_view fixedFault(const Form& form) {
+    if (form.isMember || form.isNullable) return {};
+    if (form.isRoot) return "the root of a subtree";
+    if (form.isKeyed()) return "a whole collection";
+    if (form.repeatsKey()) return "a member that repeats a key";
+    return "a member that is always there";
+}
+
+}  // namespace
+
+Operations::Operations(Database& database, PluginHost& host, Output& output)
+    : database_(database),
+      host_(host),
+      output_(output),
+      checker_(database.interner()),
+      editor_(database) {}
+
+std::optional<Fault> Operations::apply(std::string_view line) {
+    if (isPassedOver(line)) return {};
+    const JsonResult json = parseJsonLine(line);
+    if (const auto* fault = std::get_if<Fault>(&json)) return *fault;
+    return applyOperation(std::get<Json>(json).root());
+}
+
+Operations::Result Operations::applyOperation(const JsonValue& operation) {
+    if (!operation.is(JsonKind::object))
+        return Fault{operation.offset(), unexpected("an object", operation.kind())};
+    const auto parts = linePartsOf(operation);
+    if (const auto* fault = std::get_if<Fault>(&parts)) return *fault;
+    const Line& line = std::get<Line>(parts);
+    if (auto fault = lineFault(line, operation)) return fault;
+    return (this->*line.verb->apply)(line.operand->value,
+                                     line.value ? &line.value->value : nullptr);
+}
+
+std::variant<Path, Fault> Operations::place(const JsonValue& path, const JsonValue* value) {
+    if (!path.is(JsonKind::string)) return Fault{path.offset(), unexpected("a path", path.kind())};
+    auto parsed = parsePath(database_, path.text());
+    if (auto* fault = std::get_if<std::string>(&parsed))
+        return Fault{path.offset(), std::move(*fault)};
+    Path& place = std::get<Path>(parsed);
+    if (place.subtree->mount->isState)
+        return Fault{path.offset(), "the state tree is the plug-in's, and is not changed by text"};
+    if (value != nullptr)
+        if (auto fault = checker_.check(place.form, place.keys, *value)) return *std::move(fault);
+    return std::move(place);
+}
+
+Operations::Result Operations::update(const JsonValue& path, const JsonValue* value) {
+    const auto place = this->place(path, value);
+    if (const auto* fault = std::get_if<Fault>(&place)) return *fault;
+    editor_.update(std::get<Path>(place), *value);
+    return {};
+}
+
+Operations::Result Operations::replace(const JsonValue& path, const JsonValue* value) {
+    const auto place = this->place(path, value);
+    if (const auto* fault = std::get_if<Fault>(&place)) return *fault;
+    editor_.replace(std::get<Path>(place), *value);
+    return {};
+}
+
+Operations::Result Operations::remove(const JsonValue& path, const JsonValue*) {
+    const auto place = this->place(path, nullptr);
+    if (const auto* fault = std::get_if<Fault>(&place)) return *fault;
+    const std::string_view fixed = fixedFault(std::get<Path>(place).form);
+    if (!fixed.empty()) return Fault{path.offset(), std::string(fixed) + " cannot be deleted"};
+    editor_.remove(std::get<Path>(place));
+    return {};
+}
+
+Operations::Result Operations::touch(const JsonValue& path, const JsonValue*) {
+    const auto place = this->place(path, nullptr);
+    if (const auto* fault = std::get_if<Fault>(&place)) return *fault;
+    const Form& form = std::get<Path>(place).form;
+    const bool isRecord = !form.isKeyed() && form.type->shape == Vex::Shape::record;
+    const std::string_view fixed = isRecord ? std::string_view() : fixedFault(form);
+    if (!fixed.empty()) return Fault{path.offset(), std::string(fixed) + " cannot be touched"};
+    editor_.touch(std::get<Path>(place));
+    return {};
+}
+
+Operations::Result Operations::openconfig(const JsonValue& document, const JsonValue*) {
+    return applyConfiguration(database_, document);
+}
+
+Operations::Result Operations::print(const JsonValue& what, const JsonValue*) {
+    if (!what.is(JsonKind::string))
+        return Fault{what.offset(), unexpected("a string", what.kind())};
+    if (std::find(std::begin(kWhats), std::end(kWhats), what.text()) == std::end(kWhats))
+        return Fault{what.offset(), "cannot print " + excerpt(what.text()) + ", expected one of " +
+                                        listed(kWhats, [](std::string_view name) { return name; })};
+    std::string line;
+    JsonWriter writer(line);
+    writeDocument(writer, what.text());
+    output_.line(line);
+    return {};
+}
+
+void Operations::writeDocument(JsonWriter& writer, std::string_view what) const {
+    const Subtree& state = database_.stateTree();
+    if (what == "state")
+        writeEntity(writer, *state.root);
+    else if (what == "database")
+        writeDatabase(writer, database_);
+    else if (what == "openconfig")
+        writeOpenConfigState(writer, *Vex::entityCast<QosOc::State::ClassifiersDir>(state.root));
+    else
+        writeMachines(writer, database_, host_.mounters());
+}
+
+Operations::Result Operations::echo(const JsonValue& text, const JsonValue*) {
+    if (!text.is(JsonKind::string))
+        return Fault{text.offset(), unexpected("a string", text.kind())};
+    std::string line = "# ";
+    Vex::appendEscaped(line, text.text());
+    output_.line(line);
+    Vex::writeTraceLine(line);
+    return {};
+}
+
+Operations::Result Operations::restart(const JsonValue& plugin, const JsonValue*) {
+    if (!plugin.is(JsonKind::string))
+        return Fault{plugin.offset(), unexpected("a string", plugin.kind())};
+    if (host_.restart(plugin.text())) return {};
+    return Fault{plugin.offset(), "no plug-in is called " + excerpt(plugin.text())};
+}
+
+}  // namespace QosAgent

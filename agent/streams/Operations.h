@@ -1,0 +1,56 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "agent/database/Checker.h"
+#include "agent/database/Editor.h"
+#include "agent/database/Path.h"
+#include "agent/host/PluginHost.h"
+#include "agent/json/JsonReader.h"
+#include "agent/json/JsonWriter.h"
+#include "agent/output/Output.h"
+
+namespace QosAgent {
+
+struct Verb;
+
+/// Applies the operations of change streams, one JSON object a line. A line is checked whole before
+/// any of it is applied.
+class Operations {
+public:
+    /// What is passed outlives the operations.
+    Operations(Database& database, PluginHost& host, Output& output);
+
+    /// Applies a line, or passes over one that is empty or a comment. Returns the fault of a line
+    /// that is refused; nothing has changed then.
+    std::optional<Fault> apply(std::string_view line);
+
+private:
+    friend struct Verb;
+    using Result = std::optional<Fault>;
+
+    Result applyOperation(const JsonValue& operation);
+    Result update(const JsonValue& path, const JsonValue* value);
+    Result replace(const JsonValue& path, const JsonValue* value);
+    Result remove(const JsonValue& path, const JsonValue* value);
+    Result touch(const JsonValue& path, const JsonValue* value);
+    Result openconfig(const JsonValue& document, const JsonValue* value);
+    Result print(const JsonValue& what, const JsonValue* value);
+    Result echo(const JsonValue& text, const JsonValue* value);
+    Result restart(const JsonValue& plugin, const JsonValue* value);
+
+    /// The place to work on, with the value checked if there is one.
+    std::variant<Path, Fault> place(const JsonValue& path, const JsonValue* value);
+    void writeDocument(JsonWriter& writer, std::string_view what) const;
+
+    Database& database_;
+    PluginHost& host_;
+    Output& output_;
+    Checker checker_;
+    Editor editor_;
+};
+
+}  // namespace QosAgent
