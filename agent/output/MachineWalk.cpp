@@ -2,7 +2,6 @@
 
 #include "agent/database/Printer.h"
 #include "agent/database/Scalars.h"
-#include "platform/Vex/Reactor.h"
 
 namespace QosAgent {
 namespace {
@@ -41,15 +40,10 @@ private:
     void nodeIn(const AttributeRecord& attribute, const NodeRef& node) {
         if (!node)
             sink_.nothing(attribute.name);
-        else if (attribute.role == Role::input || isWatchedByChild(attribute, *node))
+        else if (attribute.role == Role::input || attribute.isWatched)
             sink_.input(attribute.name, node->typeData().fullName, nameOf(*node));
         else
             machine(attribute.name, *node, {});
-    }
-    /// A reactor inside the machine is shown as what it watches.
-    static bool isWatchedByChild(const AttributeRecord& attribute, const TypedNode& node) {
-        return attribute.role == Role::child &&
-               dynamic_cast<const Vex::ReactorNode*>(&node) == nullptr;
     }
     void members(const TypedNode& node, const AttributeRecord& attribute) {
         const Vex::Type& keyType = *attribute.collection->key;

@@ -142,7 +142,7 @@ constexpr AttributeRecord attributeRecord() {
     AttributeRecord record{.name = r.name,
                            .id = r.id,
                            .role = r.role,
-                           .isWatched = NeedsDispatch<M>,
+                           .isWatched = NeedsDispatch<M> || (HoldsReactors<M> && !HoldsMachines<M>),
                            .isHidden = r.isHidden,
                            .isNullable = r.isNullable,
                            .announces = r.announces};
