@@ -31,7 +31,8 @@ template <const auto& kAttribute, auto kHandler>
 struct On {
     using Handler = HandlerOf<decltype(kHandler)>;
     using Key = typename std::remove_cvref_t<decltype(kAttribute)>::KeyType;
-    static_assert(std::is_void_v<typename Handler::Key> || std::is_same_v<typename Handler::Key, Key>,
+    static_assert(std::is_void_v<typename Handler::Key> ||
+                      std::is_same_v<typename Handler::Key, Key>,
                   "a handler takes nothing, or exactly the key of the attribute it is bound to");
 
     /// True when the attribute is the one that changed.

@@ -21,9 +21,10 @@ public:
     }
     const Members& members() const noexcept { return byKey_; }
 
-    /// The child under the key of its first input, which is what its member function `keyOf` gives: the one that is there,
-    /// or a new one. Throws the null-argument error, naming `attribute`, when the first input is
-    /// null; the re-instantiation error when the one that is there was made from other inputs.
+    /// The child under the key of its first input, which is what its member function `keyOf` gives:
+    /// the one that is there, or a new one. Throws the null-argument error, naming `attribute`,
+    /// when the first input is null; the re-instantiation error when the one that is there was made
+    /// from other inputs.
     template <class KeyOf, class First, class... A>
     Orin::Ptr<Sm> createOrKeep(std::string_view attribute, KeyOf keyOf,
                                const Orin::Ptr<First>& first, const A&... rest) {

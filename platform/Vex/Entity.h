@@ -7,7 +7,7 @@
 #include "platform/Vex/HashMap2018.h"
 #include "platform/Vex/OrderedMap.h"
 #include "platform/Vex/PublishingNode.h"
-#include "platform/Vex/Row.h"
+#include "platform/Vex/Table.h"
 
 namespace Vex {
 

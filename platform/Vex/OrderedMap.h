@@ -1,4 +1,5 @@
 #pragma once
+// long: a collection and its iterator are one thing
 
 #include <algorithm>
 #include <cstdint>

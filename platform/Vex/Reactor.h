@@ -8,7 +8,7 @@
 #include "platform/OvSlab/Slab.h"
 #include "platform/Vex/Assert.h"
 #include "platform/Vex/Fields.h"
-#include "platform/Vex/Row.h"
+#include "platform/Vex/Table.h"
 #include "platform/Vex/TypedNode.h"
 
 namespace Vex {

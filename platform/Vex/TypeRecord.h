@@ -31,12 +31,12 @@ enum class Shape : std::uint8_t {
 struct Type {
     Shape shape;
     bool isOptional = false;
-    std::uint64_t maximum = 0;            ///< numbers and enumerations: the greatest value
+    std::uint64_t maximum = 0;             ///< numbers and enumerations: the greatest value
     std::span<const EnumName> names = {};  ///< enumerations, ascending by value
-    bool isNamedOnly = false;             ///< enumerations: a value without a name is an error
-    const TypeRecord* record = nullptr;   ///< records and entities
-    const Type* key = nullptr;            ///< maps
-    const Type* element = nullptr;        ///< lists and maps
+    bool isNamedOnly = false;              ///< enumerations: a value without a name is an error
+    const TypeRecord* record = nullptr;    ///< records and entities
+    const Type* key = nullptr;             ///< maps
+    const Type* element = nullptr;         ///< lists and maps
 };
 
 /// What an attribute is to the object that has it.
@@ -75,10 +75,10 @@ struct AttributeRecord {
     std::string_view name;
     Orin::AttributeId id;
     Role role;
-    bool isWatched;  ///< a machine subscribes to it
-    bool isHidden;   ///< not part of the text form
+    bool isWatched;   ///< a machine subscribes to it
+    bool isHidden;    ///< not part of the text form
     bool isNullable;  ///< a collection of entities: a member may be null
-    bool announces;  ///< its change tells that the other attributes are as they should be
+    bool announces;   ///< its change tells that the other attributes are as they should be
     const Type* type = nullptr;  ///< of the attribute; of a member where it is a collection
     /// Null where it is a collection.
     Value (*read)(const void* object) = nullptr;

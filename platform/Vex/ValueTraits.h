@@ -2,16 +2,14 @@
 
 #include <limits>
 #include <optional>
+#include <stdexcept>
 #include <type_traits>
-#include <utility>
 
-#include "platform/Orin/Ptr.h"
 #include "platform/Orin/String.h"
 #include "platform/Orin/Vector.h"
 #include "platform/Ovk/UniqueId.h"
-#include "platform/Vex/Fields.h"
 #include "platform/Vex/FlatMap.h"
-#include "platform/Vex/Row.h"
+#include "platform/Vex/TypeRecord.h"
 
 /// How each C++ type that an attribute may have looks as a `Value`: its `type`, `to` and `from`.
 /// `from` throws `std::bad_variant_access`, `std::bad_cast` or `std::out_of_range` for a value that
@@ -24,12 +22,6 @@ struct ValueTraits;
 /// The type description of `T`, one object for each.
 template <class T>
 inline constexpr Type typeOf = ValueTraits<T>::type;
-
-template <class T>
-concept ValueRecord = requires {
-    T::fields();
-}
-&&!std::is_base_of_v<TypedNode, T>;
 
 template <class T>
 T narrowed(const Value& value, std::uint64_t maximum) {
@@ -131,55 +123,6 @@ struct ValueTraits<FlatMap<K, V>> {
         for (const auto& [key, member] : value.as<MapValue>().members)
             map.is(ValueTraits<K>::from(key), ValueTraits<V>::from(member));
         return map;
-    }
-};
-
-template <class T>
-struct ValueTraits<Orin::Ptr<T>> {
-    static constexpr Type type{
-        .shape = Shape::entity, .isOptional = true, .record = &std::remove_const_t<T>::kTypeRecord};
-    static Value to(const Orin::Ptr<T>& node) { return NodeRef(node); }
-    static Orin::Ptr<T> from(const Value& value) {
-        const auto* node = value.as<NodeRef>().get();
-        if (node == nullptr) return nullptr;
-        if (&node->typeData() != type.record) throw std::bad_cast();
-        return Orin::Ptr<T>(static_cast<T*>(const_cast<TypedNode*>(node)));
-    }
-};
-
-template <class T>
-struct ValueTraits<Watched<T>> : ValueTraits<Orin::Ptr<const T>> {
-    static Value to(const Watched<T>& watched) { return NodeRef(watched.notifier()); }
-};
-
-template <class R>
-struct ValueTraits<Nested<R>> : ValueTraits<typename R::Notifier> {
-    static Value to(const Nested<R>& nested) { return NodeRef(nested.notifier()); }
-};
-
-template <class Sm>
-struct ValueTraits<Child<Sm>> : ValueTraits<Orin::Ptr<Sm>> {
-    static Value to(const Child<Sm>& child) { return NodeRef(child.get()); }
-};
-
-template <ValueRecord T>
-struct ValueTraits<T> {
-    static constexpr Type type{.shape = Shape::record, .record = &T::kTypeRecord};
-    static Value to(const T& record) {
-        RecordValue fields;
-        fields.fields.reserve(fieldCount<T>);
-        eachRow<T>([&]<std::size_t I>() {
-            fields.fields.push_back(ValueTraits<MemberAt<T, I>>::to(record.*row<T, I>.member));
-        });
-        return fields;
-    }
-    static T from(const Value& value) {
-        const auto& fields = value.as<RecordValue>().fields;
-        T record;
-        eachRow<T>([&]<std::size_t I>() {
-            record.*row<T, I>.member = ValueTraits<MemberAt<T, I>>::from(fields.at(I));
-        });
-        return record;
     }
 };
 
