@@ -1,0 +1,77 @@
+#include "tests/support/Allocations.h"
+
+#include <atomic>
+#include <cstdlib>
+
+#include "platform/OvSlab/Slab.h"
+
+namespace {
+
+constexpr std::size_t kNever = ~std::size_t{0};
+
+constinit std::atomic<std::size_t> requests{0};
+constinit std::atomic<std::ptrdiff_t> blocks{0};
+constinit std::atomic<std::size_t> requestsUntilFailure{kNever};
+constinit std::atomic<bool> failed{false};
+
+/// Every request passes here once; throws for the chosen one.
+void request() {
+    requests.fetch_add(1, std::memory_order_relaxed);
+    const std::size_t left = requestsUntilFailure.load(std::memory_order_relaxed);
+    if (left == kNever) return;
+    requestsUntilFailure.store(left - 1, std::memory_order_relaxed);
+    if (left != 0) return;
+    failed.store(true, std::memory_order_relaxed);
+    throw std::bad_alloc();
+}
+
+void slabRequest(std::size_t) {
+    request();
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    request();
+    void* memory = std::malloc(size == 0 ? 1 : size);
+    if (memory == nullptr) throw std::bad_alloc();
+    blocks.fetch_add(1, std::memory_order_relaxed);
+    return memory;
+}
+
+void operator delete(void* memory) noexcept {
+    if (memory == nullptr) return;
+    blocks.fetch_sub(1, std::memory_order_relaxed);
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept {
+    operator delete(memory);
+}
+
+namespace TestSupport {
+
+std::size_t allocations() noexcept {
+    return requests.load(std::memory_order_relaxed);
+}
+
+std::ptrdiff_t outstandingBlocks() noexcept {
+    return blocks.load(std::memory_order_relaxed);
+}
+
+FailingAllocation::FailingAllocation(std::size_t nth) noexcept {
+    failed = false;
+    OvSlab::allocationHookIs(slabRequest);
+    requestsUntilFailure = nth;
+}
+
+FailingAllocation::~FailingAllocation() {
+    requestsUntilFailure = kNever;
+    OvSlab::allocationHookIs(nullptr);
+}
+
+bool FailingAllocation::hasFailed() const noexcept {
+    return failed;
+}
+
+}  // namespace TestSupport
