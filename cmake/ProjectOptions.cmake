@@ -9,13 +9,15 @@ check_pie_supported()
 target_compile_options(project_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
     $<$<BOOL:${QOS_WERROR}>:-Werror>
+    # GCC 12 takes the unused room of a std::variant that is moved for an uninitialised value.
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
     -fvisibility=hidden
     -fvisibility-inlines-hidden
     # Unique symbols would keep an unloaded plug-in mapped.
     $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
     # No file tells where it was built.
     "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/="
-    "-ffile-prefix-map=${PROJECT_BINARY_DIR}/=")
+    "-ffile-prefix-map=${PROJECT_BINARY_DIR}=.")
 
 if(QOS_SANITIZE)
     target_compile_options(project_options INTERFACE

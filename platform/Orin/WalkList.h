@@ -63,7 +63,7 @@ public:
             next_ = list.ends_.next;
             last_ = list.ends_.prev;
         }
-        list.walks_ = this;
+        enter();
     }
     Walk(const Walk&) = delete;
     Walk& operator=(const Walk&) = delete;
@@ -82,6 +82,16 @@ public:
 
 private:
     friend class WalkList;
+
+// The destructor takes the walk out again, which GCC does not see.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdangling-pointer"
+#endif
+    void enter() noexcept { list_->walks_ = this; }
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic pop
+#endif
 
     const WalkList* list_;
     Walk* outer_;

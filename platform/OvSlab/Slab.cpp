@@ -26,7 +26,7 @@ constexpr bool kPassThrough = false;
 
 constexpr std::size_t kGrain = 16;
 constexpr std::size_t kLargest = 512;
-constexpr std::size_t kBlockBytes = 64 * 1024;
+constexpr std::size_t kBlockBytes = std::size_t{64} * 1024;
 
 struct FreeCell {
     FreeCell* next;
