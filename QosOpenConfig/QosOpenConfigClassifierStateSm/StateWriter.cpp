@@ -1,5 +1,7 @@
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/StateWriter.h"
 
+#include <utility>
+
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/Trace.h"
 
 namespace QosOc {
@@ -106,7 +108,7 @@ void addClassifierTermCondition(const StateDir& root, const String& name, Classi
     const StoredTerm stored = termMade(root, name, type, termId);
     Config::TermConditions conditions;
     (type == Classifier::Type::IPV4 ? conditions.ipv4 : conditions.ipv6) = ipConditions(values);
-    stored.terms->conditionsIs(*stored.term, conditions);
+    stored.terms->conditionsIs(*stored.term, std::move(conditions));
 }
 
 void deleteClassifierTermCondition(const StateDir& root, const String& name, const String& termId,

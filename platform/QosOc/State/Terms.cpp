@@ -1,5 +1,7 @@
 #include "platform/QosOc/State/Terms.h"
 
+#include <utility>
+
 #include "platform/Vex/Derive.h"
 
 namespace QosOc::State {
@@ -12,9 +14,9 @@ void Terms::termIs(const Term& term) {
     memberIs(kTerm.id, term_, term.id, term);
 }
 
-void Terms::conditionsIs(Term& term, const std::optional<Config::TermConditions>& conditions) {
+void Terms::conditionsIs(Term& term, std::optional<Config::TermConditions> conditions) {
     if (term.conditions == conditions) return;
-    term.conditions = conditions;
+    term.conditions = std::move(conditions);
     const Orin::String changed = term.id;
     publishChange(kTerm.id, &changed);
 }

@@ -26,7 +26,7 @@ public:
     /// Enters the term, or replaces whole the one with its id.
     void termIs(const Term& term);
     /// Stores a term again with other conditions, or none: `term` is a stored one.
-    void conditionsIs(Term& term, const std::optional<Config::TermConditions>& conditions);
+    void conditionsIs(Term& term, std::optional<Config::TermConditions> conditions);
     /// Stores a term again with other actions: `term` is a stored one.
     void actionsIs(Term& term, const Config::TermActions& actions);
     /// Nothing happens when there is no such term.
