@@ -35,9 +35,8 @@ void CensusSm::handleInitialized() {
 }
 
 void CensusSm::handleCmapTypeStatus(Qos::MapType mapType) {
-    const auto keyOf = [](const Qos::ClassMapTypeStatus& type) { return type.mapType(); };
     typeSm_.reconcile(mapType, status_->cmapTypeStatus(), [&](const auto& cmapTypeStatus) {
-        typeSm_.createOrKeep("cmapTypeStatus", keyOf,
+        typeSm_.createOrKeep("cmapTypeStatus", &Qos::ClassMapTypeStatus::mapType,
                              Orin::Ptr<const Qos::ClassMapTypeStatus>(cmapTypeStatus));
     });
 }

@@ -58,7 +58,8 @@ class InstalledAgentTest(unittest.TestCase):
     def test_finds_its_own_plug_in_and_toggles(self):
         output, complaints = self.run_agent("--output", "entities")
         self.assertEqual(complaints, [])
-        classifiers = json.loads("\n".join(output))["classifier"]
+        database = json.loads("\n".join(output))
+        classifiers = database["qos/openconfig/state/classifiers"]["classifier"]
         self.assertEqual({name: entry["state"]["type"] for name, entry in classifiers.items()},
                          {"voice": "IPV4", "video": "IPV6"})
 
