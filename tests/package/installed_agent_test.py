@@ -14,6 +14,8 @@ from pathlib import Path
 
 PREFIX = Path(sys.argv[1])
 CENSUS = Path(sys.argv[2])
+TOGGLES = PREFIX / "etc/qos-agent/QosOpenConfig.json"
+STATE = "qos/openconfig/state/classifiers"
 
 CLASS_MAPS = {"qos/status": {"cmapTypeStatus": {
     "mapQos": {"cmapStatus": {
@@ -55,13 +57,19 @@ class InstalledAgentTest(unittest.TestCase):
                                       "handleCmapStatus class maps of mapPbr: 0",
                                       "handleCmapStatus class maps of mapCopp: 1"])
 
-    def test_finds_its_own_plug_in_and_toggles(self):
+    def test_finds_its_own_plug_in(self):
         output, complaints = self.run_agent("--output", "entities")
         self.assertEqual(complaints, [])
-        database = json.loads("\n".join(output))
-        classifiers = database["qos/openconfig/state/classifiers"]["classifier"]
+        classifiers = json.loads("\n".join(output))[STATE]["classifier"]
         self.assertEqual({name: entry["state"]["type"] for name, entry in classifiers.items()},
                          {"voice": "IPV4", "video": "IPV6"})
+
+    def test_heeds_the_installed_toggles(self):
+        self.addCleanup(TOGGLES.write_bytes, TOGGLES.read_bytes())
+        TOGGLES.write_text('{"OCQosClassifierStatePath": false}', encoding="utf-8")
+        output, complaints = self.run_agent("--output", "entities")
+        self.assertEqual(complaints, [])
+        self.assertNotIn(STATE, json.loads("\n".join(output)))
 
 
 if __name__ == "__main__":
