@@ -31,7 +31,9 @@ std::uint32_t hashOf(std::string_view text) noexcept {
         hash = folded(hash, wordAt(text.data(), sizeof(std::uint64_t)));
         text.remove_prefix(sizeof(std::uint64_t));
     }
-    return static_cast<std::uint32_t>(folded(hash, wordAt(text.data(), text.size())));
+    hash = folded(hash, wordAt(text.data(), text.size()));
+    // The upper bits of a product depend on all bits below them; tables index by the lowest ones.
+    return static_cast<std::uint32_t>(hash * kMultiplier >> 32);
 }
 
 String::String(std::string_view text) {
