@@ -65,7 +65,6 @@ private:
         if (!isInline()) delete[] heap_;
     }
     void assign(const T* values, std::size_t count) {
-        size_ = 0;
         if (count > capacity_) grow(static_cast<std::uint32_t>(count));
         if (count != 0) std::memcpy(begin(), values, count * sizeof(T));
         size_ = static_cast<std::uint32_t>(count);
