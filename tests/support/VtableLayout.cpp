@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <memory>
 #include <unordered_map>
@@ -32,9 +31,15 @@ T at(const std::vector<char>& file, std::size_t offset) {
     return value;
 }
 
+std::vector<char> contentsOf(const char* path) {
+    std::ifstream in(path, std::ios::binary | std::ios::ate);
+    std::vector<char> contents(static_cast<std::size_t>(in.tellg()));
+    in.seekg(0).read(contents.data(), static_cast<std::streamsize>(contents.size()));
+    return contents;
+}
+
 Symbols symbolsIn(const char* path) {
-    std::ifstream in(path, std::ios::binary);
-    const std::vector<char> file{std::istreambuf_iterator<char>(in), {}};
+    const std::vector<char> file = contentsOf(path);
     const auto header = at<ElfW(Ehdr)>(file, 0);
     const auto section = [&](std::size_t index) {
         return at<ElfW(Shdr)>(file, header.e_shoff + index * sizeof(ElfW(Shdr)));

@@ -1,0 +1,47 @@
+#include <gtest/gtest.h>
+
+#include "platform/Orin/Node.h"
+#include "platform/Orin/Ptr.h"
+
+namespace Orin {
+namespace {
+
+/// Opens the flags to the tests.
+class Flagged : public Node {
+public:
+    using Node::flag;
+    using Node::flagIs;
+    using Node::kNotificationActive;
+    using Node::kStarted;
+    using Node::kZombie;
+};
+
+TEST(NodeTest, publishesNothingByItself) {
+    const auto node = Ptr<Flagged>::adopt(new Flagged);
+    EXPECT_EQ(node->publisher(), nullptr);
+}
+
+TEST(NodeTest, beginsWithoutFlags) {
+    const auto node = Ptr<Flagged>::adopt(new Flagged);
+    EXPECT_FALSE(node->notificationActive());
+    EXPECT_FALSE(node->zombie());
+}
+
+TEST(NodeTest, keepsItsFlagsApart) {
+    const auto node = Ptr<Flagged>::adopt(new Flagged);
+    node->flagIs(Flagged::kZombie, true);
+    EXPECT_TRUE(node->zombie());
+    EXPECT_FALSE(node->notificationActive());
+    node->flagIs(Flagged::kNotificationActive, true);
+    node->flagIs(Flagged::kZombie, false);
+    EXPECT_FALSE(node->zombie());
+    EXPECT_TRUE(node->notificationActive());
+    EXPECT_FALSE(node->flag(Flagged::kStarted));
+}
+
+TEST(NodeTest, fillsTwoWords) {
+    EXPECT_EQ(sizeof(Node), 2 * sizeof(void*));
+}
+
+}  // namespace
+}  // namespace Orin
