@@ -43,6 +43,12 @@ inline std::string lead(const std::string& function, const std::string& line = "
            function + " ";
 }
 
+/// A line of a machine.
+inline std::string lineOf(const void* machine, const std::string& function, unsigned line,
+                          const std::string& body) {
+    return lead(function, std::to_string(line)) + addressOf(machine) + body;
+}
+
 /// The lines with N for the number of each line of the source that is not fixed from outside.
 inline Lines withoutNumbers(const Lines& lines) {
     static const std::regex number(R"(^(\S+ \S+):[1-9]\d* )");
