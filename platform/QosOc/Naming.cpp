@@ -56,6 +56,26 @@ std::unique_ptr<DecodedName> decoded(std::string_view name) {
     return note;
 }
 
+void appendEncoded(std::string& name, std::string_view part) {
+    for (const char c : part) {
+        if (c == '%')
+            name += "%25";
+        else if (c == ':')
+            name += "%3A";
+        else
+            name += c;
+    }
+}
+
+std::string encoded(std::string_view first, std::string_view second) {
+    std::string name(kPrefix);
+    name.reserve(kPrefix.size() + first.size() + 1 + second.size());
+    appendEncoded(name, first);
+    name += ':';
+    appendEncoded(name, second);
+    return name;
+}
+
 }  // namespace
 
 const ClassifierKey& classifierKeyFromConfigObjName(const Orin::String& name) {
@@ -72,6 +92,14 @@ Orin::String classifierNameFromClassName(const Orin::String& className) {
 const PmapClassifiers& classifiersFromPmapName(const Orin::String& pmapName) {
     static const PmapClassifiers none;
     return pmapName.empty() ? none : pmapName.note(decoded).pmapClassifiers;
+}
+
+std::string configObjName(std::string_view classifierName, std::string_view termId) {
+    return encoded(classifierName, termId);
+}
+
+std::string pmapName(std::string_view ipv4ClassifierName, std::string_view ipv6ClassifierName) {
+    return encoded(ipv4ClassifierName, ipv6ClassifierName);
 }
 
 Classifier::Type classifierTypeFromMatchOption(Qos::ClassMapMatchOption option) noexcept {

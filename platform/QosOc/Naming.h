@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 #include "platform/Acl/AclType.h"
 #include "platform/Orin/Export.h"
@@ -46,6 +48,14 @@ PLATFORM_API Orin::String classifierNameFromClassName(const Orin::String& classN
 /// The classifiers of a policy map; both are empty when it was not made from classifiers.
 /// The result lives as long as any copy of the name.
 PLATFORM_API const PmapClassifiers& classifiersFromPmapName(const Orin::String& pmapName);
+
+/// The name of the class map and the access list of a term; the way back of
+/// `classifierKeyFromConfigObjName`. Neither part is empty.
+PLATFORM_API std::string configObjName(std::string_view classifierName, std::string_view termId);
+/// The name of the policy map of two classifiers, one of which may be empty; the way back of
+/// `classifiersFromPmapName`.
+PLATFORM_API std::string pmapName(std::string_view ipv4ClassifierName,
+                                  std::string_view ipv6ClassifierName);
 
 /// IPv6 for `matchIpv6AccessGroup`, IPv4 for all others.
 PLATFORM_API Classifier::Type classifierTypeFromMatchOption(

@@ -19,6 +19,7 @@ static void PrintTo(const PmapClassifiers& pmap, std::ostream* out) {
 namespace {
 
 using Orin::String;
+using namespace std::string_literals;
 
 const ClassifierKey kNoTerm{};
 const PmapClassifiers kNoClassifiers{};
@@ -216,6 +217,45 @@ TEST_F(TargetGroupTest, followsAGroupThatMovesToAnotherTrafficClass) {
     map->tcIs("gold", 4294967295);
     EXPECT_EQ(targetGroupFromTc(5, map), "");
     EXPECT_EQ(targetGroupFromTc(4294967295, map), "gold");
+}
+
+/// Parts that try the separator, the escapes, and what is neither.
+const std::vector<std::string> kParts{
+    "voice", "0",   ":",     "%",        "%25", "%3A", "%3a",    "::",
+    "a:b%c", "%:%", "%253A", "\xc3\xa9", "a b", "\0"s, "\0:\0"s, "openconfig:x:y",
+};
+
+TEST(ConfigObjNameTest, joinsClassifierAndTerm) {
+    EXPECT_EQ(configObjName("voice", "10"), "openconfig:voice:10");
+}
+
+TEST(ConfigObjNameTest, escapesThePercentSignAndTheColonAndNothingElse) {
+    EXPECT_EQ(configObjName("a:b", "%3A c/~\xc3\xa9"), "openconfig:a%3Ab:%253A c/~\xc3\xa9");
+}
+
+TEST(ConfigObjNameTest, isReadBackAsTheSameTerm) {
+    for (const std::string& classifier : kParts)
+        for (const std::string& term : kParts)
+            EXPECT_EQ(classifierKeyFromConfigObjName(String(configObjName(classifier, term))),
+                      (ClassifierKey{String(classifier), String(term)}));
+}
+
+TEST(PmapNameTest, joinsTheClassifiersOfBothFamilies) {
+    EXPECT_EQ(pmapName("v4", "v:6"), "openconfig:v4:v%3A6");
+}
+
+TEST(PmapNameTest, leavesThePartOfAMissingFamilyEmpty) {
+    EXPECT_EQ(pmapName("v4", ""), "openconfig:v4:");
+    EXPECT_EQ(pmapName("", "v6"), "openconfig::v6");
+}
+
+TEST(PmapNameTest, isReadBackAsTheSameClassifiers) {
+    std::vector<std::string> parts = kParts;
+    parts.emplace_back();
+    for (const std::string& v4 : parts)
+        for (const std::string& v6 : parts)
+            EXPECT_EQ(classifiersFromPmapName(String(pmapName(v4, v6))),
+                      (PmapClassifiers{String(v4), String(v6)}));
 }
 
 }  // namespace
