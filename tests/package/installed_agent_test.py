@@ -69,7 +69,7 @@ class InstalledAgentTest(unittest.TestCase):
         TOGGLES.write_text('{"OCQosClassifierStatePath": false}', encoding="utf-8")
         output, complaints = self.run_agent("--output", "entities")
         self.assertEqual(complaints, [])
-        self.assertNotIn(STATE, json.loads("\n".join(output)))
+        self.assertEqual(json.loads("\n".join(output))[STATE], {})
 
 
 if __name__ == "__main__":
