@@ -2,11 +2,15 @@
 
 #include <algorithm>
 #include <cstring>
+#include <mutex>
 #include <new>
+#include <stdexcept>
+#include <unordered_set>
 
 namespace Orin {
 namespace {
 
+constexpr std::uint32_t kLongest = 0x7FFFFFFF;
 constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15;
 
 std::uint64_t wordAt(const char* bytes, std::size_t count) noexcept {
@@ -36,18 +40,79 @@ std::uint32_t hashOf(std::string_view text) noexcept {
     return static_cast<std::uint32_t>(hash * kMultiplier >> 32);
 }
 
-String::String(std::string_view text) {
-    if (text.empty()) return;
+String::String(std::string_view text) : text_(text.empty() ? nullptr : made(text)) {}
+
+String::Text* String::made(std::string_view text) {
+    if (text.size() > kLongest) throw std::length_error("text too long");
     constexpr std::size_t kBytesBegin = offsetof(Text, hash) + sizeof(Text::hash);
     void* memory = ::operator new(std::max(sizeof(Text), kBytesBegin + text.size()));
-    text_ = new (memory) Text{{}, static_cast<std::uint32_t>(text.size()), nullptr, hashOf(text)};
-    std::memcpy(text_->bytes(), text.data(), text.size());
+    const auto size = static_cast<std::uint32_t>(text.size());
+    auto* made = new (memory) Text{{}, size & kLongest, 0, nullptr, hashOf(text)};
+    std::memcpy(made->bytes(), text.data(), text.size());
+    return made;
+}
+
+/// The texts given out by `String::shared`; it does not keep them alive.
+class SharedTexts {
+public:
+    String find(std::string_view text) {
+        const Lock lock(mutex_);
+        const auto held = texts_.find(text);
+        if (held != texts_.end() && (*held)->refs.value() != 0) {
+            String found;
+            found.text_ = *held;
+            found.text_->refs.up();
+            return found;
+        }
+        // One that lost its last owner this moment, in another thread, makes room.
+        if (held != texts_.end()) texts_.erase(held);
+        String made(text);
+        texts_.insert(made.text_);
+        made.text_->isShared = 1;
+        return made;
+    }
+    void remove(String::Text* text) noexcept {
+        const Lock lock(mutex_);
+        const auto held = texts_.find(viewOf(text));
+        if (held != texts_.end() && *held == text) texts_.erase(held);
+    }
+    static SharedTexts& instance() {
+        static auto* const texts = new SharedTexts;  // outlives every static text
+        return *texts;
+    }
+
+private:
+    using Lock = std::lock_guard<std::mutex>;
+    static std::string_view viewOf(String::Text* text) { return {text->bytes(), text->size}; }
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view text) const noexcept { return hashOf(text); }
+        std::size_t operator()(const String::Text* text) const noexcept { return text->hash; }
+    };
+    struct Equal {
+        using is_transparent = void;
+        bool operator()(std::string_view a, String::Text* b) const { return a == viewOf(b); }
+        bool operator()(String::Text* a, std::string_view b) const { return viewOf(a) == b; }
+        bool operator()(String::Text* a, String::Text* b) const { return viewOf(a) == viewOf(b); }
+    };
+
+    std::mutex mutex_;
+    std::unordered_set<String::Text*, Hash, Equal> texts_;
+};
+
+String String::shared(std::string_view text) {
+    return text.empty() ? String() : SharedTexts::instance().find(text);
 }
 
 void String::destroy(Text* text) noexcept {
+    if (text->isShared != 0) SharedTexts::instance().remove(text);
     delete text->note.load(std::memory_order_acquire);
     text->~Text();
     ::operator delete(text);
+}
+
+bool String::hasEqualBytes(const String& a, const String& b) noexcept {
+    return a.view() == b.view();
 }
 
 // Where two threads make the same note at once, the first one stays: notes depend on nothing but

@@ -26,7 +26,8 @@ public:
 /// Immutable text, shared by its copies; its hash is computed once. The empty text owns nothing.
 ///
 /// Equality looks at the pointer, the hash and the size before the bytes; order is by bytes,
-/// unsigned. A text may contain NUL; 4 GiB at the most.
+/// unsigned. A text may contain NUL. More than 2 GiB throw
+/// `std::length_error`.
 class PLATFORM_API String {
 public:
     String() noexcept = default;
@@ -43,6 +44,10 @@ public:
     ~String() {
         if (text_ != nullptr && text_->refs.down()) destroy(text_);
     }
+
+    /// The one text of its kind: as long as a copy of it lives, equal texts asked for here are the
+    /// same. For names that many objects repeat, so that comparing them is comparing pointers.
+    static String shared(std::string_view text);
 
     bool empty() const noexcept { return text_ == nullptr; }
     std::size_t size() const noexcept { return text_ == nullptr ? 0 : text_->size; }
@@ -65,8 +70,7 @@ public:
     }
 
     friend bool operator==(const String& a, const String& b) noexcept {
-        if (a.text_ == b.text_) return true;
-        return a.hash() == b.hash() && a.view() == b.view();
+        return a.text_ == b.text_ || (a.hash() == b.hash() && hasEqualBytes(a, b));
     }
     friend bool operator==(const String& a, std::string_view b) noexcept { return a.view() == b; }
     friend bool operator==(const String& a, const char* b) noexcept { return a.view() == b; }
@@ -80,7 +84,8 @@ public:
 private:
     struct Text {
         RefCount refs;
-        std::uint32_t size;
+        std::uint32_t size : 31;
+        std::uint32_t isShared : 1;
         std::atomic<TextNote*> note;
         std::uint32_t hash;
 
@@ -88,7 +93,11 @@ private:
     };
     static constexpr std::uint32_t kEmptyHash = 0;
 
+    friend class SharedTexts;
+
+    static Text* made(std::string_view text);
     static void destroy(Text* text) noexcept;
+    static bool hasEqualBytes(const String& a, const String& b) noexcept;
     const TextNote& noteIs(std::unique_ptr<TextNote> note) const;
 
     Text* text_ = nullptr;

@@ -49,7 +49,7 @@ std::unique_ptr<DecodedName> decoded(std::string_view name) {
     const auto first = decodedPart(name.substr(0, separator));
     const auto second = decodedPart(name.substr(separator + 1));
     if (!first || !second || (first->empty() && second->empty())) return note;
-    note->pmapClassifiers = {Orin::String(*first), Orin::String(*second)};
+    note->pmapClassifiers = {Orin::String::shared(*first), Orin::String::shared(*second)};
     if (!first->empty() && !second->empty())
         note->classifierKey = {note->pmapClassifiers.ipv4ClassifierName,
                                note->pmapClassifiers.ipv6ClassifierName};

@@ -2,9 +2,6 @@
 
 namespace Vex {
 
-OvSlab::Tracker& memberTracker() noexcept {
-    static OvSlab::Tracker tracker("Vex::HashMap2018::Member");
-    return tracker;
-}
+OvSlab::Tracker memberTracker("Vex::HashMap2018::Member");
 
 }  // namespace Vex

@@ -15,7 +15,7 @@
 namespace Vex {
 
 /// Counts the members, and the bucket arrays, of all keyed collections.
-PLATFORM_API OvSlab::Tracker& memberTracker() noexcept;
+PLATFORM_API extern OvSlab::Tracker memberTracker;
 
 /// A keyed collection on a hash table with a seed of its own.
 ///
@@ -65,7 +65,7 @@ public:
     Member& enter(const K& key, V value) {
         if (size_ == bucketCount_) grow();
         const std::uint32_t hash = KeyTraits<K>::hash(key, kSeed);
-        void* memory = OvSlab::slabAlloc(sizeof(Member), memberTracker());
+        void* memory = OvSlab::slabAlloc(sizeof(Member), memberTracker);
         auto* member = new (memory) Member(hash, key, std::move(value));
         Member*& bucket = buckets_[hash & (bucketCount_ - 1)];
         member->chain = bucket;
@@ -117,12 +117,12 @@ private:
     }
     static void destroy(Member* member) noexcept {
         member->~Member();
-        OvSlab::slabFree(member, sizeof(Member), memberTracker());
+        OvSlab::slabFree(member, sizeof(Member), memberTracker);
     }
     void grow() {
         const std::uint32_t count = bucketCount_ == 0 ? 4 : 2 * bucketCount_;
         auto** buckets =
-            static_cast<Member**>(OvSlab::slabAlloc(count * sizeof(Member*), memberTracker()));
+            static_cast<Member**>(OvSlab::slabAlloc(count * sizeof(Member*), memberTracker));
         std::fill_n(buckets, count, nullptr);
         Orin::WalkList::Walk walk(order_);
         while (Orin::Link* link = walk.step()) {
@@ -135,7 +135,7 @@ private:
     }
     void freeBuckets() noexcept {
         if (buckets_ != nullptr)
-            OvSlab::slabFree(buckets_, bucketCount_ * sizeof(Member*), memberTracker());
+            OvSlab::slabFree(buckets_, bucketCount_ * sizeof(Member*), memberTracker);
     }
 
     Member** buckets_ = nullptr;
