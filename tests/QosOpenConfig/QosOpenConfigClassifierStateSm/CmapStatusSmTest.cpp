@@ -1,5 +1,5 @@
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/CmapStatusSm.h"
-#include "tests/QosOpenConfig/MachineTest.h"
+#include "tests/QosOpenConfig/MachineContract.h"
 
 namespace QosOc {
 namespace {
@@ -249,7 +249,8 @@ TEST_F(CmapStatusSmTest, describesItself) {
     const Vex::TypeRecord& type = sm->typeData();
     EXPECT_EQ(type.fullName, "QosOc::CmapStatusSm");
     EXPECT_THAT(attributesOf(type),
-                ElementsAre("1 cmapStatus input*", "2 classifierStateDir input"));
+                ElementsAre("cmapStatus 1 input watched Qos::ClassMapStatus",
+                            "classifierStateDir 2 input QosOc::State::ClassifiersDir"));
     EXPECT_EQ(type.attributes[0].read(sm.get()), Vex::Value(Vex::NodeRef(cmapStatus)));
     EXPECT_EQ(type.attributes[1].read(sm.get()), Vex::Value(Vex::NodeRef(root)));
 }

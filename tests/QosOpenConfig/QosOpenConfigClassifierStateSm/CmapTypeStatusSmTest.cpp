@@ -1,6 +1,6 @@
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/CmapTypeStatusSm.h"
 #include "platform/Vex/Errors.h"
-#include "tests/QosOpenConfig/MachineTest.h"
+#include "tests/QosOpenConfig/MachineContract.h"
 
 namespace QosOc {
 namespace {
@@ -288,8 +288,9 @@ TEST_F(CmapTypeStatusSmTest, describesItself) {
     start();
     EXPECT_EQ(sm->typeData().fullName, "QosOc::CmapTypeStatusSm");
     EXPECT_THAT(attributesOf(sm->typeData()),
-                ElementsAre("1 cmapTypeStatus input*", "2 classifierStateDir input",
-                            "3 cmapStatusSm child"));
+                ElementsAre("cmapTypeStatus 1 input watched Qos::ClassMapTypeStatus",
+                            "classifierStateDir 2 input QosOc::State::ClassifiersDir",
+                            "cmapStatusSm 3 child by key QosOc::CmapStatusSm"));
 }
 
 }  // namespace
