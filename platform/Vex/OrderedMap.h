@@ -47,6 +47,7 @@ public:
     /// Enters a member whose key is not there yet.
     void enter(const K& key, V value) {
         const Member& member = members_.enter(key, std::move(value));
+        ++changes_;  // even if this fails below: a run may have been split by then
         try {
             Run& run = runFor(key);
             run.insert(std::lower_bound(run.begin(), run.end(), key, slotBelow), {key, &member});
@@ -55,7 +56,6 @@ public:
             members_.remove(key);
             throw;
         }
-        ++changes_;
     }
     /// Gives a member, found before, another value.
     void assign(const K&, V& held, V value) noexcept { held = std::move(value); }
@@ -70,10 +70,10 @@ public:
         ++changes_;
         return value;
     }
+    /// Removes all members, the greatest first.
     void clear() noexcept {
-        runs_.clear();
-        ++changes_;
-        members_.clear();
+        while (!empty())
+            remove(K(runs_.back().back().key));
     }
 
     Iterator begin() const noexcept { return Iterator(*this); }
