@@ -1,0 +1,24 @@
+#include "agent/openconfig/Findings.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace QosAgent {
+
+void Findings::refuse(std::size_t offset, std::string message) {
+    if (!fault_) fault_ = Fault{offset, std::move(message)};
+}
+
+void Findings::passOver(std::size_t offset, const std::string& kind) {
+    if (kinds_.insert(kind).second) warnings_.push_back({offset, "passed over: " + kind});
+}
+
+std::vector<Warning> Findings::warnings() const {
+    std::vector<Warning> sorted = warnings_;
+    std::stable_sort(sorted.begin(), sorted.end(), [](const Warning& left, const Warning& right) {
+        return left.offset < right.offset;
+    });
+    return sorted;
+}
+
+}  // namespace QosAgent

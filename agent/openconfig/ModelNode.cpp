@@ -1,0 +1,112 @@
+#include "agent/openconfig/ModelNode.h"
+
+#include <algorithm>
+
+#include "agent/database/Scalars.h"
+#include "agent/json/Excerpt.h"
+
+namespace QosAgent {
+namespace {
+
+constexpr std::string_view kPrefix = "openconfig-qos:";
+constexpr std::string_view kState = "state";
+
+/// A member's name in the model. That of another module keeps its prefix.
+std::string_view localName(std::string_view name) {
+    return name.starts_with(kPrefix) ? name.substr(kPrefix.size()) : name;
+}
+
+}  // namespace
+
+bool holdsNothing(const JsonValue& value) {
+    if (value.is(JsonKind::array)) return value.size() == 0;
+    if (!value.is(JsonKind::object)) return false;
+    const auto members = value.members();
+    return std::all_of(members.begin(), members.end(),
+                       [](const JsonMember& member) { return holdsNothing(member.value); });
+}
+
+void ModelNode::carries(std::initializer_list<std::string_view> names) const {
+    for (const JsonMember& member : json_.members()) {
+        const std::string_view name = localName(member.key);
+        if (name.size() < member.key.size() && json_.find(name))
+            findings_.refuse(member.keyOffset, "a second member " + excerpt(name));
+        if (std::find(names.begin(), names.end(), name) != names.end()) continue;
+        if (holdsNothing(member.value)) continue;
+        findings_.passOver(member.keyOffset, name == kState ? "state containers" : pathOf(name));
+    }
+}
+
+std::optional<JsonMember> ModelNode::member(std::string_view name) const {
+    for (const JsonMember& member : json_.members())
+        if (localName(member.key) == name) return member;
+    return {};
+}
+
+std::optional<JsonValue> ModelNode::text(std::string_view name) const {
+    const auto found = member(name);
+    if (!found) return {};
+    if (found->value.is(JsonKind::string)) return found->value;
+    findings_.refuse(found->value.offset(), unexpected("a string", found->value.kind()));
+    return {};
+}
+
+std::optional<JsonValue> ModelNode::list(std::string_view name) const {
+    const auto found = member(name);
+    if (!found) return {};
+    if (found->value.is(JsonKind::array)) return found->value;
+    findings_.refuse(found->value.offset(), unexpected("a list", found->value.kind()));
+    return {};
+}
+
+std::optional<ModelNode> ModelNode::container(std::string_view name) const {
+    const auto found = member(name);
+    if (!found) return {};
+    const ModelNode node(this, name, found->value, findings_);
+    if (!node.isObject()) return {};
+    return node;
+}
+
+std::optional<JsonValue> ModelNode::listKey(std::string_view name,
+                                            const std::optional<ModelNode>& config) const {
+    if (!member(name)) {
+        findings_.refuse(offset(), "the list key " + excerpt(name) + " is missing");
+        return {};
+    }
+    const auto key = text(name);
+    if (!key) return {};
+    if (!config || !config->member(name)) {
+        findings_.refuse(key->offset(), "no config/" + std::string(name) + " repeats the list key");
+        return {};
+    }
+    const auto repeated = config->text(name);
+    if (!repeated) return {};
+    if (repeated->text() != key->text()) {
+        findings_.refuse(repeated->offset(),
+                         "differs from the list key, which is " + excerpt(key->text()));
+        return {};
+    }
+    return key;
+}
+
+std::optional<JsonValue> ModelNode::listName(std::string_view name,
+                                             const std::optional<ModelNode>& config) const {
+    const auto key = listKey(name, config);
+    if (key && key->text().empty()) findings_.refuse(key->offset(), "an empty name");
+    return key;
+}
+
+bool ModelNode::isObject() const {
+    if (json_.is(JsonKind::object)) return true;
+    findings_.refuse(offset(), unexpected("an object", json_.kind()));
+    return false;
+}
+
+std::string ModelNode::pathOf(std::string_view memberName) const {
+    std::string path(memberName);
+    for (const ModelNode* node = this; node->parent_ != nullptr; node = node->parent_)
+        path.insert(0, std::string(node->name_) + '/');
+    return path;
+}
+
+}  // namespace QosAgent
