@@ -1,0 +1,33 @@
+#pragma once
+
+#include "agent/database/Database.h"
+#include "agent/openconfig/AccessListWriter.h"
+#include "agent/openconfig/ClassMapWriter.h"
+#include "agent/openconfig/ClassifierWriter.h"
+#include "agent/openconfig/ForwardingGroupWriter.h"
+#include "agent/openconfig/PolicyMapWriter.h"
+
+namespace QosAgent {
+
+/// Makes the database what OpenConfig configurations say, as the device's configuration side would:
+/// each takes the place of the one before, by the differences. What others made stays.
+class OpenConfigTranslator {
+public:
+    explicit OpenConfigTranslator(const Database& database);
+
+    /// Publishes no more than what differs, in an order in which no term that both documents
+    /// configure alike shows another value in between.
+    void apply(OpenConfigDocument later);
+
+private:
+    Found found_;
+    ForwardingGroupWriter groups_;
+    AccessListWriter accessLists_;
+    ClassMapWriter classMaps_;
+    ClassifierWriter classifiers_;
+    PolicyMapWriter policyMaps_;
+    OpenConfigDocument earlier_;
+    bool isFirst_ = true;
+};
+
+}  // namespace QosAgent
