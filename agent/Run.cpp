@@ -78,13 +78,26 @@ private:
         Progress progress(name, read.text.size());
         const JsonResult json = parseJson(read.text, limits);
         if (const auto* fault = std::get_if<Fault>(&json)) return refusal(name, read.text, *fault);
-        const auto fault = applyDocument(std::get<Json>(json).root(), progress);
-        if (fault) return refusal(name, read.text, *fault);
+        const auto applied = applyDocument(std::get<Json>(json).root(), progress);
+        if (const auto* fault = std::get_if<Fault>(&applied))
+            return refusal(name, read.text, *fault);
+        reportWarnings(name, read.text, std::get<std::vector<Warning>>(applied));
         return {};
     }
-    std::optional<Fault> applyDocument(const JsonValue& document, Progress& progress) {
-        if (document.find(kOpenConfigMember)) return applyConfiguration(database_, document);
-        if (auto fault = checkDocument(database_, document)) return fault;
+    static void reportWarnings(const std::string& name, std::string_view text,
+                               const std::vector<Warning>& warnings) {
+        TextPlace place = kTextBegin;
+        std::size_t passed = 0;
+        for (const Warning& warning : warnings) {
+            place = placeAfter(place, text.substr(passed, warning.offset - passed));
+            passed = warning.offset;
+            report(warningLine(name, place, warning.message));
+        }
+    }
+    std::variant<std::vector<Warning>, Fault> applyDocument(const JsonValue& document,
+                                                            Progress& progress) {
+        if (document.find(kOpenConfigMember)) return configuration_.apply(document);
+        if (auto fault = checkDocument(database_, document)) return *std::move(fault);
         mergeDocument(database_, document,
                       [&progress](std::size_t offset) { progress.doneIs(offset); });
         return {};
@@ -94,9 +107,11 @@ private:
         const File file = File::toRead(name);
         if (file.error() != 0) return unusable(name, file.error());
         LineReader lines(file.fd(), Limits{}.lineBytes, stop);
-        Operations operations(database_, host_, out_);
+        Operations operations(database_, configuration_, host_, out_);
         while (out_.fault().empty() && lines.next()) {
             const auto fault = operations.apply(lines.line());
+            for (const Warning& warning : operations.takeWarnings())
+                report(warningLine(name, {lines.number(), warning.offset + 1}, warning.message));
             if (!fault) continue;
             report(refusal(name, TextPlace{lines.number(), fault->offset + 1}, fault->message));
             if (!options_.keepsGoing) return false;
@@ -140,6 +155,7 @@ private:
     const Options& options_;
     Output out_;
     Database database_;
+    Configuration configuration_{database_};
     PluginHost host_;
     std::optional<Follower> follower_;
     bool isSomeRefused_ = false;

@@ -4,11 +4,14 @@
 
 namespace QosAgent {
 
+TextPlace placeAfter(const TextPlace& place, std::string_view passed) {
+    const auto lineEnds = static_cast<std::size_t>(std::count(passed.begin(), passed.end(), '\n'));
+    if (lineEnds == 0) return {place.line, place.column + passed.size()};
+    return {place.line + lineEnds, passed.size() - passed.rfind('\n')};
+}
+
 TextPlace placeOf(std::string_view text, std::size_t offset) {
-    const std::string_view before = text.substr(0, offset);
-    const auto lineEnds = std::count(before.begin(), before.end(), '\n');
-    const std::size_t lineStart = before.rfind('\n') + 1;  // npos + 1 is 0: the first line
-    return {static_cast<std::size_t>(lineEnds) + 1, before.size() - lineStart + 1};
+    return placeAfter(kTextBegin, text.substr(0, offset));
 }
 
 }  // namespace QosAgent

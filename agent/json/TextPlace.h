@@ -13,6 +13,11 @@ struct TextPlace {
     bool operator==(const TextPlace&) const = default;
 };
 
+inline constexpr TextPlace kTextBegin{1, 1};
+
+/// Where a walk stands that was at `place` and has passed these bytes.
+TextPlace placeAfter(const TextPlace& place, std::string_view passed);
+
 /// The place of the byte at `offset`; lines end at `\n`, which is the last byte of its line. An
 /// offset past the end is the end's. Reads the text up to there: for one refusal, not for each key.
 TextPlace placeOf(std::string_view text, std::size_t offset);

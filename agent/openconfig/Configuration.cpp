@@ -1,9 +1,18 @@
 #include "agent/openconfig/Configuration.h"
 
+#include <utility>
+
 namespace QosAgent {
 
-std::optional<Fault> applyConfiguration(Database&, const JsonValue& document) {
-    return Fault{document.offset(), "OpenConfig configurations are not supported yet"};
+Configuration::Configuration(Database& database)
+    : interner_(database.interner()), translator_(database) {}
+
+std::variant<std::vector<Warning>, Fault> Configuration::apply(const JsonValue& document) {
+    OpenConfigReader reader(interner_);
+    auto read = reader.read(document);
+    if (auto* fault = std::get_if<Fault>(&read)) return std::move(*fault);
+    translator_.apply(std::get<OpenConfigDocument>(std::move(read)));
+    return reader.warnings();
 }
 
 }  // namespace QosAgent

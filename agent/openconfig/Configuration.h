@@ -1,18 +1,26 @@
 #pragma once
 
-#include <optional>
-#include <string_view>
+#include <variant>
+#include <vector>
 
-#include "agent/database/Database.h"
-#include "agent/json/JsonReader.h"
+#include "agent/openconfig/OpenConfigReader.h"
+#include "agent/openconfig/OpenConfigTranslator.h"
 
 namespace QosAgent {
 
-/// A document with this member at the top is an OpenConfig configuration.
-inline constexpr std::string_view kOpenConfigMember = "openconfig-qos:qos";
+/// The OpenConfig configuration that a database has, none at first.
+class Configuration {
+public:
+    /// The database outlives the configuration.
+    explicit Configuration(Database& database);
 
-/// Makes the OpenConfig configuration what the document says, by the differences. Returns why the
-/// document is refused, if it is; nothing is applied then.
-std::optional<Fault> applyConfiguration(Database& database, const JsonValue& document);
+    /// Makes the configuration what the document says, by the differences. Returns what of the
+    /// document was passed over, or why it is refused; nothing has changed then.
+    std::variant<std::vector<Warning>, Fault> apply(const JsonValue& document);
+
+private:
+    Interner& interner_;
+    OpenConfigTranslator translator_;
+};
 
 }  // namespace QosAgent

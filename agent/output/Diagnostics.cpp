@@ -29,6 +29,10 @@ std::string refusal(std::string_view file, std::string_view text, const Fault& f
     return refusal(file, placeOf(text, fault.offset), fault.message);
 }
 
+std::string warningLine(std::string_view file, const TextPlace& place, std::string_view message) {
+    return refusal(file, place, "warning: " + std::string(message));
+}
+
 void report(std::string_view line) {
     Output(STDERR_FILENO).line(line);
 }

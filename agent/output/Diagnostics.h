@@ -16,6 +16,9 @@ std::string refusal(std::string_view file, const TextPlace& place, std::string_v
 /// The same for a fault in a text.
 std::string refusal(std::string_view file, std::string_view text, const Fault& fault);
 
+/// `FILE:LINE:COLUMN: warning: MESSAGE`.
+std::string warningLine(std::string_view file, const TextPlace& place, std::string_view message);
+
 /// Writes one line to standard error.
 void report(std::string_view line);
 

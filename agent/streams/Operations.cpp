@@ -6,7 +6,6 @@
 #include "agent/database/Printer.h"
 #include "agent/database/Scalars.h"
 #include "agent/json/Excerpt.h"
-#include "agent/openconfig/Configuration.h"
 #include "agent/openconfig/StatePrinter.h"
 #include "agent/output/Machines.h"
 #include "platform/Vex/Escape.h"
@@ -105,8 +104,10 @@ std::string_view fixedFault(const Form& form) {
 
 }  // namespace
 
-Operations::Operations(Database& database, PluginHost& host, Output& output)
+Operations::Operations(Database& database, Configuration& configuration, PluginHost& host,
+                       Output& output)
     : database_(database),
+      configuration_(configuration),
       host_(host),
       output_(output),
       checker_(database.interner()),
@@ -178,7 +179,10 @@ Operations::Result Operations::touch(const JsonValue& path, const JsonValue*) {
 }
 
 Operations::Result Operations::openconfig(const JsonValue& document, const JsonValue*) {
-    return applyConfiguration(database_, document);
+    auto applied = configuration_.apply(document);
+    if (auto* fault = std::get_if<Fault>(&applied)) return std::move(*fault);
+    warnings_ = std::get<std::vector<Warning>>(std::move(applied));
+    return {};
 }
 
 Operations::Result Operations::print(const JsonValue& what, const JsonValue*) {

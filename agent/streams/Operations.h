@@ -3,7 +3,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
+#include <vector>
 
 #include "agent/database/Checker.h"
 #include "agent/database/Editor.h"
@@ -11,6 +13,7 @@
 #include "agent/host/PluginHost.h"
 #include "agent/json/JsonReader.h"
 #include "agent/json/JsonWriter.h"
+#include "agent/openconfig/Configuration.h"
 #include "agent/output/Output.h"
 
 namespace QosAgent {
@@ -22,11 +25,13 @@ struct Verb;
 class Operations {
 public:
     /// What is passed outlives the operations.
-    Operations(Database& database, PluginHost& host, Output& output);
+    Operations(Database& database, Configuration& configuration, PluginHost& host, Output& output);
 
     /// Applies a line, or passes over one that is empty or a comment. Returns the fault of a line
     /// that is refused; nothing has changed then.
     std::optional<Fault> apply(std::string_view line);
+    /// What the last line said that was passed over.
+    std::vector<Warning> takeWarnings() { return std::exchange(warnings_, {}); }
 
 private:
     friend struct Verb;
@@ -47,10 +52,12 @@ private:
     void writeDocument(JsonWriter& writer, std::string_view what) const;
 
     Database& database_;
+    Configuration& configuration_;
     PluginHost& host_;
     Output& output_;
     Checker checker_;
     Editor editor_;
+    std::vector<Warning> warnings_;
 };
 
 }  // namespace QosAgent

@@ -43,5 +43,11 @@ TEST(TextPlaceTest, takesAnOffsetPastTheEndForTheEnd) {
     EXPECT_EQ(placeOf("ab\ncd", 99), (TextPlace{2, 3}));
 }
 
+TEST(TextPlaceTest, goesOnFromAPlace) {
+    EXPECT_EQ(placeAfter({3, 5}, ""), (TextPlace{3, 5}));
+    EXPECT_EQ(placeAfter({3, 5}, "ab"), (TextPlace{3, 7}));
+    EXPECT_EQ(placeAfter({3, 5}, "ab\n\nc"), (TextPlace{5, 2}));
+}
+
 }  // namespace
 }  // namespace QosAgent

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "agent/database/Document.h"
+#include "agent/streams/Operations.h"
+#include "tests/agent/support/ChangeRecorder.h"
+
+namespace QosAgent {
+
+/// A temporary file that an `Output` writes to.
+class OutputFile {
+public:
+    OutputFile() : file_(std::tmpfile(), std::fclose), output_(::fileno(file_.get())) {}
+    Output& output() { return output_; }
+    /// All that was written so far.
+    std::string text() const {
+        std::string text(static_cast<std::size_t>(::lseek(fd(), 0, SEEK_END)), '\0');
+        EXPECT_EQ(::pread(fd(), text.data(), text.size(), 0), static_cast<ssize_t>(text.size()));
+        return text;
+    }
+
+private:
+    int fd() const { return ::fileno(file_.get()); }
+
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file_;
+    Output output_;
+};
+
+/// A database without a plug-in, worked on by text.
+class TextDatabase {
+public:
+    TextDatabase()
+        : host(database.entityManager()), operations(database, configuration, host, out.output()) {}
+
+    /// `COLUMN: MESSAGE` of a refused document; empty when it was merged.
+    std::string load(std::string_view text) {
+        const JsonResult json = parseJson(text);
+        if (const auto* fault = std::get_if<Fault>(&json)) return shown(*fault);
+        const JsonValue document = std::get<Json>(json).root();
+        if (const auto fault = checkDocument(database, document)) return shown(*fault);
+        mergeDocument(database, document);
+        return {};
+    }
+    /// The same for a change-stream line.
+    std::string apply(std::string_view line) {
+        const auto fault = operations.apply(line);
+        return fault ? shown(*fault) : "";
+    }
+    std::string update(const std::string& path, const std::string& value) {
+        return apply(R"({"update":")" + path + R"(","value":)" + value + "}");
+    }
+    std::string replace(const std::string& path, const std::string& value) {
+        return apply(R"({"replace":")" + path + R"(","value":)" + value + "}");
+    }
+    std::string remove(const std::string& path) { return apply(R"({"delete":")" + path + "\"}"); }
+    std::string touch(const std::string& path) { return apply(R"({"touch":")" + path + "\"}"); }
+    /// One subtree as it is printed.
+    std::string at(std::string_view mount) const {
+        std::string text;
+        JsonWriter writer(text);
+        writeEntity(writer, *database.subtreeAt(mount)->root);
+        return text;
+    }
+    std::string all() const {
+        std::string text;
+        JsonWriter writer(text);
+        writeDatabase(writer, database);
+        return text;
+    }
+    static std::string shown(const Fault& fault) {
+        return std::to_string(fault.offset + 1) + ": " + fault.message;
+    }
+
+    Database database;
+    Configuration configuration{database};
+    PluginHost host;
+    OutputFile out;
+    Operations operations;
+};
+
+using Changes = std::vector<std::string>;
+
+}  // namespace QosAgent
