@@ -36,7 +36,7 @@ public:
     using ConfigDir = Orin::Ptr<const Config::ClassifiersDir>;
     using Registry = Orin::Ptr<ClassifiersWithPmap>;
 
-    /// All inputs must be there.
+    /// Only `qosCliConfig` may be null.
     ClassifierStateSm(const QosStatus& qosStatus, const AclConfig& aclCliConfig,
                       const QosConfig& qosCliConfig, const ConfigDir& classifierConfigDir,
                       const StateDir& classifierStateDir);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/Vex/TypeRecord.h"
+#include "tests/QosOpenConfig/QosOpenConfigClassifierStateSm/MachineTrace.h"
 #include "tests/QosOpenConfig/StateTest.h"
 #include "tests/support/Allocations.h"
 #include "tests/support/VtableLayout.h"
@@ -23,17 +24,6 @@ inline std::vector<std::string> machineOperations(const std::string& type) {
             "Orin::Node::publisher",
             reactor + "typeData",
             reactor + "vexDoZombieReactors"};
-}
-
-/// The attributes of a type as `ID NAME ROLE`, a watched input with a star.
-inline Lines attributesOf(const Vex::TypeRecord& type) {
-    constexpr const char* kRoles[] = {"plain", "key", "outerKey", "keyCopy", "input", "child"};
-    Lines lines;
-    for (const Vex::AttributeRecord& attribute : type.attributes)
-        lines.push_back(std::to_string(attribute.id) + " " + std::string(attribute.name) + " " +
-                        kRoles[static_cast<std::size_t>(attribute.role)] +
-                        (attribute.isWatched ? "*" : ""));
-    return lines;
 }
 
 /// The children that a machine holds under the name of a collection.
