@@ -43,6 +43,9 @@ struct KeyTraits<Orin::String> {
     static std::uint32_t hash(std::string_view key, std::uint32_t seed) noexcept {
         return Orin::hashOf(key) ^ seed;
     }
+    static std::uint32_t hash(const char* key, std::uint32_t seed) noexcept {
+        return hash(std::string_view(key), seed);
+    }
 };
 
 }  // namespace Vex
