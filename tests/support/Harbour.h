@@ -42,9 +42,9 @@ struct Cargo {
     Orin::String kind;
     std::uint32_t tons = 0;
     bool isSealed = false;
-    std::optional<Signal> hazard;
-    Orin::Vector<std::uint8_t> holds;
-    Vex::FlatMap<std::uint32_t, std::uint32_t> crates;
+    std::optional<Signal> hazard = {};
+    Orin::Vector<std::uint8_t> holds = {};
+    Vex::FlatMap<std::uint32_t, std::uint32_t> crates = {};
 
     friend bool operator==(const Cargo&, const Cargo&) = default;
 };
