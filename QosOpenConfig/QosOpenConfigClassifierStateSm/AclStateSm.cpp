@@ -3,6 +3,7 @@
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/Trace.h"
 #include "platform/QosOc/Naming.h"
 #include "platform/Vex/Derive.h"
+#include "platform/Vex/Errors.h"
 
 namespace QosOc {
 namespace {
@@ -37,6 +38,7 @@ Orin::Ptr<AclStateSm> aclStateSmFactory(const Orin::Ptr<const Acl::AclConfig>& a
 Orin::Ptr<AclSubStateSm> AclStateSm::aclSubStateSmIs(
     const Orin::Ptr<const Acl::AclSubConfig>& aclSubConfig,
     const Orin::Ptr<const AclNameAndType>& aclNameAndType, const StateDir& classifierStateDir) {
+    if (!aclSubConfig) Vex::throwMutatorArgNullPointerException("aclSubConfig");
     return aclSubStateSm_.createOrReplace(aclSubConfig, aclNameAndType, classifierStateDir);
 }
 

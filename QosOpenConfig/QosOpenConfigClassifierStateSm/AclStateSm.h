@@ -26,6 +26,7 @@ public:
                                               const StateDir& classifierStateDir);
 
     /// A child made from other inputs is replaced: the old one falls silent and takes nothing back.
+    /// Throws the null-argument error when the first input is null.
     Orin::Ptr<AclSubStateSm> aclSubStateSmIs(const Orin::Ptr<const Acl::AclSubConfig>& aclSubConfig,
                                              const Orin::Ptr<const AclNameAndType>& aclNameAndType,
                                              const StateDir& classifierStateDir);

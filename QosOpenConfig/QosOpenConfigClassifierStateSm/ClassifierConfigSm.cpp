@@ -2,6 +2,7 @@
 
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/Trace.h"
 #include "platform/Vex/Derive.h"
+#include "platform/Vex/Errors.h"
 
 namespace QosOc {
 namespace {
@@ -49,6 +50,7 @@ Orin::Ptr<ClassifierTermsSm> ClassifierConfigSm::classifierTermsSmIs(
     const Orin::Ptr<const Config::Terms>& terms, const String& name, Classifier::Type type,
     const Orin::Ptr<const ClassifiersWithPmap>& classifiersWithPmap,
     const StateDir& classifierStateDir) {
+    if (!terms) Vex::throwMutatorArgNullPointerException("classifierTermsConfig");
     return classifierTermsSm_.createOrReplace(terms, name, type, classifiersWithPmap,
                                               classifierStateDir);
 }

@@ -30,6 +30,7 @@ public:
         const StateDir& classifierStateDir);
 
     /// A child made from other inputs is replaced: the old one falls silent and takes nothing back.
+    /// Throws the null-argument error when the first input is null.
     Orin::Ptr<ClassifierTermsSm> classifierTermsSmIs(
         const Orin::Ptr<const Config::Terms>& terms, const Orin::String& name,
         Classifier::Type type, const Orin::Ptr<const ClassifiersWithPmap>& classifiersWithPmap,
