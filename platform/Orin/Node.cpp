@@ -5,6 +5,9 @@ namespace Orin {
 Node::~Node() = default;
 
 void Node::lastUserGone() {
+    // A destructor may publish, which holds the node meanwhile: letting go of it then must not
+    // lead here again.
+    refs_.up();
     delete this;
 }
 

@@ -39,6 +39,25 @@ TEST(NodeTest, keepsItsFlagsApart) {
     EXPECT_FALSE(node->flag(Flagged::kStarted));
 }
 
+/// Holds itself while it is destroyed, as a node does that publishes then.
+class SelfHolding : public Node {
+public:
+    explicit SelfHolding(int& destroyed) : destroyed_(destroyed) {}
+    ~SelfHolding() override {
+        ++destroyed_;
+        if (destroyed_ == 1) const Ptr<Node> held(this);
+    }
+
+private:
+    int& destroyed_;
+};
+
+TEST(NodeTest, isDestroyedOnceThoughItsDestructorHoldsIt) {
+    int destroyed = 0;
+    Ptr<SelfHolding>::adopt(new SelfHolding(destroyed));
+    EXPECT_EQ(destroyed, 1);
+}
+
 TEST(NodeTest, fillsTwoWords) {
     EXPECT_EQ(sizeof(Node), 2 * sizeof(void*));
 }
