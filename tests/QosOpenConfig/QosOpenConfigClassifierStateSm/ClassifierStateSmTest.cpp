@@ -15,10 +15,6 @@ using TestSupport::live;
 
 constexpr auto kOtherMapType = static_cast<MapType>(255);
 constexpr auto kOtherAclType = static_cast<AclType>(255);
-/// What one of each input makes.
-constexpr const char* kFilled =
-    "acl IPV4 {10 when ipv4 46}; acl6 IPV6 {10 when ipv6 46}; cmap IPV4; config IPV4 {10 to gold}; "
-    "pmap IPV4";
 
 class ClassifierStateSmTest : public StateTest, protected RootInputs {
 protected:
@@ -45,7 +41,7 @@ protected:
 TEST_F(ClassifierStateSmTest, catchesUpWithEveryInput) {
     fill();
     start();
-    EXPECT_EQ(state(), kFilled);
+    EXPECT_EQ(state(), kFilledState);
     EXPECT_EQ(childCount(*sm, "pmapTypeStatusSm"), 1u);
     EXPECT_EQ(childCount(*sm, "cmapTypeStatusSm"), 1u);
     EXPECT_EQ(childCount(*sm, "aclTypeStateSm"), 2u);
@@ -90,7 +86,7 @@ TEST_F(ClassifierStateSmTest, followsEachInputThatComesLater) {
     start();
     EXPECT_EQ(state(), "");
     fill();
-    EXPECT_EQ(state(), kFilled);
+    EXPECT_EQ(state(), kFilledState);
 }
 
 TEST_F(ClassifierStateSmTest, ignoresOtherMapTypes) {
@@ -118,7 +114,7 @@ TEST_F(ClassifierStateSmTest, keepsItsChildrenWhenOtherMapTypesGo) {
     start();
     qosStatus->cmapTypeStatusDel(MapType::mapPbr);
     qosStatus->pmapTypeStatusDel(MapType::mapCopp);
-    EXPECT_EQ(state(), kFilled);
+    EXPECT_EQ(state(), kFilledState);
     EXPECT_EQ(live<CmapTypeStatusSm>() + live<PmapTypeStatusSm>(), 2u);
 }
 
@@ -129,7 +125,7 @@ TEST_F(ClassifierStateSmTest, ignoresOtherTypesOfAccessLists) {
         aclCliConfig->aclTypeConfigIs(aclType(type, "openconfig:other:10"));
         aclCliConfig->aclTypeConfigDel(type);
     }
-    EXPECT_EQ(state(), kFilled);
+    EXPECT_EQ(state(), kFilledState);
     EXPECT_EQ(live<AclTypeStateSm>(), 2u);
 }
 
@@ -237,7 +233,7 @@ TEST_F(ClassifierStateSmTest, leavesTheStateWhenItIsDropped) {
     heard.take();
     sm->hasNotificationActiveIs(false);
     sm = nullptr;
-    EXPECT_EQ(state(), kFilled);
+    EXPECT_EQ(state(), kFilledState);
     EXPECT_THAT(heard.take(), IsEmpty());
     EXPECT_EQ(live<CmapStatusSm>() + live<ClassifiersWithPmap>(), 0u);
 }
@@ -248,7 +244,7 @@ TEST_F(ClassifierStateSmTest, writesNothingNewOverTheStateOfAnEarlierRun) {
     sm = nullptr;
     heard.take();
     start();
-    EXPECT_EQ(state(), kFilled);
+    EXPECT_EQ(state(), kFilledState);
     EXPECT_THAT(heard.take(), IsEmpty());
 }
 
@@ -256,7 +252,7 @@ TEST_F(ClassifierStateSmTest, needsNoCliConfiguration) {
     qosCliConfig = nullptr;
     fill();
     start();
-    EXPECT_EQ(state(), kFilled);
+    EXPECT_EQ(state(), kFilledState);
 }
 
 }  // namespace

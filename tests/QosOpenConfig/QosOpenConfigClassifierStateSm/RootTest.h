@@ -5,6 +5,11 @@
 
 namespace QosOc {
 
+/// What one of each input makes; see `RootInputs::fill`.
+inline constexpr const char* kFilledState =
+    "acl IPV4 {10 when ipv4 46}; acl6 IPV6 {10 when ipv6 46}; cmap IPV4; config IPV4 {10 to gold}; "
+    "pmap IPV4";
+
 /// The four inputs of the root machine, and hands that fill them.
 struct RootInputs {
     static Orin::Ptr<Qos::ClassMapTypeStatus> cmapType(Qos::MapType type, const char* cmapName) {
