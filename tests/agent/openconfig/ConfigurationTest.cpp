@@ -1,0 +1,305 @@
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <random>
+
+#include "agent/openconfig/Configuration.h"
+#include "tests/agent/support/Configurations.h"
+#include "tests/agent/support/ConfiguredState.h"
+#include "tests/support/LiveCounts.h"
+
+namespace QosAgent {
+namespace {
+
+using Terms = std::map<std::string, std::string>;
+
+/// A configured term as its state reads.
+std::string stateOf(const TermSpec& term, bool isIpv6) {
+    std::string text = term.id;
+    if (!term.dscp.empty()) text += isIpv6 ? " when ipv6 " : " when ipv4 ";
+    if (term.dscp.size() == 1) text += std::to_string(term.dscp.front());
+    if (term.dscp.size() > 1) {
+        std::string values;
+        for (const unsigned value : term.dscp)
+            values.append(values.empty() ? "[" : ", ").append(std::to_string(value));
+        text += values + "]";
+    }
+    return term.group.empty() ? text : text + " to " + term.group;
+}
+
+Terms stateOf(const ConfigurationSpec& spec) {
+    Terms terms;
+    for (const ClassifierSpec& classifier : spec.classifiers)
+        for (const TermSpec& term : classifier.terms)
+            terms[ConfiguredState::keyOf(classifier.name, term.id)] =
+                stateOf(term, classifier.isIpv6());
+    return terms;
+}
+
+/// The terms that both configure alike, as they read.
+Terms alike(const ConfigurationSpec& earlier, const ConfigurationSpec& later) {
+    Terms both;
+    const Terms before = stateOf(earlier);
+    for (const auto& [key, text] : stateOf(later)) {
+        const auto at = before.find(key);
+        if (at != before.end() && at->second == text) both[key] = text;
+    }
+    return both;
+}
+
+class ConfigurationTest : public TestSupport::LiveCounts {
+protected:
+    void given(const ConfigurationSpec& spec) {
+        ASSERT_EQ(db.configure(documentOf(spec)), "");
+        ASSERT_EQ(db.terms(), stateOf(spec));
+    }
+    /// Goes on to another configuration, and looks at what the state shows on the way there.
+    void expectSteady(const ConfigurationSpec& earlier, const ConfigurationSpec& later) {
+        const Terms steady = alike(earlier, later);
+        TestSupport::StateRecorder recorder(db.state());
+        ASSERT_EQ(db.configure(documentOf(later)), "");
+        for (const std::string& change : recorder.take()) {
+            const std::string key = change.substr(0, change.find(' '));
+            const std::size_t slash = key.find('/');
+            if (slash == std::string::npos || key.substr(slash) == "/terms") {
+                EXPECT_FALSE(change.ends_with(" gone") && holdsSome(steady, key)) << change;
+                continue;
+            }
+            const auto at = steady.find(key);
+            if (at == steady.end()) continue;
+            EXPECT_EQ(ConfiguredState::shownOf(change.substr(slash + 1)), at->second);
+        }
+        EXPECT_EQ(db.terms(), stateOf(later));
+    }
+    void expectNothingPublishedBy(const ConfigurationSpec& spec) {
+        ChangeRecorder recorder(db.database);
+        ASSERT_EQ(db.configure(documentOf(spec)), "");
+        EXPECT_EQ(recorder.take(), Changes{});
+    }
+
+    ConfiguredState db;
+
+private:
+    static bool holdsSome(const Terms& terms, const std::string& key) {
+        const std::string prefix = key.substr(0, key.find('/') + 1);
+        return std::any_of(terms.begin(), terms.end(),
+                           [&](const auto& term) { return term.first.starts_with(prefix); });
+    }
+};
+
+ConfigurationSpec attachedPair() {
+    return {{"gold", "lead"},
+            {{"four", "", {{"v", {46}, "gold"}, {"d", {10, 12}, "lead"}, {"rest", {}}}},
+             {"six", "IPV6", {{"v", {46, 8}, "gold"}}}},
+            {{"four", "six"}}};
+}
+
+TEST_F(ConfigurationTest, showsEachTermAsItIsConfigured) {
+    given(attachedPair());
+    EXPECT_EQ(TestSupport::textOf(*db.state()),
+              "four IPV4 {d when ipv4 [10, 12] to lead, rest to '', v when ipv4 46 to gold}; "
+              "six IPV6 {v when ipv6 [46, 8] to gold}");
+}
+
+TEST_F(ConfigurationTest, showsASetOfOneAsASingleDscp) {
+    given({{}, {{"C", "IPV6", {{"T", {46}, "", true}}}}, {{"", "C"}}});
+    EXPECT_EQ(db.terms(), (Terms{{"C/T", "T when ipv6 46"}}));
+}
+
+TEST_F(ConfigurationTest, changesOnlyTheStateOfTheTermThatChanged) {
+    given(attachedPair());
+    ConfigurationSpec later = attachedPair();
+    later.classifiers[0].terms[1].dscp = {10, 13};
+    TestSupport::StateRecorder recorder(db.state());
+    given(later);
+    EXPECT_EQ(recorder.take(), Changes{"four/d when ipv4 [10, 13] to lead"});
+}
+
+TEST_F(ConfigurationTest, changesATargetGroupAtOnce) {
+    given(attachedPair());
+    ConfigurationSpec later = attachedPair();
+    later.groups = {"tin", "gold"};
+    later.classifiers[0].terms[1].group = "tin";
+    later.classifiers[0].terms[2].group = "gold";
+    expectSteady(attachedPair(), later);
+}
+
+TEST_F(ConfigurationTest, holdsATermThroughTheChangeOfItsPair) {
+    given(attachedPair());
+    ConfigurationSpec later = attachedPair();
+    later.interfaces = {{"four", ""}};
+    expectSteady(attachedPair(), later);
+    expectSteady(later, attachedPair());
+    later.interfaces.clear();
+    expectSteady(attachedPair(), later);
+    expectSteady(later, attachedPair());
+}
+
+TEST_F(ConfigurationTest, clearsATargetGroupThatIsLostAsTheClassifierIsDetached) {
+    given(attachedPair());
+    ConfigurationSpec later = attachedPair();
+    later.interfaces.clear();
+    later.classifiers[0].terms[0].group.clear();
+    expectSteady(attachedPair(), later);
+    EXPECT_EQ(db.terms()["four/v"], "v when ipv4 46");
+}
+
+TEST_F(ConfigurationTest, removesTermsWithTheirClassifierWhichStaysInTheState) {
+    given(attachedPair());
+    expectSteady(attachedPair(), {});
+    EXPECT_EQ(TestSupport::textOf(*db.state()), "four IPV4; six IPV6");
+}
+
+TEST_F(ConfigurationTest, keepsTheFirstTypeOfAClassifierAndShowsItsTermsInTheNewFamily) {
+    const ConfigurationSpec earlier{{"g"}, {{"C", "IPV4", {{"T", {1}, "g"}}}}, {{"C", ""}}};
+    const ConfigurationSpec later{{"g"}, {{"C", "IPV6", {{"T", {1, 2}, "g"}}}}, {{"", "C"}}};
+    given(earlier);
+    expectSteady(earlier, later);
+    EXPECT_EQ(TestSupport::textOf(*db.state()), "C IPV4 {T when ipv6 [1, 2] to g}");
+}
+
+TEST_F(ConfigurationTest, holdsATermWithoutConditionsThroughTheChangeOfItsClassifiersType) {
+    const ConfigurationSpec earlier{{"g"}, {{"C", "IPV4", {{"T", {}, "g"}}}}, {{"C", ""}}};
+    const ConfigurationSpec later{{"g"}, {{"C", "IPV6", {{"T", {}, "g"}}}}, {{"", "C"}}};
+    ConfigurationSpec detached = later;
+    detached.interfaces.clear();
+    given(earlier);
+    expectSteady(earlier, later);
+    expectSteady(later, earlier);
+    expectSteady(earlier, detached);
+    expectSteady(detached, earlier);
+}
+
+TEST_F(ConfigurationTest, followsTheConfigurationOfAClassifierThatChangedItsType) {
+    given({{"g"}, {{"C", "IPV4", {{"T", {}, "g"}}}}, {{"C", ""}}});
+    given({{"g"}, {{"C", "IPV6", {{"T", {}, "g"}}}}, {{"", "C"}}});
+    // The policy map has the classifier: what the configuration says alone changes nothing.
+    ASSERT_EQ(db.update("qos/openconfig/config/classifiers/classifier/C/terms/term/T/actions",
+                        R"({"targetGroup":"other"})"),
+              "");
+    EXPECT_EQ(db.terms()["C/T"], "T to g");
+}
+
+TEST_F(ConfigurationTest, takesTheGroupOfATrafficClassOverFromTheOneThatGoes) {
+    ConfigurationSpec later = attachedPair();
+    later.groups = {"lead", "zinc"};
+    for (ClassifierSpec& classifier : later.classifiers)
+        classifier.terms[0].group = "zinc";
+    given(attachedPair());
+    expectSteady(attachedPair(), later);
+}
+
+TEST_F(ConfigurationTest, isTheSameInWhateverOrderThePluginStarts) {
+    TextDatabase early;
+    ASSERT_EQ(early.apply(R"({"openconfig":)" + documentOf(attachedPair()) + "}"), "");
+    given(attachedPair());
+    for (const char* mount : {"qos/status", "acl/config/cli", "qos/input/config/cli",
+                              "qos/openconfig/config/classifiers"})
+        EXPECT_EQ(early.at(mount), db.at(mount));
+}
+
+/// Makes up configurations in which the same few names come, go and change all the time.
+class Chance {
+public:
+    explicit Chance(unsigned seed) : random_(seed) {}
+
+    ConfigurationSpec configuration() {
+        ConfigurationSpec spec;
+        for (const char* group : {"g0", "g1", "g2", "g3"})
+            if (below(3) != 0) spec.groups.emplace_back(group);
+        std::shuffle(spec.groups.begin(), spec.groups.end(), random_);
+        for (const char* name : {"a", "b", "c", "d"})
+            if (below(5) != 0) spec.classifiers.push_back(classifier(name, spec.groups));
+        for (unsigned count = below(4); count > 0; --count)
+            spec.interfaces.push_back(attachment(spec));
+        return spec;
+    }
+
+private:
+    unsigned below(unsigned bound) { return static_cast<unsigned>(random_() % bound); }
+
+    ClassifierSpec classifier(const std::string& name, const std::vector<std::string>& groups) {
+        static constexpr std::array kTypes{"IPV4", "IPV6", ""};
+        // Mostly the same type, so that terms stay alike.
+        const bool isUsual = below(4) != 0;
+        ClassifierSpec classifier{name, isUsual ? kTypes[name[0] % 2] : kTypes[below(3)], {}};
+        for (const char* id : {"1", "2", "3"})
+            if (below(4) != 0) classifier.terms.push_back(term(id, groups));
+        std::shuffle(classifier.terms.begin(), classifier.terms.end(), random_);
+        return classifier;
+    }
+    TermSpec term(const std::string& id, const std::vector<std::string>& groups) {
+        static const std::vector<std::vector<unsigned>> kDscp{{}, {1}, {2}, {1, 2}, {2, 1, 3}};
+        TermSpec term{id, kDscp[below(5)]};
+        if (!groups.empty() && below(3) != 0) term.group = groups[below(2) % groups.size()];
+        return term;
+    }
+    AttachmentSpec attachment(const ConfigurationSpec& spec) {
+        AttachmentSpec attached;
+        for (const ClassifierSpec& classifier : spec.classifiers)
+            if (below(2) == 0)
+                (classifier.isIpv6() ? attached.ipv6 : attached.ipv4) = classifier.name;
+        return attached;
+    }
+
+    std::mt19937 random_;
+};
+
+class ConfigurationChanceTest : public ConfigurationTest,
+                                public ::testing::WithParamInterface<unsigned> {};
+
+TEST_P(ConfigurationChanceTest, holdsEachTermThatTwoConfigurationsHaveAlike) {
+    for (unsigned round = 0; round < 50; ++round) {
+        Chance chance(1000 * GetParam() + round);
+        ConfigurationSpec earlier;
+        for (unsigned step = 0; step < 6; ++step) {
+            const ConfigurationSpec later = chance.configuration();
+            SCOPED_TRACE(documentOf(earlier) + "\nthen\n" + documentOf(later));
+            expectSteady(earlier, later);
+            expectNothingPublishedBy(later);
+            if (HasFailure()) return;
+            earlier = later;
+        }
+        expectSteady(earlier, {});
+        ASSERT_EQ(db.terms(), Terms{});
+    }
+    EXPECT_EQ(db.at("qos/openconfig/config/classifiers"), "{}");
+    EXPECT_EQ(db.at("qos/input/config/cli"), "{}");
+    EXPECT_EQ(db.at("qos/status"),
+              R"({"pmapTypeStatus":{"mapQos":{}},"cmapTypeStatus":{"mapQos":{}}})");
+    EXPECT_EQ(db.at("acl/config/cli"), R"({"aclTypeConfig":{"ipv4":{},"ipv6":{}}})");
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, ConfigurationChanceTest, ::testing::Range(0u, 8u));
+
+struct Size {
+    unsigned classifiers, terms, values;
+    friend std::ostream& operator<<(std::ostream& out, const Size& size) {
+        return out << size.classifiers << 'x' << size.terms << 'x' << size.values;
+    }
+};
+
+class BigConfigurationTest : public ConfigurationTest,
+                             public ::testing::WithParamInterface<Size> {};
+
+TEST_P(BigConfigurationTest, isShownWholeChangedInOnePlaceAndRemoved) {
+    const auto [classifiers, terms, values] = GetParam();
+    const ConfigurationSpec spec = bigConfiguration(classifiers, terms, values);
+    given(spec);
+    expectNothingPublishedBy(spec);
+    ConfigurationSpec later = spec;
+    later.classifiers.back().terms.back().dscp.front() = 0;
+    const std::string changed =
+        later.classifiers.back().name + '/' + stateOf(later.classifiers.back().terms.back(), true);
+    TestSupport::StateRecorder recorder(db.state());
+    given(later);
+    EXPECT_EQ(recorder.take(), Changes{changed});
+    given({});
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, BigConfigurationTest,
+                         ::testing::Values(Size{500, 8, 8}, Size{64, 64, 1}),
+                         ::testing::PrintToStringParamName());
+
+}  // namespace
+}  // namespace QosAgent
