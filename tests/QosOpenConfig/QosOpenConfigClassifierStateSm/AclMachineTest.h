@@ -60,4 +60,24 @@ protected:
     }
 };
 
+/// The fixture of the tests of `AclTypeStateSm`: lists of the IPv4 type.
+class AclTypeMachineTest : public AclMachineTest {
+protected:
+    Orin::Ptr<AclTypeStateSm> start() { return aclTypeStateSmFactory(lists, state); }
+    List add(const Orin::String& name, const Rules& rules = nullptr) {
+        auto list = listOf(name, rules, lists->aclType());
+        lists->aclConfigIs(name, list);
+        return list;
+    }
+    void touch(const Orin::String& name) {
+        lists->publishChange(Acl::Input::AclTypeConfig::kAclConfig.id, &name);
+    }
+    static AclStateSm* child(const AclTypeStateSm& sm, const Orin::String& name) {
+        return childOf<AclStateSm>(sm, "aclStateSm", name);
+    }
+
+    Orin::Ptr<Acl::Input::AclTypeConfig> lists =
+        Acl::Input::AclTypeConfig::create(Acl::AclType::ipv4);
+};
+
 }  // namespace QosOc
