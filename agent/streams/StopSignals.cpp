@@ -2,14 +2,10 @@
 
 #include <poll.h>
 
-#include <csignal>
-
 namespace QosAgent {
 namespace {
 
 volatile std::sig_atomic_t stopRequested = 0;
-
-constexpr int kSignals[] = {SIGINT, SIGTERM};
 
 void handle(int signal) {
     if (stopRequested != 0) {
@@ -19,22 +15,19 @@ void handle(int signal) {
     stopRequested = 1;
 }
 
-void dispositionIs(void (*handler)(int)) {
-    struct sigaction action {};
-    action.sa_handler = handler;
-    for (const int signal : kSignals)
-        ::sigaction(signal, &action, nullptr);
-}
-
 }  // namespace
 
 StopSignals::StopSignals() {
     stopRequested = 0;
-    dispositionIs(handle);
+    struct sigaction action {};
+    action.sa_handler = handle;
+    for (std::size_t i = 0; i < kSignals.size(); ++i)
+        ::sigaction(kSignals[i], &action, &before_[i]);
 }
 
 StopSignals::~StopSignals() {
-    dispositionIs(SIG_DFL);
+    for (std::size_t i = 0; i < kSignals.size(); ++i)
+        ::sigaction(kSignals[i], &before_[i], nullptr);
 }
 
 bool StopSignals::isStopRequested() const {

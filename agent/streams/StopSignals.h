@@ -1,5 +1,8 @@
 #pragma once
 
+#include <array>
+#include <csignal>
+
 namespace QosAgent {
 
 /// While it lives, the first SIGINT or SIGTERM asks the process to stop reading; a second one ends
@@ -15,6 +18,11 @@ public:
     /// Waits until a read of the file would not block. False when asked to stop, before or
     /// meanwhile.
     bool waitReadable(int fd) const;
+
+private:
+    static constexpr std::array kSignals{SIGINT, SIGTERM};
+
+    std::array<struct sigaction, kSignals.size()> before_{};
 };
 
 }  // namespace QosAgent
