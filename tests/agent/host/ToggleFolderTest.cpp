@@ -1,0 +1,64 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "agent/host/ToggleFolder.h"
+
+namespace QosAgent {
+namespace {
+
+constexpr const char* kFile = "Toggles.json";
+
+class ToggleFolderTest : public ::testing::Test {
+protected:
+    ToggleFolderTest() {
+        std::string name = (std::filesystem::temp_directory_path() / "togglesXXXXXX").string();
+        folder = ::mkdtemp(name.data());
+    }
+    ~ToggleFolderTest() override { std::filesystem::remove_all(folder); }
+
+    void write(const std::string& text) { std::ofstream(folder / kFile) << text; }
+    std::string refusalOf(const std::string& text) {
+        write(text);
+        const auto read = ToggleFolder(folder).read(kFile);
+        const auto* refused = std::get_if<std::string>(&read);
+        return refused == nullptr ? "" : refused->substr((folder / kFile).string().size());
+    }
+
+    std::filesystem::path folder;
+};
+
+TEST_F(ToggleFolderTest, readsTheStateOfAToggleAtEachCall) {
+    const ToggleFolder toggles(folder);
+    write(R"({"a":true,"b":false})");
+    EXPECT_TRUE(toggles.state("a", kFile, false));
+    EXPECT_FALSE(toggles.state("b", kFile, true));
+    write(R"({"a":false})");
+    EXPECT_FALSE(toggles.state("a", kFile, true));
+}
+
+TEST_F(ToggleFolderTest, fallsBackWhereNothingIsSaid) {
+    EXPECT_TRUE(ToggleFolder(folder).state("a", kFile, true));
+    EXPECT_FALSE(ToggleFolder(folder / "missing").state("a", kFile, false));
+    EXPECT_TRUE(ToggleFolder("").state("a", kFile, true));
+    write(R"({"b":true})");
+    EXPECT_FALSE(ToggleFolder(folder).state("a", kFile, false));
+}
+
+TEST_F(ToggleFolderTest, refusesMalformedFilesWithTheirPlace) {
+    EXPECT_EQ(refusalOf("[]"), ":1:1: expected an object, found an array");
+    EXPECT_EQ(refusalOf("{\"a\":true,\n \"b\":1}"), ":2:6: expected true or false, found a number");
+    EXPECT_EQ(refusalOf(""), ":1:1: expected a value, found the end of the text");
+    EXPECT_EQ(refusalOf(R"({"a":true})"), "");
+}
+
+TEST_F(ToggleFolderTest, refusesWhatCannotBeRead) {
+    std::filesystem::create_directory(folder / kFile);
+    const auto read = ToggleFolder(folder).read(kFile);
+    ASSERT_TRUE(std::holds_alternative<std::string>(read));
+    EXPECT_EQ(std::get<std::string>(read), (folder / kFile).string() + ": Is a directory");
+}
+
+}  // namespace
+}  // namespace QosAgent

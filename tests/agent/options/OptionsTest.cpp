@@ -1,0 +1,79 @@
+#include <gtest/gtest.h>
+
+#include "agent/options/Options.h"
+
+namespace QosAgent {
+namespace {
+
+using ::testing::internal::CaptureStderr;
+using ::testing::internal::CaptureStdout;
+using ::testing::internal::GetCapturedStderr;
+using ::testing::internal::GetCapturedStdout;
+
+std::variant<Options, ExitStatus> parsed(std::vector<const char*> arguments) {
+    arguments.insert(arguments.begin(), "qos-agent");
+    return parseOptions(static_cast<int>(arguments.size()), arguments.data());
+}
+Options options(const std::vector<const char*>& arguments) {
+    return std::get<Options>(parsed(arguments));
+}
+
+TEST(OptionsTest, tellsDocumentsFromStreams) {
+    const Options given = options({"a.json", "b.jsonl", "-", "c.json"});
+    EXPECT_EQ(given.documents, (std::vector<std::string>{"a.json", "c.json"}));
+    EXPECT_EQ(given.streams, (std::vector<std::string>{"b.jsonl", "-"}));
+}
+
+TEST(OptionsTest, readsAllOptions) {
+    const Options given = options({"--plugin", "p.so", "--toggle-dir", "t", "--output", "entities",
+                                   "--follow", "--machines", "--trace", "A/0", "--trace", "*/9",
+                                   "--trace-file", "f", "--keep-going", "a.json"});
+    EXPECT_EQ(given.pluginFile, "p.so");
+    EXPECT_EQ(given.toggleFolder, "t");
+    EXPECT_EQ(given.output, OutputFormat::entities);
+    EXPECT_TRUE(given.follows);
+    EXPECT_TRUE(given.showsMachines);
+    EXPECT_EQ(given.traces, (std::vector<TraceSetting>{{"A", 0}, {"*", 9}}));
+    EXPECT_EQ(given.traceFile, "f");
+    EXPECT_TRUE(given.keepsGoing);
+    EXPECT_EQ(given.documents, std::vector<std::string>{"a.json"});
+}
+
+TEST(OptionsTest, asksForNothingByDefault) {
+    const Options given = options({});
+    EXPECT_TRUE(given.pluginFile.ends_with("/libQosOpenConfig.so"));
+    EXPECT_FALSE(given.follows);
+    EXPECT_FALSE(given.showsMachines);
+    EXPECT_FALSE(given.keepsGoing);
+    EXPECT_TRUE(given.traces.empty());
+    EXPECT_TRUE(given.traceFile.empty());
+}
+
+TEST(OptionsTest, refusesABadCommandLineInOneLine) {
+    const std::vector<std::vector<const char*>> bad{
+        {"--what"},          {"a.txt"},         {"--output", "xml"}, {"--trace", "A"},
+        {"--trace", "A/10"}, {"--trace", "/1"}, {"--trace", "A/x"},  {"--plugin"},
+        {"a.json", "b.yml"}, {"--output"},
+    };
+    for (const auto& arguments : bad) {
+        CaptureStderr();
+        const auto answer = parsed(arguments);
+        const std::string line = GetCapturedStderr();
+        ASSERT_TRUE(std::holds_alternative<ExitStatus>(answer)) << arguments[0];
+        EXPECT_EQ(std::get<ExitStatus>(answer).status, 2) << arguments[0];
+        EXPECT_EQ(line.find('\n'), line.size() - 1) << line;
+        EXPECT_TRUE(line.starts_with("qos-agent: ")) << line;
+    }
+}
+
+TEST(OptionsTest, answersHelpAndVersionOnStandardOutput) {
+    for (const char* option : {"--help", "--version"}) {
+        CaptureStdout();
+        const auto answer = parsed({option});
+        EXPECT_FALSE(GetCapturedStdout().empty());
+        EXPECT_EQ(std::get<ExitStatus>(answer).status, 0);
+    }
+}
+
+}  // namespace
+}  // namespace QosAgent

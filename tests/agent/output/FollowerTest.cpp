@@ -1,0 +1,92 @@
+#include <gtest/gtest.h>
+
+#include "agent/output/Follower.h"
+#include "platform/QosOc/State/ClassifiersDir.h"
+#include "tests/agent/support/TextDatabase.h"
+
+namespace QosAgent {
+namespace {
+
+const std::string kTree = "qos/openconfig/state/classifiers/classifier/";
+
+std::string updated(const std::string& path, const std::string& value) {
+    return R"({"update":")" + kTree + path + R"(","value":)" + value + "}\n";
+}
+std::string deleted(const std::string& path) {
+    return R"({"delete":")" + kTree + path + "\"}\n";
+}
+
+class FollowerTest : public ::testing::Test {
+protected:
+    FollowerTest()
+        : tree(Vex::entityCast<QosOc::State::ClassifiersDir>(db.database.stateTree().root)) {}
+
+    TextDatabase db;
+    Orin::Ptr<QosOc::State::ClassifiersDir> tree;
+};
+
+TEST_F(FollowerTest, tellsOfClassifiersByTheirState) {
+    const Follower follower(db.database.stateTree(), db.out.output());
+    tree->classifierIs("a/b").stateIs({"a/b", QosOc::Classifier::Type::IPV6});
+    EXPECT_EQ(db.out.text(), updated("a~1b/state", R"({"name":"a/b","type":"IPV6"})"));
+}
+
+TEST_F(FollowerTest, tellsOfTermsWhole) {
+    const Follower follower(db.database.stateTree(), db.out.output());
+    QosOc::State::Terms& terms = tree->classifierIs("C").termsIs();
+    QosOc::State::Term term("T");
+    terms.termIs(term);
+    term.actions.emplace().targetGroup = "g";
+    terms.termIs(term);
+    terms.termIs(term);
+    terms.termDel("T");
+    EXPECT_EQ(
+        db.out.text(),
+        updated("C/terms/term/T", R"({"id":"T","stateId":"T"})") +
+            updated("C/terms/term/T", R"({"id":"T","stateId":"T","actions":{"targetGroup":"g"}})") +
+            deleted("C/terms/term/T"));
+}
+
+TEST_F(FollowerTest, tellsOfEntitiesThatGoWithoutTheirMembers) {
+    QosOc::State::Classifier& classifier = tree->classifierIs("C");
+    classifier.termsIs().termIs(QosOc::State::Term("T"));
+    const Follower follower(db.database.stateTree(), db.out.output());
+    classifier.termsDel();
+    tree->classifierDel("C");
+    EXPECT_EQ(db.out.text(), deleted("C/terms") + deleted("C"));
+}
+
+TEST_F(FollowerTest, takesWhatIsThereForNoChange) {
+    tree->classifierIs("C").stateIs({"C", QosOc::Classifier::Type::IPV4});
+    const Follower follower(db.database.stateTree(), db.out.output());
+    EXPECT_EQ(db.out.text(), "");
+    tree->classifierIs("C").stateIs({"C", QosOc::Classifier::Type::IPV6});
+    EXPECT_EQ(db.out.text(), updated("C/state", R"({"name":"C","type":"IPV6"})"));
+}
+
+TEST_F(FollowerTest, tellsAllOfAnEntityThatComesFull) {
+    const Follower follower(db.database.stateTree(), db.out.output());
+    ASSERT_EQ(db.load(R"({"qos/openconfig/state/classifiers":{"classifier":
+        {"C":{"terms":{"term":{"T":{}}}}}}})"),
+              "");
+    EXPECT_EQ(db.out.text(), updated("C/state", R"({"name":"C","type":"IPV4"})") +
+                                 updated("C/terms/term/T", R"({"id":"T","stateId":"T"})"));
+}
+
+TEST_F(FollowerTest, followsAnEntityThatCameBack) {
+    const Follower follower(db.database.stateTree(), db.out.output());
+    tree->classifierIs("C");
+    tree->classifierDel("C");
+    tree->classifierIs("C").termsIs().termIs(QosOc::State::Term("T"));
+    EXPECT_EQ(db.out.text(),
+              deleted("C") + updated("C/terms/term/T", R"({"id":"T","stateId":"T"})"));
+}
+
+TEST_F(FollowerTest, endsWithItself) {
+    { const Follower follower(db.database.stateTree(), db.out.output()); }
+    tree->classifierIs("C").stateIs({"C", QosOc::Classifier::Type::IPV4});
+    EXPECT_EQ(db.out.text(), "");
+}
+
+}  // namespace
+}  // namespace QosAgent

@@ -1,0 +1,228 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <regex>
+#include <thread>
+
+#include "tests/agent/support/Program.h"
+
+namespace QosAgent {
+namespace {
+
+const char* const kDocument = R"({"qos/status":{"cmapTypeStatus":{"mapQos":{"cmapStatus":{
+  "voice":{"match":{"matchIpv6AccessGroup":"voice6"}}}}}}})";
+const char* const kVoice = R"({"classifier":{"voice":{"state":{"name":"voice","type":"IPV6"}}}})";
+const std::string kCmaps = "qos/status/cmapTypeStatus/mapQos/cmapStatus/";
+const std::string kState = "qos/openconfig/state/classifiers/classifier/";
+
+class RunTest : public ProgramTest {
+protected:
+    void expectRefused(const std::vector<std::string>& arguments, const std::string& line) {
+        EXPECT_EQ(run(arguments), (Ended{2, "", line + '\n'}));
+    }
+    std::string document() { return file("d.json", kDocument); }
+};
+
+TEST_F(RunTest, printsTheStateOfADocument) {
+    EXPECT_EQ(run({"--output", "none", document(), "-"}, R"({"print":"state"})"),
+              (Ended{0, kVoice + std::string("\n"), ""}));
+}
+
+TEST_F(RunTest, printsOpenConfigToWhatIsNoTerminal) {
+    EXPECT_EQ(run({}), (Ended{0, "{}\n", ""}));
+}
+
+TEST_F(RunTest, printsATable) {
+    EXPECT_EQ(run({"--output", "table", document()}),
+              (Ended{0,
+                     "CLASSIFIER  TYPE  TERM  MATCH  TARGET GROUP\n"
+                     "voice       IPV6  -     -      -\n",
+                     ""}));
+}
+
+TEST_F(RunTest, printsAllEntitiesIndented) {
+    const Ended ended = run({"--output", "entities"});
+    EXPECT_EQ(ended, (Ended{0,
+                            "{\n  \"qos/status\": {},\n  \"qos/input/config/cli\": {},\n"
+                            "  \"acl/config/cli\": {},\n"
+                            "  \"qos/openconfig/config/classifiers\": {},\n"
+                            "  \"qos/openconfig/state/classifiers\": {}\n}\n",
+                            ""}));
+}
+
+TEST_F(RunTest, loadsDocumentsBeforeItStartsThePluginWhateverTheirPlace) {
+    const std::string stream = file("s.jsonl", R"({"print":"state"})");
+    EXPECT_EQ(run({"--output", "none", stream, document()}).out, kVoice + std::string("\n"));
+}
+
+TEST_F(RunTest, appliesStreamsInTheOrderGiven) {
+    const std::string first = file("1.jsonl", "{\"echo\":\"1\"}\r\n\n# no\n{\"echo\":\"1b\"}");
+    const std::string second = file("2.jsonl", R"({"echo":"2"})");
+    EXPECT_EQ(run({"--output", "none", second, "-", first, "--trace-file", path("t")},
+                  R"({"echo":"in"})"),
+              (Ended{0, "# 2\n# in\n# 1\n# 1b\n", ""}));
+    EXPECT_EQ(read("t"), "# 2\n# in\n# 1\n# 1b\n");
+}
+
+TEST_F(RunTest, followsChangesFromTheStartOn) {
+    const std::string stream = "{\"delete\":\"" + kCmaps + "voice\"}";
+    EXPECT_EQ(run({"--output", "none", "--follow", document(), "-"}, stream).out,
+              "{\"update\":\"" + kState +
+                  "voice/state\",\"value\":{\"name\":\"voice\",\"type\":\"IPV6\"}}\n"
+                  "{\"delete\":\"" +
+                  kState + "voice\"}\n");
+}
+
+TEST_F(RunTest, takesStateLeftBehindForNoChange) {
+    const std::string left =
+        file("left.json", R"({"qos/openconfig/state/classifiers":)" + std::string(kVoice) + "}");
+    EXPECT_EQ(run({"--output", "none", "--follow", left, document(), "-"}, R"({"print":"state"})"),
+              (Ended{0, kVoice + std::string("\n"), ""}));
+}
+
+TEST_F(RunTest, showsMachinesAsATree) {
+    const Ended ended = run({"--output", "none", "--machines", document()});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_NE(ended.out.find("QosOc::ClassifierStateSm\n"
+                             "  qosStatus: Qos::Status qos/status\n"),
+              std::string::npos)
+        << ended.out;
+    EXPECT_NE(ended.out.find("      cmapStatusSm:\n"
+                             "        QosOc::CmapStatusSm voice\n"
+                             "          cmapStatus: Qos::ClassMapStatus voice\n"),
+              std::string::npos)
+        << ended.out;
+}
+
+TEST_F(RunTest, printsMachinesAsJson) {
+    const Ended ended = run({"--output", "none", document(), "-"}, R"({"print":"machines"})");
+    EXPECT_TRUE(ended.out.starts_with(R"([{"type":"QosOc::ClassifierStateSm","key":null,)"
+                                      R"("attributes":{"qosStatus":{"type":"Qos::Status",)"
+                                      R"("name":"qos/status"},)"))
+        << ended.out;
+    EXPECT_NE(ended.out.find(R"({"type":"QosOc::CmapStatusSm","key":"voice","attributes":)"
+                             R"({"cmapStatus":{"type":"Qos::ClassMapStatus","name":"voice"})"),
+              std::string::npos)
+        << ended.out;
+}
+
+TEST_F(RunTest, showsNoMachinesWhenTheToggleIsOff) {
+    file("QosOpenConfig.json", R"({"OCQosClassifierStatePath":false})");
+    EXPECT_EQ(run({"--toggle-dir", path(""), "--machines", "--output", "none", document(), "-"},
+                  R"({"print":"machines"})"),
+              (Ended{0, "[]\n", ""}));
+}
+
+TEST_F(RunTest, restartsThePluginOverTheSameDatabase) {
+    const Ended ended = run({"--output", "none", document(), "-"},
+                            "{\"print\":\"machines\"}\n{\"restart\":\"ClassifierStateSmPlugin\"}\n"
+                            "{\"print\":\"machines\"}\n{\"print\":\"state\"}\n");
+    const std::size_t end = ended.out.find('\n') + 1;
+    const std::string machines = ended.out.substr(0, end);
+    EXPECT_GT(machines.size(), 100u);
+    EXPECT_EQ(ended, (Ended{0, machines + machines + kVoice + "\n", ""}));
+}
+
+TEST_F(RunTest, writesTraceLinesOfTheHandlesThatAreAskedFor) {
+    run({"--output", "none", "--trace-file", path("t"), "--trace",
+         "QosOpenConfigQosClassifierStateSmMounter/9", "--trace",
+         "QosOpenConfigClassifierStateSmMounter/8"});
+    const std::regex line(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{6}Z )"
+                          R"(QosOpenConfigClassifierStateSmMounter/8 .*:\d+ \w+ .*)");
+    std::istringstream lines(read("t"));
+    std::string text;
+    std::size_t count = 0;
+    for (; std::getline(lines, text); ++count)
+        EXPECT_TRUE(std::regex_match(text, line)) << text;
+    EXPECT_EQ(count, 4u);
+}
+
+TEST_F(RunTest, refusesDocumentsWithTheirPlace) {
+    const std::string bad = file("bad.json", "{\"qos/status\":\n {\"x\":1}}");
+    expectRefused({"--follow", document(), bad}, bad + R"(:2:3: unknown member "x")");
+    const std::string broken = file("broken.json", "{");
+    expectRefused({broken}, broken + ":1:2: expected a key or '}', found the end of the text");
+    expectRefused({path("none.json")}, path("none.json") + ": No such file or directory");
+}
+
+TEST_F(RunTest, stopsAtTheFirstBadLine) {
+    EXPECT_EQ(
+        run({"--output", "table", "-"}, "{\"echo\":\"a\"}\n\n {\"echo\":1}\n{\"echo\":\"b\"}\n"),
+        (Ended{2, "# a\n", "# a\n-:3:10: expected a string, found a number\n"}));
+}
+
+TEST_F(RunTest, goesOnAfterABadLineWhenAskedTo) {
+    EXPECT_EQ(run({"--output", "none", "--keep-going", "--trace-file", path("t"), "-"},
+                  "x\n{\"echo\":\"a\"}\n{\"delete\":\"qos/status\"}\n"),
+              (Ended{1, "# a\n",
+                     "-:1:1: expected a value, found 'x'\n"
+                     "-:3:11: the root of a subtree cannot be deleted\n"}));
+}
+
+TEST_F(RunTest, refusesALineThatIsTooLong) {
+    const std::string line = "{\"echo\":\"" + std::string(std::size_t{2} << 20, 'x') + "\"}\n";
+    EXPECT_EQ(run({"--output", "none", "--keep-going", "--trace-file", path("t"), "-"},
+                  line + "{\"echo\":\"a\"}\n"),
+              (Ended{1, "# a\n", "-:1:1: text longer than 1048576 bytes\n"}));
+}
+
+TEST_F(RunTest, refusesStreamsThatCannotBeRead) {
+    expectRefused({path("none.jsonl")}, path("none.jsonl") + ": No such file or directory");
+    std::filesystem::create_directory(path("dir.jsonl"));
+    expectRefused({"--output", "none", "--keep-going", path("dir.jsonl")},
+                  path("dir.jsonl") + ": Is a directory");
+}
+
+TEST_F(RunTest, refusesPluginsThatCannotBeLoaded) {
+    const std::string none = path("none.so");
+    expectRefused({"--plugin", none}, none +
+                                          ": cannot be loaded: cannot open shared object file: "
+                                          "No such file or directory");
+    const std::string text = file("text.so", "no library");
+    expectRefused({"--plugin", text}, text + ": cannot be loaded: file too short");
+}
+
+TEST_F(RunTest, refusesLibrariesThatAreNoPlugin) {
+    expectRefused({"--plugin", "/lib/x86_64-linux-gnu/libm.so.6"},
+                  "/lib/x86_64-linux-gnu/libm.so.6: registers no plug-in");
+}
+
+TEST_F(RunTest, refusesMalformedToggleFiles) {
+    const std::string toggles = file("QosOpenConfig.json", "{\"a\":\n1}");
+    expectRefused({"--toggle-dir", std::filesystem::path(toggles).parent_path()},
+                  toggles + ":2:1: expected true or false, found a number");
+}
+
+TEST_F(RunTest, refusesTraceFilesThatCannotBeWritten) {
+    expectRefused({"--trace-file", path("no/t")}, path("no/t") + ": No such file or directory");
+}
+
+TEST_F(RunTest, reportsAFailedWrite) {
+    outFileIs("/dev/full");
+    const Ended ended = run({});
+    EXPECT_EQ(ended.status, 2);
+    EXPECT_EQ(ended.err, "standard output: No space left on device\n");
+}
+
+TEST_F(RunTest, printsItsResultsWhenASignalStopsAStream) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        int ends[2];
+        ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+        const pid_t child = start({"--output", "none", "--machines", "-"}, ends[0]);
+        const std::string line = "{\"print\":\"state\"}\n{\"unfinished";
+        ASSERT_EQ(::write(ends[1], line.data(), line.size()), static_cast<ssize_t>(line.size()));
+        // The line has been applied once its print is there.
+        for (int i = 0; i < 1000 && read("out").empty(); ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        ::kill(child, signal);
+        const Ended ended = end(child);
+        EXPECT_EQ(ended.status, 0) << ended;
+        EXPECT_TRUE(ended.out.starts_with("{}\nQosOc::ClassifierStateSm\n")) << ended;
+        EXPECT_EQ(ended.err, "");
+        ::close(ends[0]);
+        ::close(ends[1]);
+    }
+}
+
+}  // namespace
+}  // namespace QosAgent

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace QosAgent {
+
+/// How a process ended, and what it said.
+struct Ended {
+    int status;  ///< the exit status; 128 and the signal if one ended it
+    std::string out;
+    std::string err;
+    friend bool operator==(const Ended&, const Ended&) = default;
+    friend std::ostream& operator<<(std::ostream& out, const Ended& ended) {
+        return out << "status " << ended.status << "\n--- out\n"
+                   << ended.out << "--- err\n"
+                   << ended.err;
+    }
+};
+
+/// Runs the built program, in a folder of its own that is gone in the end.
+class ProgramTest : public ::testing::Test {
+protected:
+    ProgramTest() {
+        std::string name = (std::filesystem::temp_directory_path() / "qos-agentXXXXXX").string();
+        folder_ = ::mkdtemp(name.data());
+    }
+    ~ProgramTest() override { std::filesystem::remove_all(folder_); }
+
+    std::string file(const std::string& name, const std::string& text) {
+        std::ofstream(folder_ / name, std::ios::binary) << text;
+        return folder_ / name;
+    }
+    std::string path(const std::string& name) const { return folder_ / name; }
+    std::string read(const std::string& name) const {
+        std::ostringstream text;
+        text << std::ifstream(folder_ / name, std::ios::binary).rdbuf();
+        return text.str();
+    }
+
+    Ended run(const std::vector<std::string>& arguments, const std::string& input = "") {
+        file("stdin", input);
+        const int in = ::open(path("stdin").c_str(), O_RDONLY | O_CLOEXEC);
+        const pid_t child = start(arguments, in);
+        ::close(in);
+        return end(child);
+    }
+    pid_t start(const std::vector<std::string>& arguments, int in) {
+        std::vector<std::string> texts{program()};
+        texts.insert(texts.end(), arguments.begin(), arguments.end());
+        std::vector<char*> argv;
+        for (std::string& text : texts)
+            argv.push_back(text.data());
+        argv.push_back(nullptr);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, in, STDIN_FILENO);
+        const int flags = O_WRONLY | O_CREAT | O_TRUNC;
+        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outFile().c_str(), flags, 0666);
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, path("err").c_str(), flags, 0666);
+        pid_t child = 0;
+        EXPECT_EQ(::posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ), 0);
+        posix_spawn_file_actions_destroy(&actions);
+        return child;
+    }
+    Ended end(pid_t child) {
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        const int code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        return {code, read("out"), read("err")};
+    }
+    void outFileIs(const std::string& name) { outFile_ = name; }
+
+private:
+    /// Beside the folder of the tests in the build tree.
+    static std::string program() {
+        const auto tests = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+        return tests.parent_path() / "bin" / "qos-agent";
+    }
+    std::string outFile() const { return outFile_.empty() ? path("out") : outFile_; }
+
+    std::filesystem::path folder_;
+    std::string outFile_;
+};
+
+}  // namespace QosAgent
