@@ -108,6 +108,13 @@ TEST_F(MounterLifeTest, hasItsOperationsInOrder) {
                             own + "doPluginSpecificMountsComplete", own + "createSm"));
 }
 
+TEST_F(MounterLifeTest, isMadeByAPluginOfThreeOperations) {
+    const Plugin plugin;
+    EXPECT_THAT(TestSupport::virtualOperations(&plugin),
+                ElementsAre("~", "delete ~",
+                            "Agent::MounterPlugin::Plugin<QosOc::ClassifierStateSmMounter>::init"));
+}
+
 TEST_F(MounterLifeTest, isDrivenThroughTheSlotsOfItsBases) {
     using TestSupport::slotOf;
     EXPECT_EQ(slotOf(&QosOc::MounterBase::createSm), 15u);
