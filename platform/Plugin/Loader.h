@@ -71,11 +71,17 @@ private:
 template <class Context>
 class PluginRegistration {
 public:
+    /// Throws `std::invalid_argument` when the name is taken, and then registers nothing.
     PluginRegistration(std::string_view name, Loader<Context>& loader, PluginBase<Context>& plugin)
         : loader_(loader),
           caller_(typename PluginBase<Context>::PluginBaseInitCaller(plugin)) {
         loader_.initCallers().push_front(&caller_);
-        Impl::LoaderImpl::registerPlugin(name, loader_.registry(), "", "", &caller_);
+        try {
+            Impl::LoaderImpl::registerPlugin(name, loader_.registry(), "", "", &caller_);
+        } catch (...) {
+            loader_.initCallers().remove(&caller_);
+            throw;
+        }
     }
     ~PluginRegistration() {
         Impl::LoaderImpl::unregisterPlugin(loader_.registry(), &caller_);
