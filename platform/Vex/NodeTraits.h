@@ -59,9 +59,10 @@ struct ValueTraits<T> {
     }
     static T from(const Value& value) {
         const auto& fields = value.as<RecordValue>().fields;
+        if (fields.size() != fieldCount<T>) throw std::out_of_range("fields too few or too many");
         T record;
         eachRow<T>([&]<std::size_t I>() {
-            record.*row<T, I>.member = ValueTraits<MemberAt<T, I>>::from(fields.at(I));
+            record.*row<T, I>.member = ValueTraits<MemberAt<T, I>>::from(fields[I]);
         });
         return record;
     }
