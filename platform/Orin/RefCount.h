@@ -15,6 +15,14 @@ public:
         else
             ++count_;
     }
+    /// Another owner, unless the last one has gone: for who finds the object without owning it.
+    bool upUnlessGone() noexcept {
+        std::uint32_t count = value();
+        while (count != 0 && !__atomic_compare_exchange_n(&count_, &count, count + 1, true,
+                                                          __ATOMIC_ACQ_REL, __ATOMIC_RELAXED)) {
+        }
+        return count != 0;
+    }
     /// True when this was the last owner.
     bool down() noexcept {
         if (ThreadControl::severalThreadsActive()) [[unlikely]]

@@ -58,10 +58,9 @@ public:
     String find(std::string_view text) {
         const Lock lock(mutex_);
         const auto held = texts_.find(text);
-        if (held != texts_.end() && (*held)->refs.value() != 0) {
+        if (held != texts_.end() && (*held)->refs.upUnlessGone()) {
             String found;
             found.text_ = *held;
-            found.text_->refs.up();
             return found;
         }
         // One that lost its last owner this moment, in another thread, makes room.
