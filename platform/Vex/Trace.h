@@ -1,5 +1,7 @@
 #pragma once
 
+#include <type_traits>
+
 #include "platform/Vex/TraceHandle.h"
 #include "platform/Vex/TraceHelper.h"
 
@@ -13,10 +15,16 @@ struct TracePoint {
     const char* signature;
 };
 
+/// How a piece goes to `writeTrace`: numbers and pointers by value, so that the hot path need not
+/// put them into memory to have an address of them.
+template <class Piece>
+using PassedToTrace = std::conditional_t<std::is_scalar_v<std::decay_t<const Piece>>,
+                                         std::decay_t<const Piece>, const Piece&>;
+
 /// Composes and writes a line: the pieces in order. Apart from the hot path.
-template <class... Pieces>
+template <class... Passed>
 [[gnu::cold, gnu::noinline]] void writeTrace(const TraceHandle& handle, const TracePoint& point,
-                                             const Pieces&... pieces) {
+                                             Passed... pieces) {
     TraceHelper line(handle, kFunctionEntry, point.source, point.line, point.function);
     (line << ... << pieces);
 }
@@ -25,7 +33,8 @@ template <class... Pieces>
 template <class... Pieces>
 inline void trace(const TraceHandle& handle, const TracePoint& point, const Pieces&... pieces) {
     if (handle.isEnabled(kFunctionEntry)) [[unlikely]]
-        writeTrace(handle, point, point.signature, pieces...);
+        writeTrace<const char*, PassedToTrace<Pieces>...>(handle, point, point.signature,
+                                                          pieces...);
 }
 
 /// The same, with the line's subject first: the address of a machine, or an entity.
@@ -33,7 +42,8 @@ template <class Subject, class... Pieces>
 inline void traceOf(const Subject& subject, const TraceHandle& handle, const TracePoint& point,
                     const Pieces&... pieces) {
     if (handle.isEnabled(kFunctionEntry)) [[unlikely]]
-        writeTrace(handle, point, subject, point.signature, pieces...);
+        writeTrace<PassedToTrace<Subject>, const char*, PassedToTrace<Pieces>...>(
+            handle, point, subject, point.signature, pieces...);
 }
 
 }  // namespace Vex

@@ -27,7 +27,7 @@ protected:
     template <class Piece>
     static std::string bodyOf(const Piece& piece) {
         const TraceCapture capture;
-        writeTrace(handle, kPoint, piece);
+        writeTrace<PassedToTrace<Piece>>(handle, kPoint, piece);
         const std::string prefix = "Harbour/8 tests/Harbour:42 handleShip ";
         const std::string line = capture.rawLines().at(0);
         const std::size_t at = line.find(prefix);
