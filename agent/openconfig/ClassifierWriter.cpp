@@ -7,7 +7,6 @@ namespace {
 
 using QosOc::Classifier::Type;
 using QosOc::Config::Classifier;
-using QosOc::Config::ClassifierConfig;
 using QosOc::Config::ClassifiersDir;
 using QosOc::Config::Term;
 using QosOc::Config::TermActions;
@@ -31,7 +30,7 @@ Term valueOf(const ConfiguredTerm& configured, Type family) {
 }
 
 Orin::Ptr<Terms> newTerms(const ConfiguredClassifier& configured) {
-    const auto terms = Terms::create();
+    auto terms = Terms::create();
     for (const ConfiguredTerm& term : configured.terms)
         terms->termIs(valueOf(term, configured.family()));
     return terms;

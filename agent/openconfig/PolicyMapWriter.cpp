@@ -65,7 +65,8 @@ void PolicyMapWriter::change(PolicyMapStatus& pmap, const AttachedPair& pair,
 
 bool PolicyMapWriter::writeClasses(PolicyMapStatus& pmap, const AttachedPair& pair,
                                    const Difference& difference) {
-    const auto& [earlier, later] = difference;
+    const OpenConfigDocument& earlier = difference.earlier;
+    const OpenConfigDocument& later = difference.later;
     const bool isPairNew = !earlier.attachedPairs.contains(pair.pmapName);
     bool isChanged = false;
     eachTermOf(later, pair, [&](const TermOfClassifier& of) {
@@ -82,10 +83,10 @@ bool PolicyMapWriter::writeClasses(PolicyMapStatus& pmap, const AttachedPair& pa
 
 bool PolicyMapWriter::removeClasses(PolicyMapStatus& pmap, const AttachedPair& pair,
                                     const Difference& difference) {
-    const auto& [earlier, later] = difference;
+    const OpenConfigDocument& later = difference.later;
     const bool isPairGone = !later.attachedPairs.contains(pair.pmapName);
     bool isChanged = false;
-    eachTermOf(earlier, pair, [&](const TermOfClassifier& of) {
+    eachTermOf(difference.earlier, pair, [&](const TermOfClassifier& of) {
         const Orin::String& name = of.term->objName;
         if (!isPairGone && counterpart(later, of)) return;
         if (found_.release(pmap, name) || pmap.classes().find(name) == nullptr) return;

@@ -222,7 +222,8 @@ private:
         static constexpr std::array kTypes{"IPV4", "IPV6", ""};
         // Mostly the same type, so that terms stay alike.
         const bool isUsual = below(4) != 0;
-        ClassifierSpec classifier{name, isUsual ? kTypes[name[0] % 2] : kTypes[below(3)], {}};
+        ClassifierSpec classifier{
+            name, isUsual ? (name < "c" ? "IPV4" : "IPV6") : kTypes[below(3)], {}};
         for (const char* id : {"1", "2", "3"})
             if (below(4) != 0) classifier.terms.push_back(term(id, groups));
         std::shuffle(classifier.terms.begin(), classifier.terms.end(), random_);
