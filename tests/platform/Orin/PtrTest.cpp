@@ -95,8 +95,8 @@ TEST_F(PtrTest, survivesItsMoveToItself) {
 }
 
 TEST_F(PtrTest, releasesWhatItHeldWhenAssigned) {
-    Ptr<Buoy> buoy = made();
     Log otherLog;
+    Ptr<Buoy> buoy = made();
     buoy = Ptr<Buoy>::adopt(new Buoy(otherLog));
     EXPECT_EQ(log, kEnded);
     EXPECT_EQ(otherLog, Log{});
