@@ -49,6 +49,19 @@ void operator delete(void* memory, std::size_t) noexcept {
     operator delete(memory);
 }
 
+// The default ones lead here by themselves, but not those of the sanitizers.
+void* operator new[](std::size_t size) {
+    return operator new(size);
+}
+
+void operator delete[](void* memory) noexcept {
+    operator delete(memory);
+}
+
+void operator delete[](void* memory, std::size_t) noexcept {
+    operator delete(memory);
+}
+
 namespace TestSupport {
 
 std::size_t allocations() noexcept {
