@@ -14,10 +14,7 @@ target_compile_options(project_options INTERFACE
     -fvisibility=hidden
     -fvisibility-inlines-hidden
     # Unique symbols would keep an unloaded plug-in mapped.
-    $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
-    # No file tells where it was built.
-    "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/="
-    "-ffile-prefix-map=${PROJECT_BINARY_DIR}=.")
+    $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
 
 if(QOS_SANITIZE)
     target_compile_options(project_options INTERFACE
@@ -41,4 +38,9 @@ endif()
 if(QOS_COVERAGE)
     target_compile_options(project_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
     target_link_options(project_options INTERFACE -fprofile-instr-generate)
+else()
+    # No file tells where it was built; only reports of coverage have to find the sources.
+    target_compile_options(project_options INTERFACE
+        "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/="
+        "-ffile-prefix-map=${PROJECT_BINARY_DIR}=.")
 endif()
