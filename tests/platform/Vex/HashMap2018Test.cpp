@@ -245,6 +245,27 @@ TEST_F(HashMap2018Test, agreesWithAModelUnderRandomOperations) {
     EXPECT_EQ(walk().size(), model.size());
 }
 
+/// A key whose hash is always the same.
+struct Colliding {
+    std::uint32_t value;
+    std::uint32_t hash(std::uint32_t) const noexcept { return 7; }
+    friend bool operator==(const Colliding&, const Colliding&) = default;
+};
+
+TEST(HashMap2018CollisionTest, tellsKeysOfEqualHashApart) {
+    HashMap2018<Colliding, std::uint32_t> map;
+    for (std::uint32_t key = 0; key < 20; ++key)
+        map.enter({key}, key * 10);
+    for (std::uint32_t key = 0; key < 20; key += 2)
+        EXPECT_EQ(map.remove(Colliding{key}), key * 10);
+    for (std::uint32_t key = 1; key < 20; key += 2) {
+        ASSERT_NE(map.find(Colliding{key}), nullptr);
+        EXPECT_EQ(*map.find(Colliding{key}), key * 10);
+    }
+    EXPECT_EQ(map.find(Colliding{0}), nullptr);
+    EXPECT_EQ(map.find(Colliding{20}), nullptr);
+}
+
 using ByName = HashMap2018<Orin::String, std::uint32_t, seedOf("a test")>;
 
 TEST(HashMap2018ByNameTest, isSearchedByPlainTextWithoutAllocating) {

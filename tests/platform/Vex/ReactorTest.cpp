@@ -220,6 +220,13 @@ TEST_F(ReactorTest, turnsOffAChildOnlyOnce) {
     EXPECT_TRUE(child->isSubscribed());
 }
 
+TEST_F(ReactorTest, leavesItsChildrenAsTheyAreWhenItIsActiveAlready) {
+    const auto root = made();
+    root->shipSm().get("Anna")->hasNotificationActiveIs(false);
+    root->hasNotificationActiveIs(true);
+    EXPECT_FALSE(root->shipSm().get("Anna")->isSubscribed());
+}
+
 TEST_F(ReactorTest, takesAllMachinesAlongAndLeavesWhatTheyWrote) {
     auto root = made();
     EXPECT_EQ(live<ShipSm>(), 2u);

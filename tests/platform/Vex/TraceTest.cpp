@@ -4,6 +4,7 @@
 #include <chrono>
 #include <sstream>
 #include <string>
+#include <thread>
 
 #include "platform/Vex/Trace.h"
 #include "tests/support/Allocations.h"
@@ -68,6 +69,15 @@ TEST_F(TraceTest, beginsWithTheTimeInUniversalTimeToTheMicrosecond) {
     EXPECT_THAT(time, MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}"
                                    "\\.[0-9]{6}Z"));
     EXPECT_LE(time, capture.rawLines()[1].substr(0, 27));
+}
+
+/// Early in a second, where its fraction begins with zeros.
+TEST_F(TraceTest, writesAllSixDigitsOfAFraction) {
+    using namespace std::chrono;
+    const TraceCapture capture;
+    std::this_thread::sleep_until(ceil<seconds>(system_clock::now()));
+    trace(handle, kPoint);
+    EXPECT_THAT(capture.rawLines().at(0), MatchesRegex("[^.]*\\.[0-9]{6}Z .*"));
 }
 
 TEST_F(TraceTest, tellsTheTimeThatItIs) {
