@@ -6,7 +6,6 @@
 #include <unordered_map>
 #include <vector>
 
-#include "platform/Orin/String.h"
 #include "platform/Vex/HashMap2018.h"
 #include "tests/support/Allocations.h"
 #include "tests/support/LiveCounts.h"
@@ -243,64 +242,6 @@ TEST_F(HashMap2018Test, agreesWithAModelUnderRandomOperations) {
         ASSERT_EQ(map->size(), model.size());
     }
     EXPECT_EQ(walk().size(), model.size());
-}
-
-/// A key whose hash is always the same.
-struct Colliding {
-    std::uint32_t value;
-    std::uint32_t hash(std::uint32_t) const noexcept { return 7; }
-    friend bool operator==(const Colliding&, const Colliding&) = default;
-};
-
-TEST(HashMap2018CollisionTest, tellsKeysOfEqualHashApart) {
-    HashMap2018<Colliding, std::uint32_t> map;
-    for (std::uint32_t key = 0; key < 20; ++key)
-        map.enter({key}, key * 10);
-    for (std::uint32_t key = 0; key < 20; key += 2)
-        EXPECT_EQ(map.remove(Colliding{key}), key * 10);
-    for (std::uint32_t key = 1; key < 20; key += 2) {
-        ASSERT_NE(map.find(Colliding{key}), nullptr);
-        EXPECT_EQ(*map.find(Colliding{key}), key * 10);
-    }
-    EXPECT_EQ(map.find(Colliding{0}), nullptr);
-    EXPECT_EQ(map.find(Colliding{20}), nullptr);
-}
-
-using ByName = HashMap2018<Orin::String, std::uint32_t, seedOf("a test")>;
-
-TEST(HashMap2018ByNameTest, isSearchedByPlainTextWithoutAllocating) {
-    ByName byName;
-    byName.enter("a name that is longer than any short text", 1);
-    const std::size_t before = TestSupport::allocations();
-    const auto* found = byName.find(std::string_view("a name that is longer than any short text"));
-    const auto* missed = byName.find("another");
-    EXPECT_EQ(TestSupport::allocations(), before);
-    ASSERT_NE(found, nullptr);
-    EXPECT_EQ(*found, 1u);
-    EXPECT_EQ(missed, nullptr);
-}
-
-TEST(HashMap2018ByNameTest, removesByPlainText) {
-    ByName byName;
-    byName.enter("name", 1);
-    EXPECT_EQ(byName.remove(std::string_view("name")), 1u);
-    EXPECT_TRUE(byName.empty());
-}
-
-TEST(HashMap2018ByNameTest, holdsTheEmptyNameAndNamesWithNul) {
-    using namespace std::string_view_literals;
-    ByName byName;
-    byName.enter("", 1);
-    byName.enter("\0"sv, 2);
-    EXPECT_EQ(*byName.find(""sv), 1u);
-    EXPECT_EQ(*byName.find("\0"sv), 2u);
-}
-
-TEST(HashMap2018ByNameTest, hasASeedOfItsOwn) {
-    EXPECT_NE(seedOf("PortSm.shipSm"), seedOf("PortSm.tideSm"));
-    EXPECT_NE(KeyTraits<Orin::String>::hash(std::string_view("x"), 1),
-              KeyTraits<Orin::String>::hash(std::string_view("x"), 2));
-    EXPECT_NE(KeyTraits<std::uint8_t>::hash(1, 1), KeyTraits<std::uint8_t>::hash(1, 2));
 }
 
 }  // namespace
