@@ -79,7 +79,7 @@ private:
 };
 
 /// The mounter's own handle: "QosOpenConfigClassifierStateSmMounter".
-extern constinit Vex::TraceHandle mounterTraceHandle;
+[[gnu::visibility("hidden")]] extern constinit Vex::TraceHandle mounterTraceHandle;
 /// The types of the mounter source.
 extern const Vex::Module kMounterModule;
 

@@ -5,7 +5,7 @@
 namespace QosOc {
 
 /// The one handle of all machines and of the state writer: "OpenConfigQosClfStateSm".
-extern constinit Vex::TraceHandle traceHandle;
+[[gnu::visibility("hidden")]] extern constinit Vex::TraceHandle traceHandle;
 
 inline constexpr const char* kSource = "QosOpenConfig/QosOpenConfigClassifierStateSm";
 /// The policy-map machines name their source with its root.
