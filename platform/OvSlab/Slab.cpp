@@ -70,8 +70,13 @@ FreeCell* newBlock(std::size_t cellBytes) {
     return cells;
 }
 
+/// At least one: a cell of no size would never be taken from a block.
+std::size_t grainsOf(std::size_t size) noexcept {
+    return size == 0 ? 1 : (size + kGrain - 1) / kGrain;
+}
+
 void* takeCell(std::size_t size) {
-    const std::size_t grains = (size + kGrain - 1) / kGrain;
+    const std::size_t grains = grainsOf(size);
     FreeCell*& cells = freeCells[grains];
     if (cells == nullptr) cells = newBlock(grains * kGrain);
     FreeCell* cell = cells;
@@ -97,7 +102,7 @@ void slabFree(void* memory, std::size_t size, Tracker& tracker) noexcept {
         ::operator delete(memory);
         return;
     }
-    FreeCell*& cells = freeCells[(size + kGrain - 1) / kGrain];
+    FreeCell*& cells = freeCells[grainsOf(size)];
     cells = new (memory) FreeCell{cells};
 }
 

@@ -51,6 +51,14 @@ TEST_F(SlabTest, givesOutAgainWhatWasTakenBack) {
     free(second, 41);
 }
 
+TEST_F(SlabTest, givesOutPlacesForNothingToo) {
+    void* first = allocated(0);
+    void* second = allocated(0);
+    EXPECT_NE(first, second);
+    free(first, 0);
+    free(second, 0);
+}
+
 TEST_F(SlabTest, keepsSizesApart) {
     if (kPassesThrough) GTEST_SKIP() << "sanitizers see every request";
     void* first = allocated(48);
