@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "bench/QosOpenConfig/Device.h"
+#include "bench/agent/RuleDocument.h"
 #include "platform/OvSlab/Slab.h"
 
 namespace {
@@ -56,6 +57,20 @@ void verb(Device& device) {
     (device.*kMember)(kArguments...);
 }
 
+template <std::size_t kRules>
+RuleDocument& ruleDocument() {
+    static RuleDocument document(kRules);
+    return document;
+}
+template <std::size_t kRules>
+void loadRules(Device&) {
+    ruleDocument<kRules>().load();
+}
+template <std::size_t kRules>
+void unloadRules(Device&) {
+    ruleDocument<kRules>().unload();
+}
+
 /// A round is `before`, the measured event and `after`.
 struct Event {
     const char* name;
@@ -80,6 +95,9 @@ constexpr std::array kEvents{
           kRemoveRule},
     Event{"rule added to a list of 1000", kAddRule, verb<&Device::giveRules, 1000>, nothing,
           kRemoveRule},
+    Event{"document of 10 rules loaded", loadRules<10>, nothing, nothing, unloadRules<10>},
+    Event{"document of 100 rules loaded", loadRules<100>, nothing, nothing, unloadRules<100>},
+    Event{"document of 1000 rules loaded", loadRules<1000>, nothing, nothing, unloadRules<1000>},
     Event{"class map published again", verb<&Device::publishClassMap>},
     Event{"class map removed", kRemoveClassMap, nothing, nothing, kAddClassMap},
     Event{"class map added", kAddClassMap, nothing, kRemoveClassMap, nothing},
