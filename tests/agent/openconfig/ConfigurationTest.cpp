@@ -14,7 +14,7 @@ namespace {
 using Terms = std::map<std::string, std::string>;
 
 /// A configured term as its state reads.
-std::string stateOf(const TermSpec& term, bool isIpv6) {
+std::string stateOf(const TermPlan& term, bool isIpv6) {
     std::string text = term.id;
     if (!term.dscp.empty()) text += isIpv6 ? " when ipv6 " : " when ipv4 ";
     if (term.dscp.size() == 1) text += std::to_string(term.dscp.front());
@@ -27,17 +27,17 @@ std::string stateOf(const TermSpec& term, bool isIpv6) {
     return term.group.empty() ? text : text + " to " + term.group;
 }
 
-Terms stateOf(const ConfigurationSpec& spec) {
+Terms stateOf(const ConfigurationPlan& plan) {
     Terms terms;
-    for (const ClassifierSpec& classifier : spec.classifiers)
-        for (const TermSpec& term : classifier.terms)
+    for (const ClassifierPlan& classifier : plan.classifiers)
+        for (const TermPlan& term : classifier.terms)
             terms[ConfiguredState::keyOf(classifier.name, term.id)] =
                 stateOf(term, classifier.isIpv6());
     return terms;
 }
 
 /// The terms that both configure alike, as they read.
-Terms alike(const ConfigurationSpec& earlier, const ConfigurationSpec& later) {
+Terms alike(const ConfigurationPlan& earlier, const ConfigurationPlan& later) {
     Terms both;
     const Terms before = stateOf(earlier);
     for (const auto& [key, text] : stateOf(later)) {
@@ -49,12 +49,12 @@ Terms alike(const ConfigurationSpec& earlier, const ConfigurationSpec& later) {
 
 class ConfigurationTest : public TestSupport::LiveCounts {
 protected:
-    void given(const ConfigurationSpec& spec) {
-        ASSERT_EQ(db.configure(documentOf(spec)), "");
-        ASSERT_EQ(db.terms(), stateOf(spec));
+    void given(const ConfigurationPlan& plan) {
+        ASSERT_EQ(db.configure(documentOf(plan)), "");
+        ASSERT_EQ(db.terms(), stateOf(plan));
     }
     /// Goes on to another configuration, and looks at what the state shows on the way there.
-    void expectSteady(const ConfigurationSpec& earlier, const ConfigurationSpec& later) {
+    void expectSteady(const ConfigurationPlan& earlier, const ConfigurationPlan& later) {
         const Terms steady = alike(earlier, later);
         TestSupport::StateRecorder recorder(db.state());
         ASSERT_EQ(db.configure(documentOf(later)), "");
@@ -71,9 +71,9 @@ protected:
         }
         EXPECT_EQ(db.terms(), stateOf(later));
     }
-    void expectNothingPublishedBy(const ConfigurationSpec& spec) {
+    void expectNothingPublishedBy(const ConfigurationPlan& plan) {
         ChangeRecorder recorder(db.database);
-        ASSERT_EQ(db.configure(documentOf(spec)), "");
+        ASSERT_EQ(db.configure(documentOf(plan)), "");
         EXPECT_EQ(recorder.take(), Changes{});
     }
 
@@ -87,7 +87,7 @@ private:
     }
 };
 
-ConfigurationSpec attachedPair() {
+ConfigurationPlan attachedPair() {
     return {{"gold", "lead"},
             {{"four", "", {{"v", {46}, "gold"}, {"d", {10, 12}, "lead"}, {"rest", {}}}},
              {"six", "IPV6", {{"v", {46, 8}, "gold"}}}},
@@ -108,7 +108,7 @@ TEST_F(ConfigurationTest, showsASetOfOneAsASingleDscp) {
 
 TEST_F(ConfigurationTest, changesOnlyTheStateOfTheTermThatChanged) {
     given(attachedPair());
-    ConfigurationSpec later = attachedPair();
+    ConfigurationPlan later = attachedPair();
     later.classifiers[0].terms[1].dscp = {10, 13};
     TestSupport::StateRecorder recorder(db.state());
     given(later);
@@ -117,7 +117,7 @@ TEST_F(ConfigurationTest, changesOnlyTheStateOfTheTermThatChanged) {
 
 TEST_F(ConfigurationTest, changesATargetGroupAtOnce) {
     given(attachedPair());
-    ConfigurationSpec later = attachedPair();
+    ConfigurationPlan later = attachedPair();
     later.groups = {"tin", "gold"};
     later.classifiers[0].terms[1].group = "tin";
     later.classifiers[0].terms[2].group = "gold";
@@ -126,7 +126,7 @@ TEST_F(ConfigurationTest, changesATargetGroupAtOnce) {
 
 TEST_F(ConfigurationTest, holdsATermThroughTheChangeOfItsPair) {
     given(attachedPair());
-    ConfigurationSpec later = attachedPair();
+    ConfigurationPlan later = attachedPair();
     later.interfaces = {{"four", ""}};
     expectSteady(attachedPair(), later);
     expectSteady(later, attachedPair());
@@ -137,7 +137,7 @@ TEST_F(ConfigurationTest, holdsATermThroughTheChangeOfItsPair) {
 
 TEST_F(ConfigurationTest, clearsATargetGroupThatIsLostAsTheClassifierIsDetached) {
     given(attachedPair());
-    ConfigurationSpec later = attachedPair();
+    ConfigurationPlan later = attachedPair();
     later.interfaces.clear();
     later.classifiers[0].terms[0].group.clear();
     expectSteady(attachedPair(), later);
@@ -151,17 +151,17 @@ TEST_F(ConfigurationTest, removesTermsWithTheirClassifierWhichStaysInTheState) {
 }
 
 TEST_F(ConfigurationTest, keepsTheFirstTypeOfAClassifierAndShowsItsTermsInTheNewFamily) {
-    const ConfigurationSpec earlier{{"g"}, {{"C", "IPV4", {{"T", {1}, "g"}}}}, {{"C", ""}}};
-    const ConfigurationSpec later{{"g"}, {{"C", "IPV6", {{"T", {1, 2}, "g"}}}}, {{"", "C"}}};
+    const ConfigurationPlan earlier{{"g"}, {{"C", "IPV4", {{"T", {1}, "g"}}}}, {{"C", ""}}};
+    const ConfigurationPlan later{{"g"}, {{"C", "IPV6", {{"T", {1, 2}, "g"}}}}, {{"", "C"}}};
     given(earlier);
     expectSteady(earlier, later);
     EXPECT_EQ(TestSupport::textOf(*db.state()), "C IPV4 {T when ipv6 [1, 2] to g}");
 }
 
 TEST_F(ConfigurationTest, holdsATermWithoutConditionsThroughTheChangeOfItsClassifiersType) {
-    const ConfigurationSpec earlier{{"g"}, {{"C", "IPV4", {{"T", {}, "g"}}}}, {{"C", ""}}};
-    const ConfigurationSpec later{{"g"}, {{"C", "IPV6", {{"T", {}, "g"}}}}, {{"", "C"}}};
-    ConfigurationSpec detached = later;
+    const ConfigurationPlan earlier{{"g"}, {{"C", "IPV4", {{"T", {}, "g"}}}}, {{"C", ""}}};
+    const ConfigurationPlan later{{"g"}, {{"C", "IPV6", {{"T", {}, "g"}}}}, {{"", "C"}}};
+    ConfigurationPlan detached = later;
     detached.interfaces.clear();
     given(earlier);
     expectSteady(earlier, later);
@@ -181,9 +181,9 @@ TEST_F(ConfigurationTest, followsTheConfigurationOfAClassifierThatChangedItsType
 }
 
 TEST_F(ConfigurationTest, takesTheGroupOfATrafficClassOverFromTheOneThatGoes) {
-    ConfigurationSpec later = attachedPair();
+    ConfigurationPlan later = attachedPair();
     later.groups = {"lead", "zinc"};
-    for (ClassifierSpec& classifier : later.classifiers)
+    for (ClassifierPlan& classifier : later.classifiers)
         classifier.terms[0].group = "zinc";
     given(attachedPair());
     expectSteady(attachedPair(), later);
@@ -203,41 +203,41 @@ class Chance {
 public:
     explicit Chance(unsigned seed) : random_(seed) {}
 
-    ConfigurationSpec configuration() {
-        ConfigurationSpec spec;
+    ConfigurationPlan configuration() {
+        ConfigurationPlan plan;
         for (const char* group : {"g0", "g1", "g2", "g3"})
-            if (below(3) != 0) spec.groups.emplace_back(group);
-        std::shuffle(spec.groups.begin(), spec.groups.end(), random_);
+            if (below(3) != 0) plan.groups.emplace_back(group);
+        std::shuffle(plan.groups.begin(), plan.groups.end(), random_);
         for (const char* name : {"a", "b", "c", "d"})
-            if (below(5) != 0) spec.classifiers.push_back(classifier(name, spec.groups));
+            if (below(5) != 0) plan.classifiers.push_back(classifier(name, plan.groups));
         for (unsigned count = below(4); count > 0; --count)
-            spec.interfaces.push_back(attachment(spec));
-        return spec;
+            plan.interfaces.push_back(attachment(plan));
+        return plan;
     }
 
 private:
     unsigned below(unsigned bound) { return static_cast<unsigned>(random_() % bound); }
 
-    ClassifierSpec classifier(const std::string& name, const std::vector<std::string>& groups) {
+    ClassifierPlan classifier(const std::string& name, const std::vector<std::string>& groups) {
         static constexpr std::array kTypes{"IPV4", "IPV6", ""};
         // Mostly the same type, so that terms stay alike.
         const bool isUsual = below(4) != 0;
-        ClassifierSpec classifier{
+        ClassifierPlan classifier{
             name, isUsual ? (name < "c" ? "IPV4" : "IPV6") : kTypes[below(3)], {}};
         for (const char* id : {"1", "2", "3"})
             if (below(4) != 0) classifier.terms.push_back(term(id, groups));
         std::shuffle(classifier.terms.begin(), classifier.terms.end(), random_);
         return classifier;
     }
-    TermSpec term(const std::string& id, const std::vector<std::string>& groups) {
+    TermPlan term(const std::string& id, const std::vector<std::string>& groups) {
         static const std::vector<std::vector<unsigned>> kDscp{{}, {1}, {2}, {1, 2}, {2, 1, 3}};
-        TermSpec term{id, kDscp[below(5)]};
+        TermPlan term{id, kDscp[below(5)]};
         if (!groups.empty() && below(3) != 0) term.group = groups[below(2) % groups.size()];
         return term;
     }
-    AttachmentSpec attachment(const ConfigurationSpec& spec) {
-        AttachmentSpec attached;
-        for (const ClassifierSpec& classifier : spec.classifiers)
+    AttachmentPlan attachment(const ConfigurationPlan& plan) {
+        AttachmentPlan attached;
+        for (const ClassifierPlan& classifier : plan.classifiers)
             if (below(2) == 0)
                 (classifier.isIpv6() ? attached.ipv6 : attached.ipv4) = classifier.name;
         return attached;
@@ -252,9 +252,9 @@ class ConfigurationChanceTest : public ConfigurationTest,
 TEST_P(ConfigurationChanceTest, holdsEachTermThatTwoConfigurationsHaveAlike) {
     for (unsigned round = 0; round < 50; ++round) {
         Chance chance(1000 * GetParam() + round);
-        ConfigurationSpec earlier;
+        ConfigurationPlan earlier;
         for (unsigned step = 0; step < 6; ++step) {
-            const ConfigurationSpec later = chance.configuration();
+            const ConfigurationPlan later = chance.configuration();
             SCOPED_TRACE(documentOf(earlier) + "\nthen\n" + documentOf(later));
             expectSteady(earlier, later);
             expectNothingPublishedBy(later);
@@ -285,10 +285,10 @@ class BigConfigurationTest : public ConfigurationTest,
 
 TEST_P(BigConfigurationTest, isShownWholeChangedInOnePlaceAndRemoved) {
     const auto [classifiers, terms, values] = GetParam();
-    const ConfigurationSpec spec = bigConfiguration(classifiers, terms, values);
-    given(spec);
-    expectNothingPublishedBy(spec);
-    ConfigurationSpec later = spec;
+    const ConfigurationPlan plan = bigConfiguration(classifiers, terms, values);
+    given(plan);
+    expectNothingPublishedBy(plan);
+    ConfigurationPlan later = plan;
     later.classifiers.back().terms.back().dscp.front() = 0;
     const std::string changed =
         later.classifiers.back().name + '/' + stateOf(later.classifiers.back().terms.back(), true);

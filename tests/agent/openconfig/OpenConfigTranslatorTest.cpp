@@ -24,7 +24,7 @@ const char* const kNothingLeft =
     R"("qos/openconfig/config/classifiers":{},"qos/openconfig/state/classifiers":{}})";
 
 /// Two groups, an IPv4 classifier of three terms and an IPv6 classifier of one, attached as a pair.
-ConfigurationSpec twoFamilies() {
+ConfigurationPlan twoFamilies() {
     return {{"gold", "lead"},
             {{"four", "IPV4", {{"v", {46}, "gold"}, {"d", {10, 12}, "lead"}, {"rest", {}}}},
              {"six", "IPV6", {{"v", {46, 8}, "gold"}}}},
@@ -42,8 +42,8 @@ protected:
         EXPECT_EQ(db->apply(R"({"openconfig":)" + document + "}"), "");
         return recorder->take();
     }
-    Changes configure(const ConfigurationSpec& spec) { return configureText(documentOf(spec)); }
-    void given(const ConfigurationSpec& spec) { configure(spec); }
+    Changes configure(const ConfigurationPlan& plan) { return configureText(documentOf(plan)); }
+    void given(const ConfigurationPlan& plan) { configure(plan); }
     void givenLine(const std::string& path, const std::string& value) {
         ASSERT_EQ(db->update(path, value), "");
         recorder->take();
@@ -128,7 +128,7 @@ TEST_F(OpenConfigTranslatorTest, namesObjectsWithEscapes) {
 TEST_F(OpenConfigTranslatorTest, publishesNothingForADocumentThatSaysTheSame) {
     given(twoFamilies());
     EXPECT_EQ(configure(twoFamilies()), Changes{});
-    ConfigurationSpec turned = twoFamilies();
+    ConfigurationPlan turned = twoFamilies();
     std::reverse(turned.groups.begin(), turned.groups.end());
     std::reverse(turned.classifiers.begin(), turned.classifiers.end());
     std::reverse(turned.classifiers[1].terms.begin(), turned.classifiers[1].terms.end());
@@ -160,7 +160,7 @@ TEST_F(OpenConfigTranslatorTest, changesNothingWhenADocumentIsRefused) {
 
 TEST_F(OpenConfigTranslatorTest, tellsAChangedDscpAsTheChangeOfItsSequenceNumber) {
     given(twoFamilies());
-    ConfigurationSpec later = twoFamilies();
+    ConfigurationPlan later = twoFamilies();
     later.classifiers[0].terms[1].dscp = {10, 13};
     const std::string rules = kAcls4 + "openconfig:four:d/aclSubConfig";
     EXPECT_EQ(
@@ -175,7 +175,7 @@ TEST_F(OpenConfigTranslatorTest, tellsAChangedDscpAsTheChangeOfItsSequenceNumber
 
 TEST_F(OpenConfigTranslatorTest, addsRulesAtTheEnd) {
     given(twoFamilies());
-    ConfigurationSpec later = twoFamilies();
+    ConfigurationPlan later = twoFamilies();
     later.classifiers[1].terms[0].dscp = {46, 8, 1, 0};
     Changes changes = configure(later);
     ASSERT_EQ(changes.size(), 5u);
@@ -218,7 +218,7 @@ TEST_F(OpenConfigTranslatorTest, writesADscpAsASetOfOneWithoutTouchingTheAccessL
 
 TEST_F(OpenConfigTranslatorTest, raisesTheVersionWhenATargetGroupChanges) {
     given(twoFamilies());
-    ConfigurationSpec later = twoFamilies();
+    ConfigurationPlan later = twoFamilies();
     later.classifiers[0].terms[2].group = "lead";
     const std::string pmap = kPmaps + "openconfig:four:six";
     EXPECT_EQ(configure(later),
@@ -231,7 +231,7 @@ TEST_F(OpenConfigTranslatorTest, raisesTheVersionWhenATargetGroupChanges) {
 
 TEST_F(OpenConfigTranslatorTest, removesATermFromAllThatHasIt) {
     given(twoFamilies());
-    ConfigurationSpec later = twoFamilies();
+    ConfigurationPlan later = twoFamilies();
     later.classifiers[0].terms.erase(later.classifiers[0].terms.begin());
     const std::string pmap = kPmaps + "openconfig:four:six";
     EXPECT_EQ(configure(later),
@@ -297,22 +297,22 @@ TEST_F(OpenConfigTranslatorTest, unsetsTheTermsOfAClassifierThatHasNoneLeft) {
 }
 
 TEST_F(OpenConfigTranslatorTest, detachesAClassifierFromItsLastInterfaceOnly) {
-    ConfigurationSpec spec = twoFamilies();
-    spec.interfaces = {{"four", "six"}, {"four", "six"}, {"four", ""}};
-    given(spec);
-    spec.interfaces.erase(spec.interfaces.begin());
-    EXPECT_EQ(configure(spec), Changes{});
-    spec.interfaces.pop_back();
-    EXPECT_EQ(configure(spec), Changes{kPmaps + "openconfig:four: gone"});
-    spec.interfaces.clear();
-    EXPECT_EQ(configure(spec), Changes{kPmaps + "openconfig:four:six gone"});
+    ConfigurationPlan plan = twoFamilies();
+    plan.interfaces = {{"four", "six"}, {"four", "six"}, {"four", ""}};
+    given(plan);
+    plan.interfaces.erase(plan.interfaces.begin());
+    EXPECT_EQ(configure(plan), Changes{});
+    plan.interfaces.pop_back();
+    EXPECT_EQ(configure(plan), Changes{kPmaps + "openconfig:four: gone"});
+    plan.interfaces.clear();
+    EXPECT_EQ(configure(plan), Changes{kPmaps + "openconfig:four:six gone"});
 }
 
 TEST_F(OpenConfigTranslatorTest, bringsTheNewPairBeforeTheOldOneGoes) {
-    ConfigurationSpec spec = twoFamilies();
-    given(spec);
-    spec.interfaces = {{"four", ""}};
-    const Changes changes = configure(spec);
+    ConfigurationPlan plan = twoFamilies();
+    given(plan);
+    plan.interfaces = {{"four", ""}};
+    const Changes changes = configure(plan);
     ASSERT_EQ(changes.size(), 2u);
     EXPECT_TRUE(changes[0].starts_with(kPmaps + "openconfig:four: = ")) << changes[0];
     EXPECT_EQ(changes[1], kPmaps + "openconfig:four:six gone");
@@ -341,7 +341,7 @@ TEST_F(OpenConfigTranslatorTest, raisesNoVersionWhenANewGroupTakesTheNumberOfThe
 
 TEST_F(OpenConfigTranslatorTest, removesTheMapWithItsLastGroup) {
     given({{"a"}, {}, {}});
-    EXPECT_EQ(configure(ConfigurationSpec{}), (Changes{kTcs + "a gone", kGroups + " = null"}));
+    EXPECT_EQ(configure(ConfigurationPlan{}), (Changes{kTcs + "a gone", kGroups + " = null"}));
     EXPECT_EQ(configure({{"b"}, {}, {}}), Changes{kGroups + R"( = {"tc":{"b":0}})"});
 }
 
@@ -394,7 +394,7 @@ TEST_F(OpenConfigTranslatorTest, leavesWhatOthersAddedToItsObjects) {
               R"({"version":9,"classes":{"mine":{},"openconfig:four:v":{"action":{"1":7}}}})");
     givenLine(kAcls4 + "openconfig:four:v/aclSubConfig/ruleIdBySequence/15", "10");
     EXPECT_EQ(configure(twoFamilies()), Changes{});
-    ConfigurationSpec later = twoFamilies();
+    ConfigurationPlan later = twoFamilies();
     later.classifiers[0].terms[0].group = "lead";
     const Changes changes = configure(later);
     const std::string pmap = kPmaps + "openconfig:four:six";
@@ -429,7 +429,7 @@ TEST_F(OpenConfigTranslatorTest, takesAnAccessListThatIsNotConfiguredForNone) {
 TEST_F(OpenConfigTranslatorTest, wrapsTheVersion) {
     given(twoFamilies());
     givenLine(kPmaps + "openconfig:four:six/version", "4294967295");
-    ConfigurationSpec later = twoFamilies();
+    ConfigurationPlan later = twoFamilies();
     later.classifiers[0].terms[0].group.clear();
     EXPECT_EQ(configure(later).back(), kPmaps + "openconfig:four:six/version = 0");
 }

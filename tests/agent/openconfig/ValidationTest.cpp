@@ -156,7 +156,7 @@ TEST_F(ValidationTest, printsWhatNeedsEscapesAsValid) {
 
 TEST_F(ValidationTest, printsAValidStateAfterClassifiersChangedAndWent) {
     if (const std::string why = missing(); !why.empty()) GTEST_SKIP() << why;
-    const ConfigurationSpec first{
+    const ConfigurationPlan first{
         {"g", "h"}, {{"C", "IPV4", {{"T", {1, 2}, "g"}}}, {"D", "IPV6", {}}}, {{"C", "D"}}};
     const std::string config = documentOf(first);
     ASSERT_EQ(db.configure(config), "");

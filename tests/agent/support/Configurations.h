@@ -9,41 +9,41 @@
 /// OpenConfig configurations as tests make them up, and as documents.
 namespace QosAgent {
 
-struct TermSpec {
+struct TermPlan {
     std::string id;
     std::vector<unsigned> dscp;  ///< a single value is written as `dscp`, several as `dscp-set`
     std::string group = {};      ///< empty: no target group
     bool isSet = false;          ///< a single value as `dscp-set`, too
 
-    friend bool operator==(const TermSpec&, const TermSpec&) = default;
+    friend bool operator==(const TermPlan&, const TermPlan&) = default;
 };
 
-struct ClassifierSpec {
+struct ClassifierPlan {
     std::string name;
     std::string type;  ///< empty: none
-    std::vector<TermSpec> terms;
+    std::vector<TermPlan> terms;
 
     bool isIpv6() const { return type == "IPV6"; }
-    const TermSpec* term(const std::string& id) const {
-        for (const TermSpec& term : terms)
+    const TermPlan* term(const std::string& id) const {
+        for (const TermPlan& term : terms)
             if (term.id == id) return &term;
         return nullptr;
     }
 };
 
 /// What an interface has attached; empty: nothing.
-struct AttachmentSpec {
+struct AttachmentPlan {
     std::string ipv4;
     std::string ipv6;
 };
 
-struct ConfigurationSpec {
+struct ConfigurationPlan {
     std::vector<std::string> groups;
-    std::vector<ClassifierSpec> classifiers;
-    std::vector<AttachmentSpec> interfaces;
+    std::vector<ClassifierPlan> classifiers;
+    std::vector<AttachmentPlan> interfaces;
 
-    const ClassifierSpec* classifier(const std::string& name) const {
-        for (const ClassifierSpec& classifier : classifiers)
+    const ClassifierPlan* classifier(const std::string& name) const {
+        for (const ClassifierPlan& classifier : classifiers)
             if (classifier.name == name) return &classifier;
         return nullptr;
     }
@@ -52,11 +52,11 @@ struct ConfigurationSpec {
 /// Writes a configuration as an RFC 7951 document.
 class ConfigurationWriter {
 public:
-    static std::string document(const ConfigurationSpec& spec) {
+    static std::string document(const ConfigurationPlan& plan) {
         std::string text;
         JsonWriter json(text);
         json.beginObject().key("openconfig-qos:qos").beginObject();
-        ConfigurationWriter(json).write(spec);
+        ConfigurationWriter(json).write(plan);
         json.endObject().endObject();
         return text;
     }
@@ -64,16 +64,16 @@ public:
 private:
     explicit ConfigurationWriter(JsonWriter& json) : json_(json) {}
 
-    void write(const ConfigurationSpec& spec) {
-        list("forwarding-groups", "forwarding-group", spec.groups,
+    void write(const ConfigurationPlan& plan) {
+        list("forwarding-groups", "forwarding-group", plan.groups,
              [this](const std::string& group) {
                  key("name", group);
                  json_.endObject();
              });
-        list("classifiers", "classifier", spec.classifiers,
-             [this](const ClassifierSpec& classifier) { write(classifier); });
+        list("classifiers", "classifier", plan.classifiers,
+             [this](const ClassifierPlan& classifier) { write(classifier); });
         unsigned next = 0;
-        list("interfaces", "interface", spec.interfaces, [&](const AttachmentSpec& attached) {
+        list("interfaces", "interface", plan.interfaces, [&](const AttachmentPlan& attached) {
             key("interface-id", "eth" + std::to_string(next++));
             json_.endObject();
             write(attached);
@@ -94,14 +94,14 @@ private:
     void key(const char* name, const std::string& value) {
         json_.key(name).text(value).key("config").beginObject().key(name).text(value);
     }
-    void write(const ClassifierSpec& classifier) {
+    void write(const ClassifierPlan& classifier) {
         key("name", classifier.name);
         if (!classifier.type.empty()) json_.key("type").text(classifier.type);
         json_.endObject();
         list("terms", "term", classifier.terms,
-             [&](const TermSpec& term) { write(term, classifier.isIpv6()); });
+             [&](const TermPlan& term) { write(term, classifier.isIpv6()); });
     }
-    void write(const TermSpec& term, bool isIpv6) {
+    void write(const TermPlan& term, bool isIpv6) {
         key("id", term.id);
         json_.endObject();
         if (!term.dscp.empty()) writeConditions(term, isIpv6);
@@ -109,7 +109,7 @@ private:
         json_.key("actions").beginObject().key("config").beginObject();
         json_.key("target-group").text(term.group).endObject().endObject();
     }
-    void writeConditions(const TermSpec& term, bool isIpv6) {
+    void writeConditions(const TermPlan& term, bool isIpv6) {
         json_.key("conditions").beginObject().key(isIpv6 ? "ipv6" : "ipv4").beginObject();
         json_.key("config").beginObject();
         if (term.dscp.size() == 1 && !term.isSet) {
@@ -122,7 +122,7 @@ private:
         }
         json_.endObject().endObject().endObject();
     }
-    void write(const AttachmentSpec& attached) {
+    void write(const AttachmentPlan& attached) {
         json_.key("input").beginObject().key("classifiers").beginObject();
         json_.key("classifier").beginArray();
         if (!attached.ipv4.empty()) write("IPV4", attached.ipv4);
@@ -138,29 +138,29 @@ private:
     JsonWriter& json_;
 };
 
-inline std::string documentOf(const ConfigurationSpec& spec) {
-    return ConfigurationWriter::document(spec);
+inline std::string documentOf(const ConfigurationPlan& plan) {
+    return ConfigurationWriter::document(plan);
 }
 
 /// Pairs of an IPv4 and an IPv6 classifier with `terms` terms each, every pair on an interface of
 /// its own. A term matches `values` DSCPs of those that follow one another; eight groups take
 /// turns.
-inline ConfigurationSpec bigConfiguration(unsigned classifiers, unsigned terms, unsigned values) {
-    ConfigurationSpec spec;
+inline ConfigurationPlan bigConfiguration(unsigned classifiers, unsigned terms, unsigned values) {
+    ConfigurationPlan plan;
     for (unsigned group = 0; group < 8; ++group)
-        spec.groups.push_back("group-" + std::to_string(group));
+        plan.groups.push_back("group-" + std::to_string(group));
     for (unsigned c = 0; c < classifiers; ++c) {
-        ClassifierSpec classifier{"classifier-" + std::to_string(c), c % 2 ? "IPV6" : "IPV4", {}};
+        ClassifierPlan classifier{"classifier-" + std::to_string(c), c % 2 ? "IPV6" : "IPV4", {}};
         for (unsigned t = 0; t < terms; ++t) {
-            TermSpec term{"term-" + std::to_string(t), {}, spec.groups[t % 8]};
+            TermPlan term{"term-" + std::to_string(t), {}, plan.groups[t % 8]};
             for (unsigned v = 0; v < values; ++v)
                 term.dscp.push_back((t * values + v) % 64);
             classifier.terms.push_back(term);
         }
-        spec.classifiers.push_back(classifier);
-        if (c % 2) spec.interfaces.push_back({spec.classifiers[c - 1].name, classifier.name});
+        plan.classifiers.push_back(classifier);
+        if (c % 2) plan.interfaces.push_back({plan.classifiers[c - 1].name, classifier.name});
     }
-    return spec;
+    return plan;
 }
 
 }  // namespace QosAgent
