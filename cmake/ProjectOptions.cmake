@@ -30,10 +30,9 @@ if(QOS_HARDEN)
         -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3 -fstack-protector-strong -fstack-clash-protection)
     target_link_options(project_options INTERFACE
         -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
-else()
-    # Checked containers cost too much in what is shipped.
-    target_compile_definitions(project_options INTERFACE _GLIBCXX_ASSERTIONS)
 endif()
+# An index out of range stops the program, in what is shipped too.
+target_compile_definitions(project_options INTERFACE _GLIBCXX_ASSERTIONS)
 
 if(QOS_COVERAGE)
     target_compile_options(project_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
