@@ -1,6 +1,6 @@
 #include "bench/QosOpenConfig/Device.h"
 
-#include <string>
+#include <algorithm>
 #include <string_view>
 
 namespace QosBench {
@@ -9,65 +9,115 @@ namespace {
 using Orin::String;
 
 constexpr std::uint32_t kSpareTc = 1000;
-constexpr std::string_view kSpareGroup = "spare";
+constexpr std::string_view kConfiguredName = "configured";
 
-String groupName(std::size_t tc) {
-    return String("group-" + std::to_string(tc));
+String numbered(std::string_view what, std::size_t number) {
+    return String(std::string(what) + std::to_string(number));
 }
-String termName(std::size_t classifier, std::size_t term) {
-    return String("openconfig:classifier-" + std::to_string(classifier) + ":term-" +
-                  std::to_string(term));
+String groupName(std::size_t tc) {
+    return numbered("group-", tc);
+}
+String termName(std::string_view classifier, std::size_t term) {
+    return numbered("openconfig:" + std::string(classifier) + ":term-", term);
 }
 Qos::PolicyMapClass classWithTc(std::uint32_t tc) {
     Qos::PolicyMapClass policyMapClass;
     policyMapClass.action.is(Qos::PolicyMapClass::kSetTrafficClass, tc);
     return policyMapClass;
 }
+QosOc::Config::Term configuredTerm(const String& id, const String& group) {
+    QosOc::Config::Term term(id);
+    term.actions = QosOc::Config::TermActions{group};
+    return term;
+}
+void ruleIs(Acl::AclSubConfig& rules, std::uint32_t sequence) {
+    const Ovk::UniqueId id{sequence};
+    rules.ipRuleByIdIs(id, {{static_cast<std::uint8_t>(sequence % 64), true}});
+    rules.ruleIdBySequenceIs(sequence, id);
+}
+Orin::Ptr<Acl::AclSubConfig> rulesFrom(std::uint32_t first, std::size_t count) {
+    auto rules = Acl::AclSubConfig::create();
+    for (std::uint32_t sequence = first; sequence != first + count; ++sequence)
+        ruleIs(*rules, sequence);
+    return rules;
+}
+
+std::string lineOf(const String& classifier, const QosOc::State::Term& term) {
+    std::string line(classifier);
+    line.append("/").append(term.id.view()).append(" dscp");
+    if (term.conditions) {
+        const auto& ipv4 = term.conditions->ipv4;
+        if (ipv4.dscp) line.append(" ").append(std::to_string(*ipv4.dscp));
+        for (const std::uint8_t dscp : ipv4.dscpSet)
+            line.append(" ").append(std::to_string(dscp));
+    }
+    line.append(" group ").append(term.actions ? term.actions->targetGroup.view() : "");
+    return line + "\n";
+}
 
 }  // namespace
 
-Device::Device(std::size_t classifiers)
+Device::Device(std::size_t classifiers, std::size_t termsEach)
     : pmapType_(Qos::PolicyMapTypeStatus::create(Qos::MapType::mapQos)),
       cmapType_(Qos::ClassMapTypeStatus::create(Qos::MapType::mapQos)),
       groups_(Qos::ForwardingGroupNameToTcMap::create()),
-      acls_(Acl::Input::AclTypeConfig::create(Acl::AclType::ipv4)) {
+      acls_(Acl::Input::AclTypeConfig::create(Acl::AclType::ipv4)),
+      usedGroup_(groupName(0)),
+      spareGroup_("spare") {
     for (std::uint32_t tc = 0; tc != 2 * kClasses; ++tc)
         groups_->tcIs(groupName(tc), tc);
-    groups_->tcIs(kSpareGroup, kSpareTc);
+    groups_->tcIs(spareGroup_, kSpareTc);
     cliConfig_->forwardingGroupNameToTcMapIs(groups_);
     status_->pmapTypeStatusIs(pmapType_);
     status_->cmapTypeStatusIs(cmapType_);
     aclConfig_->aclTypeConfigIs(acls_);
     for (std::size_t index = 0; index != classifiers; ++index)
-        addClassifier(index);
-    root_ = QosOc::ClassifierStateSm::ClassifierStateSmIs(status_, aclConfig_, cliConfig_,
-                                                          configDir_, state_);
+        addClassifier(index, index == classifiers / 2 ? kClasses : termsEach);
+    addConfiguredClassifier();
 }
 
-void Device::addClassifier(std::size_t index) {
-    const auto name = String("classifier-" + std::to_string(index));
+void Device::addClassifier(std::size_t index, std::size_t terms) {
+    const String name = numbered("classifier-", index);
     const auto pmap = Qos::PolicyMapStatus::create(String("openconfig:" + std::string(name) + ":"));
-    for (std::uint32_t term = 0; term != kClasses; ++term) {
-        termNames_.push_back(termName(index, term));
-        pmap->classIs(termNames_.back(), classWithTc(term));
-        addTerm(termNames_.back());
+    std::vector<String> names;
+    for (std::uint32_t term = 0; term != terms; ++term) {
+        names.push_back(termName(name, term));
+        pmap->classIs(names.back(), classWithTc(term));
+        addTerm(names.back());
     }
     pmap->versionIs(1);
     pmapType_->pmapStatusIs(pmap);
-    pmaps_.push_back(pmap);
     const auto configured = QosOc::Config::Classifier::create(name);
     configured->configIs({name, QosOc::Classifier::Type::IPV4});
     configured->termsIs(QosOc::Config::Terms::create());
     configDir_->classifierIs(configured);
+    if (terms != kClasses) return;
+    classifierName_ = name;
+    pmap_ = pmap;
+    cmap_ = *cmapType_->cmapStatus().find(names.front());
+    acl_ = *acls_->aclConfig().find(names.front());
+    rules_ = acl_->aclSubConfig();
+    termNames_ = std::move(names);
 }
 
 void Device::addTerm(const String& name) {
     cmapType_->cmapStatusIs(classMap(name));
     const auto acl = Acl::AclConfig::create(name, Acl::AclType::ipv4);
-    const auto rules = Acl::AclSubConfig::create();
-    ruleIs(*rules, 1);
-    acl->aclSubConfigIs(rules);
+    acl->aclSubConfigIs(rulesFrom(1, 1));
     acls_->aclConfigIs(name, acl);
+}
+
+void Device::addConfiguredClassifier() {
+    configuredTerms_ = QosOc::Config::Terms::create();
+    for (std::size_t term = 0; term != kClasses; ++term)
+        configuredTerms_->termIs(configuredTerm(numbered("term-", term), groupName(term)));
+    for (std::size_t choice : {0, 1})
+        configuredTerm_[choice] = configuredTerm(String("term-0"), groupName(choice));
+    const String name(kConfiguredName);
+    const auto configured = QosOc::Config::Classifier::create(name);
+    configured->configIs({name, QosOc::Classifier::Type::IPV4});
+    configured->termsIs(configuredTerms_);
+    configDir_->classifierIs(configured);
 }
 
 Orin::Ptr<Qos::ClassMapStatus> Device::classMap(const String& name) const {
@@ -76,51 +126,81 @@ Orin::Ptr<Qos::ClassMapStatus> Device::classMap(const String& name) const {
     return cmap;
 }
 
-void Device::ruleIs(Acl::AclSubConfig& rules, std::uint32_t sequence) {
-    const Ovk::UniqueId id{sequence};
-    rules.ipRuleByIdIs(id, {{static_cast<std::uint8_t>(sequence % 64), true}});
-    rules.ruleIdBySequenceIs(sequence, id);
+std::string Device::stateText() const {
+    std::vector<std::string> lines;
+    for (const String& name : {classifierName_, String(kConfiguredName)}) {
+        const QosOc::State::Classifier* classifier = state_->classifier(name);
+        if (classifier == nullptr || classifier->terms() == nullptr) continue;
+        for (const auto& member : classifier->terms()->term())
+            lines.push_back(lineOf(name, member.value));
+    }
+    std::sort(lines.begin(), lines.end());
+    std::string text;
+    for (const std::string& line : lines)
+        text += line;
+    return text;
 }
 
-void Device::changePolicyMap(std::size_t changedClasses) {
-    Qos::PolicyMapStatus& pmap = *pmaps_[size() / 2];
-    const std::uint32_t shift = pmap.version() % 2 * kClasses;
-    for (std::uint32_t term = 0; term != changedClasses; ++term)
-        pmap.classIs(termNames_[size() / 2 * kClasses + term], classWithTc(term + shift));
-    pmap.versionIs(pmap.version() + 1);
+void Device::start() {
+    root_ = QosOc::ClassifierStateSm::ClassifierStateSmIs(status_, aclConfig_, cliConfig_,
+                                                          configDir_, state_);
+}
+
+void Device::watchState() {
+    stateWatcher_.dispatch = [](Orin::Publisher&, Orin::Subscriber&, Orin::AttributeId,
+                                const void*) noexcept {};
+    state_->classifier(classifierName_)->terms()->publisher()->subscriberAdd(stateWatcher_);
+}
+
+void Device::changeClasses(std::size_t classes) {
+    const std::uint32_t shift = pmap_->version() % 2 * kClasses;
+    for (std::uint32_t term = 0; term != classes; ++term)
+        pmap_->classIs(termNames_[term], classWithTc(term + shift));
+}
+
+void Device::raiseVersion() {
+    pmap_->versionIs(pmap_->version() + 1);
+}
+
+void Device::removePolicyMap() {
+    pmapType_->pmapStatusDel(pmap_->pmapName());
+}
+
+void Device::addPolicyMap() {
+    pmapType_->pmapStatusIs(pmap_);
 }
 
 void Device::changeSpareForwardingGroup() {
-    const std::uint32_t tc = *groups_->tc().find(kSpareGroup);
-    groups_->tcIs(kSpareGroup, tc == kSpareTc ? kSpareTc + 1 : kSpareTc);
+    isAlternate_ = !isAlternate_;
+    groups_->tcIs(spareGroup_, isAlternate_ ? kSpareTc + 1 : kSpareTc);
 }
 
 void Device::changeUsedForwardingGroup() {
-    const std::uint32_t used = kClasses - 1;
-    const String group = groupName(used);
-    groups_->tcIs(group, *groups_->tc().find(group) == used ? kSpareTc + 2 : used);
+    isAlternate_ = !isAlternate_;
+    groups_->tcIs(usedGroup_, isAlternate_ ? kSpareTc + 2 : 0);
 }
 
 void Device::publishClassMap() {
-    const String& name = termNames_[termNames_.size() / 2];
-    cmapType_->publishChange(Qos::ClassMapTypeStatus::kCmapStatus.id, &name);
+    cmapType_->publishChange(Qos::ClassMapTypeStatus::kCmapStatus.id, &termNames_.front());
 }
 
 void Device::removeClassMap() {
-    cmapType_->cmapStatusDel(termNames_[termNames_.size() / 2]);
+    cmapType_->cmapStatusDel(termNames_.front());
 }
 
 void Device::addClassMap() {
-    cmapType_->cmapStatusIs(classMap(termNames_[termNames_.size() / 2]));
+    cmapType_->cmapStatusIs(cmap_);
+}
+
+void Device::changeMatch() {
+    isAlternate_ = !isAlternate_;
+    cmap_->matchIs(Qos::ClassMapMatchOption::matchIpAccessGroup, termNames_[isAlternate_ ? 1 : 0]);
 }
 
 void Device::giveRules(std::size_t rules) {
-    const auto replaced = Acl::AclSubConfig::create();
-    lastSequence_ = 0;
-    while (lastSequence_ != rules)
-        ruleIs(*replaced, ++lastSequence_);
-    rules_ = replaced;
-    (*acls_->aclConfig().find(termNames_[termNames_.size() / 2]))->aclSubConfigIs(replaced);
+    lastSequence_ = static_cast<std::uint32_t>(rules);
+    rules_ = rulesFrom(1, rules);
+    acl_->aclSubConfigIs(rules_);
 }
 
 void Device::addRule() {
@@ -131,6 +211,27 @@ void Device::removeRule() {
     rules_->ruleIdBySequenceDel(lastSequence_);
     rules_->ipRuleByIdDel(Ovk::UniqueId{lastSequence_});
     --lastSequence_;
+}
+
+void Device::changeRule() {
+    isAlternate_ = !isAlternate_;
+    const Ovk::UniqueId id{isAlternate_ ? 1 : lastSequence_};
+    rules_->ruleIdBySequenceIs(lastSequence_, id);
+}
+
+void Device::giveTwoLists() {
+    rules_ = rulesFrom(1, kClasses);
+    otherRules_ = rulesFrom(1 + kClasses, kClasses);
+}
+
+void Device::replaceRules() {
+    std::swap(rules_, otherRules_);
+    acl_->aclSubConfigIs(rules_);
+}
+
+void Device::changeConfiguredAction() {
+    isAlternate_ = !isAlternate_;
+    configuredTerms_->termIs(configuredTerm_[isAlternate_ ? 1 : 0]);
 }
 
 }  // namespace QosBench

@@ -1,0 +1,65 @@
+// Times the events of a group; scripts/bench runs it and reads what it prints. Benches are called
+// SIDE/EVENT; their counter `share` says how many things an event concerns.
+//   qos_time GROUP SIZE [--benchmark_OPTION...]
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "bench/Groups.h"
+
+namespace QosBench {
+namespace {
+
+/// Only what `run` takes.
+template <class Subject>
+void timeEvent(benchmark::State& state, Subject& subject, const Event<Subject>& event) {
+    using Clock = std::chrono::steady_clock;
+    event.prepare(subject);
+    for (auto _ : state) {
+        event.before(subject);
+        const auto start = Clock::now();
+        event.run(subject);
+        const std::chrono::duration<double> taken = Clock::now() - start;
+        event.after(subject);
+        state.SetIterationTime(taken.count());
+    }
+    state.counters["share"] = static_cast<double>(event.share(subject));
+}
+
+template <class Subject>
+void registerEvent(const Group<Subject>& group, std::shared_ptr<Subject> subject,
+                   const Event<Subject>& event) {
+    const auto run = [subject = std::move(subject), &event](benchmark::State& state) {
+        timeEvent(state, *subject, event);
+    };
+    const std::string name = std::string(group.side) + "/" + std::string(event.name);
+    auto* const registered = benchmark::RegisterBenchmark(name.c_str(), run)->UseManualTime();
+    if (group.isOnce) registered->Iterations(1);
+}
+
+bool time(std::string_view name, std::size_t size) {
+    return size != 0 && visitGroupsNamed(name, [size]<class S>(const Group<S>& group) {
+               static constexpr Event<S> kEmpty{kNothing, nothing<S>};
+               const std::shared_ptr<S> subject = group.make(size);
+               registerEvent(group, subject, kEmpty);
+               for (const Event<S>& event : group.events)
+                   registerEvent(group, subject, event);
+           });
+}
+
+}  // namespace
+}  // namespace QosBench
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (argc != 3 || !QosBench::time(argv[1], std::strtoul(argv[2], nullptr, 10))) {
+        std::fputs("usage: qos_time GROUP SIZE [--benchmark_OPTION...]\n", stderr);
+        return 2;
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
