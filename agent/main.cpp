@@ -3,9 +3,11 @@
 
 #include "agent/ExitCodes.h"
 #include "agent/Run.h"
+#include "agent/host/StandardStreams.h"
 #include "agent/output/Diagnostics.h"
 
 int main(int argc, char** argv) {
+    QosAgent::holdStandardStreams();
     // A reader that goes away is a failed write, like any other.
     std::signal(SIGPIPE, SIG_IGN);
     try {
