@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace QosAgent {
@@ -24,6 +26,11 @@ File File::toRead(const std::string& name) {
 
 File File::toWrite(const std::string& name) {
     return File(::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666));
+}
+
+bool isSpecialFile(const std::string& name) {
+    std::error_code ignored;
+    return std::filesystem::is_other(std::filesystem::status(name, ignored));
 }
 
 FileText readFile(const std::string& name, std::size_t mostBytes) {

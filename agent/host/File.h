@@ -29,6 +29,10 @@ private:
     int error_;
 };
 
+/// A pipe, a device or a socket: to open or read one may mean to wait for ever.
+bool isSpecialFile(const std::string& name);
+inline constexpr const char* kSpecialFile = "not a regular file";
+
 /// What a file holds, or the `errno` of what went wrong.
 struct FileText {
     std::string text;

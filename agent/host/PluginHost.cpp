@@ -4,12 +4,15 @@
 
 #include <algorithm>
 
+#include "agent/host/LibraryFile.h"
 #include "platform/Qos/DefaultPluginLoader.h"
 
 namespace QosAgent {
 namespace {
 
 using Agent::MounterPlugin::MounterContext;
+
+constexpr const char* kNotLoaded = "cannot be loaded: ";
 
 /// The C library looks for a bare name elsewhere than in the working folder.
 std::string asPath(const std::string& file) {
@@ -40,8 +43,9 @@ PluginHost::~PluginHost() {
 
 std::optional<std::string> PluginHost::load(const std::string& file) {
     const std::string path = asPath(file);
+    if (const std::string fault = libraryFileFault(path); !fault.empty()) return kNotLoaded + fault;
     library_.reset(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
-    if (!library_) return "cannot be loaded: " + loadFault(path);
+    if (!library_) return kNotLoaded + loadFault(path);
     if (Qos::defaultPluginLoader().registry().empty()) return "registers no plug-in";
     Qos::defaultPluginLoader().init(context_.get());
     return {};

@@ -30,6 +30,7 @@ std::variant<Toggles, Fault> togglesIn(const JsonValue& json) {
 std::variant<Toggles, std::string> ToggleFolder::read(std::string_view file) const {
     if (folder_.empty()) return Toggles{};
     const std::string name = folder_ + '/' + std::string(file);
+    if (isSpecialFile(name)) return refusal(name, kSpecialFile);
     const Limits limits;
     const FileText read = readFile(name, limits.lineBytes);
     if (read.error == ENOENT || read.error == ENOTDIR) return Toggles{};
