@@ -173,7 +173,10 @@ int run(const Options& options) {
     const TraceOutput traces(traceFile ? traceFile->fd() : STDERR_FILENO);
     for (const TraceSetting& setting : options.traces)
         Vex::traceLevelsIs(setting.handle, setting.level + 1);
-    return AgentRun(options).run();
+    const int status = AgentRun(options).run();
+    if (!traceFile || traces.fault().empty()) return status;
+    report(refusal(options.traceFile, traces.fault()));
+    return kUnusable;
 }
 
 }  // namespace QosAgent

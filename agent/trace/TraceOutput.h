@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "agent/output/Output.h"
 
 namespace QosAgent {
@@ -9,6 +11,8 @@ class TraceOutput {
 public:
     explicit TraceOutput(int fd);
     ~TraceOutput();
+    /// Why a line could not be written; empty while all could.
+    const std::string& fault() const { return output_.fault(); }
 
 private:
     Output output_;

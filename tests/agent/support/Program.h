@@ -68,6 +68,8 @@ protected:
         const int flags = O_WRONLY | O_CREAT | O_TRUNC;
         posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outFile().c_str(), flags, 0666);
         posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, path("err").c_str(), flags, 0666);
+        for (const int fd : closed_)
+            posix_spawn_file_actions_addclose(&actions, fd);
         pid_t child = 0;
         EXPECT_EQ(::posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ), 0);
         posix_spawn_file_actions_destroy(&actions);
@@ -79,18 +81,21 @@ protected:
         const int code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
         return {code, read("out"), read("err")};
     }
-    void outFileIs(const std::string& name) { outFile_ = name; }
-
-private:
     /// Beside the folder of the tests in the build tree.
     static std::string program() {
         const auto tests = std::filesystem::read_symlink("/proc/self/exe").parent_path();
         return tests.parent_path() / "bin" / "qos-agent";
     }
+    void outFileIs(const std::string& name) { outFile_ = name; }
+    /// The program is started without this standard stream.
+    void closedIs(int fd) { closed_ = {fd}; }
+
+private:
     std::string outFile() const { return outFile_.empty() ? path("out") : outFile_; }
 
     std::filesystem::path folder_;
     std::string outFile_;
+    std::vector<int> closed_;
 };
 
 }  // namespace QosAgent
