@@ -1,7 +1,12 @@
+#include <malloc.h>
+
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <fstream>
+#include <optional>
 
 #include "platform/OvSlab/Tracker.h"
 #include "tests/plugin/PluginTest.h"
@@ -27,10 +32,31 @@ Lines registeredPlugins() {
     return plugins;
 }
 
-bool isMapped() {
+/// The files that are mapped into the process, each as often as it has a mapping.
+Lines mappedFiles() {
     std::ifstream maps("/proc/self/maps");
-    const std::string all{std::istreambuf_iterator<char>(maps), {}};
-    return all.find("libQosOpenConfig.so") != all.npos;
+    Lines files;
+    for (std::string line; std::getline(maps, line);)
+        if (const auto at = line.find('/'); at != line.npos) files.push_back(line.substr(at));
+    return files;
+}
+
+bool isMapped() {
+    const Lines files = mappedFiles();
+    return std::any_of(files.begin(), files.end(), [](const std::string& file) {
+        return file.find("libQosOpenConfig.so") != file.npos;
+    });
+}
+
+std::ptrdiff_t openDescriptors() {
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    return std::distance(begin(descriptors), end(descriptors));
+}
+
+/// What the C library has handed out, to itself as well. Always 0 under the address sanitizer,
+/// which keeps a little of each unload itself.
+std::size_t heapBytes() {
+    return ::mallinfo2().uordblks;
 }
 
 std::size_t trackerCount() {
@@ -144,19 +170,63 @@ TEST_F(PluginLibraryTest, leavesNothingBehindHoweverOftenItIsReloaded) {
         EXPECT_EQ(mounters.size(), 1u);
         EXPECT_EQ(written(), kWritten);
     };
+    constexpr std::size_t kTimes = 1000;
     useOnce();
     const auto counts = TestSupport::liveCounts();
     const std::size_t modules = Vex::modules().size();
     const std::size_t trackers = trackerCount();
+    const Lines files = mappedFiles();
+    const std::ptrdiff_t descriptors = openDescriptors();
     const std::ptrdiff_t blocks = TestSupport::outstandingBlocks();
-    for (int times = 0; times < 100; ++times)
+    const std::size_t bytes = heapBytes();
+    for (std::size_t i = 0; i < kTimes; ++i)
         useOnce();
+    EXPECT_FALSE(isMapped());
+    EXPECT_LT(heapBytes(), bytes + 64 * kTimes) << "no time may keep 64 bytes";
+    EXPECT_EQ(openDescriptors(), descriptors);
+    EXPECT_EQ(mappedFiles(), files);
     EXPECT_EQ(TestSupport::liveCounts(), counts);
     EXPECT_EQ(Vex::modules().size(), modules);
     EXPECT_EQ(trackerCount(), trackers);
     EXPECT_EQ(TestSupport::outstandingBlocks(), blocks);
     EXPECT_THAT(registeredPlugins(), IsEmpty());
+}
+
+TEST_F(PluginLibraryTest, isThereOnceHoweverOftenItIsOpened) {
+    {
+        const PluginLibrary library;
+        const Lines files = mappedFiles();
+        const Lines modules = moduleNames();
+        {
+            const PluginLibrary again;
+            EXPECT_EQ(registeredPlugins().size(), 1u);
+            EXPECT_EQ(loader().initCallers().size(), 1u);
+            EXPECT_EQ(mappedFiles(), files);
+            EXPECT_EQ(moduleNames(), modules);
+        }
+        const Mounters mounters(db.database);
+        EXPECT_EQ(mounters.size(), 1u);
+        EXPECT_EQ(written(), kWritten);
+    }
     EXPECT_FALSE(isMapped());
+}
+
+TEST_F(PluginLibraryTest, leavesGapsThatLaterModulesAreFoundBehind) {
+    static constexpr Vex::Module kLater{"Later", {}};
+    std::optional<Vex::ModuleRegistration> later;
+    {
+        const PluginLibrary library;
+        later.emplace(kLater);
+    }
+    const auto modules = Vex::modules();
+    ASSERT_EQ(modules.back(), &kLater);
+    EXPECT_EQ(std::count(modules.begin(), modules.end(), nullptr), 2);
+    EXPECT_EQ(Vex::typeNamed("QosOc::ClassifierStateSm"), nullptr);
+    EXPECT_EQ(Vex::typeNamed("no type"), nullptr);
+    const PluginLibrary library;
+    const Mounters mounters(db.database);
+    EXPECT_EQ(written(), kWritten);
+    EXPECT_EQ(db.apply(R"({"print":"machines"})"), "");
 }
 
 TEST_F(PluginLibraryTest, leavesNoTraceHandleBehind) {
