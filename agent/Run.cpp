@@ -96,7 +96,7 @@ private:
     }
     std::variant<std::vector<Warning>, Fault> applyDocument(const JsonValue& document,
                                                             Progress& progress) {
-        if (document.find(kOpenConfigMember)) return configuration_.apply(document);
+        if (isOpenConfig(document)) return configuration_.apply(document);
         if (auto fault = checkDocument(database_, document)) return *std::move(fault);
         mergeDocument(database_, document,
                       [&progress](std::size_t offset) { progress.doneIs(offset); });

@@ -20,7 +20,7 @@ std::optional<Fault> Checker::checkNamed(const Form& form, const Keys& keys,
     for (const JsonMember& member : value.members()) {
         const auto* attribute = namedInText(*form.type->record, member.key);
         if (attribute == nullptr)
-            return Fault{member.keyOffset, "unknown member " + excerpt(member.key)};
+            return Fault{member.keyOffset, unknownMember(*form.type->record, member.key)};
         const Form inner = formOf(*attribute);
         // A single entity is kept under no key.
         if (auto fault = check(inner, inner.isEntity() ? Keys{} : keys, member.value)) return fault;

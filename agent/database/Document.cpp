@@ -4,7 +4,6 @@
 
 #include "agent/database/Checker.h"
 #include "agent/database/Scalars.h"
-#include "agent/json/Excerpt.h"
 
 namespace QosAgent {
 
@@ -14,9 +13,7 @@ std::optional<Fault> checkDocument(Database& database, const JsonValue& document
     Checker checker(database.interner());
     for (const JsonMember& member : document.members()) {
         const Subtree* subtree = database.subtreeAt(member.key);
-        if (subtree == nullptr)
-            return Fault{member.keyOffset,
-                         "no subtree is mounted at the path " + excerpt(member.key)};
+        if (subtree == nullptr) return Fault{member.keyOffset, noSubtree(member.key)};
         if (auto fault = checker.check(rootForm(subtree->type), {}, member.value)) return fault;
     }
     return {};

@@ -1,5 +1,10 @@
 #include "agent/database/Form.h"
 
+#include <vector>
+
+#include "agent/json/Excerpt.h"
+#include "agent/json/Suggestion.h"
+
 namespace QosAgent {
 
 Form rootForm(const Vex::Type& type) {
@@ -23,6 +28,14 @@ Form memberForm(const Form& keyed) {
 const Vex::AttributeRecord* namedInText(const Vex::TypeRecord& type, std::string_view name) {
     const Vex::AttributeRecord* attribute = Vex::attributeNamed(type, name);
     return attribute == nullptr || attribute->isHidden ? nullptr : attribute;
+}
+
+std::string unknownMember(const Vex::TypeRecord& type, std::string_view name,
+                          std::string_view where) {
+    std::vector<std::string_view> known;
+    for (const Vex::AttributeRecord& attribute : type.attributes)
+        if (!attribute.isHidden) known.push_back(attribute.name);
+    return "unknown member " + excerpt(name).append(where) + suggestion(name, known);
 }
 
 }  // namespace QosAgent

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "platform/Vex/TypeRecord.h"
@@ -34,6 +35,9 @@ Form memberForm(const Form& keyed);
 
 /// The attribute that text can name so; null if there is none.
 const Vex::AttributeRecord* namedInText(const Vex::TypeRecord& type, std::string_view name);
+/// What is wrong when there is none. `where` follows the name.
+std::string unknownMember(const Vex::TypeRecord& type, std::string_view name,
+                          std::string_view where = {});
 
 /// The keys that the parts of a thing may repeat: its own and that of its collection's holder.
 /// Absent where there are none.

@@ -1,5 +1,10 @@
 #include "agent/database/Mounts.h"
 
+#include <algorithm>
+
+#include "agent/json/Excerpt.h"
+#include "agent/json/Suggestion.h"
+
 namespace QosAgent {
 namespace {
 
@@ -11,10 +16,28 @@ constexpr MountPoint kMountPoints[] = {
     {"qos/openconfig/state/classifiers", "QosOc::State::ClassifiersDir", true},
 };
 
+/// As many parts of the path as the other has.
+std::string_view leadingParts(std::string_view path, std::string_view other) {
+    std::size_t end = path.find('/');
+    for (auto more = std::count(other.begin(), other.end(), '/'); more > 0; --more)
+        if (end != std::string_view::npos) end = path.find('/', end + 1);
+    return path.substr(0, end);
+}
+
 }  // namespace
 
 std::span<const MountPoint> mountPoints() {
     return kMountPoints;
+}
+
+std::string noSubtree(std::string_view path) {
+    const std::string fault = "no subtree is mounted at the path " + excerpt(path);
+    for (const MountPoint& mount : kMountPoints) {
+        const std::string_view known[] = {mount.path};
+        const std::string near = suggestion(leadingParts(path, mount.path), known);
+        if (!near.empty()) return fault + near;
+    }
+    return fault;
 }
 
 }  // namespace QosAgent

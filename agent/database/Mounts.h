@@ -1,6 +1,7 @@
 #pragma once
 
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace QosAgent {
@@ -14,5 +15,7 @@ struct MountPoint {
 
 /// All of them, in the order in which they are shown.
 std::span<const MountPoint> mountPoints();
+/// What is wrong with a path that leads into none of them.
+std::string noSubtree(std::string_view path);
 
 }  // namespace QosAgent

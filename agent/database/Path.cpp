@@ -60,7 +60,8 @@ private:
     }
     std::string enterName(std::string_view part) {
         const auto* attribute = namedInText(*path_.form.type->record, part);
-        if (attribute == nullptr) return "unknown member " + excerpt(part) + " in the path";
+        if (attribute == nullptr)
+            return unknownMember(*path_.form.type->record, part, " in the path");
         lastPart_ = excerpt(part);
         path_.form = formOf(*attribute);
         // A single entity is kept under no key.
@@ -78,7 +79,7 @@ private:
 
 std::variant<Path, std::string> parsePath(Database& database, std::string_view text) {
     const Subtree* subtree = subtreeLeading(database, text);
-    if (subtree == nullptr) return "no subtree is mounted at the path " + excerpt(text);
+    if (subtree == nullptr) return noSubtree(text);
     PathReader reader(*subtree, database.interner());
     std::size_t end = subtree->mount->path.size();
     while (end < text.size()) {

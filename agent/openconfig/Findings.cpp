@@ -9,8 +9,9 @@ void Findings::refuse(std::size_t offset, std::string message) {
     if (!fault_) fault_ = Fault{offset, std::move(message)};
 }
 
-void Findings::passOver(std::size_t offset, const std::string& kind) {
-    if (kinds_.insert(kind).second) warnings_.push_back({offset, "passed over: " + kind});
+void Findings::passOver(std::size_t offset, const std::string& kind, std::string_view hint) {
+    if (!kinds_.insert(kind).second) return;
+    warnings_.push_back({offset, ("passed over: " + kind).append(hint)});
 }
 
 std::vector<Warning> Findings::warnings() const {

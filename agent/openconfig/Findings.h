@@ -24,7 +24,8 @@ class Findings {
 public:
     /// The first fault refuses the document; what comes after it does not count.
     void refuse(std::size_t offset, std::string message);
-    void passOver(std::size_t offset, const std::string& kind);
+    /// `hint` follows the kind in the message of the first.
+    void passOver(std::size_t offset, const std::string& kind, std::string_view hint = {});
 
     const std::optional<Fault>& fault() const { return fault_; }
     /// In ascending order of place.

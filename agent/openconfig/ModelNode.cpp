@@ -4,6 +4,7 @@
 
 #include "agent/database/Scalars.h"
 #include "agent/json/Excerpt.h"
+#include "agent/json/Suggestion.h"
 
 namespace QosAgent {
 namespace {
@@ -33,7 +34,11 @@ void ModelNode::carries(std::initializer_list<std::string_view> names) const {
             findings_.refuse(member.keyOffset, "a second member " + excerpt(name));
         if (std::find(names.begin(), names.end(), name) != names.end()) continue;
         if (holdsNothing(member.value)) continue;
-        findings_.passOver(member.keyOffset, name == kState ? "state containers" : pathOf(name));
+        if (name == kState)
+            findings_.passOver(member.keyOffset, "state containers");
+        else
+            findings_.passOver(member.keyOffset, pathOf(name),
+                               suggestion(name, {names.begin(), names.size()}));
     }
 }
 
@@ -76,7 +81,8 @@ std::optional<JsonValue> ModelNode::listKey(std::string_view name,
     const auto key = text(name);
     if (!key) return {};
     if (!config || !config->member(name)) {
-        findings_.refuse(key->offset(), "no config/" + std::string(name) + " repeats the list key");
+        findings_.refuse(key->offset(), "no member " + excerpt("config/" + std::string(name)) +
+                                            " repeats the list key");
         return {};
     }
     const auto repeated = config->text(name);

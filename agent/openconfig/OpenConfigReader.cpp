@@ -15,6 +15,7 @@ using Orin::String;
 using QosOc::Classifier::Type;
 
 constexpr std::string_view kModule = "openconfig-qos:";
+constexpr std::string_view kTopMember = "openconfig-qos:qos";
 constexpr std::uint64_t kMaxDscp = 63;
 constexpr const char* kOtherTypes = "classifiers of types other than IPV4 and IPV6";
 constexpr const char* kOtherFamily = "conditions of another family than the classifier's";
@@ -44,6 +45,13 @@ Type otherFamily(Type family) {
 
 }  // namespace
 
+bool isOpenConfig(const JsonValue& document) {
+    const auto members = document.members();
+    const bool isMeant =
+        members.begin() != members.end() && (*members.begin()).key.starts_with(kModule);
+    return isMeant || document.find(kTopMember);
+}
+
 std::variant<OpenConfigDocument, Fault> OpenConfigReader::read(const JsonValue& document) {
     readTop(document);
     if (findings_.fault()) return *findings_.fault();
@@ -54,12 +62,12 @@ void OpenConfigReader::readTop(const JsonValue& document) {
     if (!document.is(JsonKind::object))
         findings_.refuse(document.offset(), unexpected("an object", document.kind()));
     for (const JsonMember& member : document.members()) {
-        if (member.key == kOpenConfigMember) {
+        if (member.key == kTopMember) {
             readQos(ModelNode(member.value, findings_));
         } else if (member.key.starts_with(kModule) || member.key.find(':') == std::string::npos) {
             // A top member has its module's prefix, and this module has but one.
             findings_.refuse(member.keyOffset, "unknown member " + excerpt(member.key) +
-                                                   ", expected " + excerpt(kOpenConfigMember));
+                                                   ", expected " + excerpt(kTopMember));
         } else {
             findings_.passOver(member.keyOffset, std::string(member.key));
         }

@@ -10,8 +10,9 @@
 
 namespace QosAgent {
 
-/// The member at the top of an OpenConfig configuration.
-inline constexpr std::string_view kOpenConfigMember = "openconfig-qos:qos";
+/// Whether a document is meant as an OpenConfig configuration: its member at the top tells, even if
+/// it is misspelt.
+bool isOpenConfig(const JsonValue& document);
 
 /// Reads an OpenConfig QoS configuration (RFC 7951), and checks of it all that the agent carries.
 /// What it passes can be applied as a whole. One reader reads one document.

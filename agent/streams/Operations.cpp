@@ -6,6 +6,7 @@
 #include "agent/database/Printer.h"
 #include "agent/database/Scalars.h"
 #include "agent/json/Excerpt.h"
+#include "agent/json/Suggestion.h"
 #include "agent/openconfig/StatePrinter.h"
 #include "agent/output/Machines.h"
 #include "platform/Vex/Escape.h"
@@ -48,6 +49,13 @@ const Verb* verbNamed(std::string_view name) {
     return at == std::end(Verb::all) ? nullptr : at;
 }
 
+std::string unknownOperation(std::string_view name) {
+    std::vector<std::string_view> known{"value"};
+    for (const Verb& verb : Verb::all)
+        known.push_back(verb.name);
+    return "unknown operation " + excerpt(name) + suggestion(name, known);
+}
+
 template <class Names, class NameOf>
 std::string listed(const Names& names, NameOf nameOf) {
     std::string list;
@@ -72,7 +80,7 @@ std::variant<Line, Fault> linePartsOf(const JsonValue& operation) {
         }
         const Verb* verb = verbNamed(member.key);
         if (verb == nullptr)
-            return Fault{member.keyOffset, "unknown operation " + excerpt(member.key)};
+            return Fault{member.keyOffset, unknownOperation(member.key)};
         if (line.verb != nullptr) return Fault{member.keyOffset, "a second operation in one line"};
         line.verb = verb;
         line.operand = member;

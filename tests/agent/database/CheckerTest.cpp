@@ -30,6 +30,11 @@ protected:
 TEST_F(CheckerTest, refusesWhatIsNoMember) {
     expectRefused({R"({@"qos":{}})", R"(no subtree is mounted at the path "qos")"});
     expectRefused({R"({"qos/status":{@"x":{}}})", R"(unknown member "x")"});
+    expectRefused(
+        {R"({@"qos/statsu":{}})",
+         R"(no subtree is mounted at the path "qos/statsu", did you mean "qos/status"?)"});
+    expectRefused({R"({"qos/status":{@"cmapTypestatus":{}}})",
+                   R"(unknown member "cmapTypestatus", did you mean "cmapTypeStatus"?)"});
     expectRefused({R"({"qos/status":{"cmapTypeStatus":{"mapQos":{@"mapType":"mapQos"}}}})",
                    R"(unknown member "mapType")"});
     expectRefused({R"({"acl/config/cli":{"aclTypeConfig":{"ipv4":{"aclConfig":{"a":{"aclSubConfig":

@@ -43,11 +43,19 @@ TEST_F(PathTest, tellsTheKeysThatMayBeRepeated) {
 }
 
 TEST_F(PathTest, refusesUnknownRoots) {
-    for (const std::string path : {"", "qos", "qos/statusX", "/qos/status", "acl/config"})
+    for (const std::string path : {"", "qos", "/qos/status", "acl/config"})
         EXPECT_EQ(faultOf(path), "no subtree is mounted at the path \"" + path + '"');
 }
 
+TEST_F(PathTest, tellsWhichRootWasMeant) {
+    for (const std::string path : {"qos/stauts", "qos/statusX/cmapTypeStatus/mapQos"})
+        EXPECT_EQ(faultOf(path), "no subtree is mounted at the path \"" + path +
+                                     "\", did you mean \"qos/status\"?");
+}
+
 TEST_F(PathTest, refusesUnknownMembers) {
+    EXPECT_EQ(faultOf("qos/status/cmapTypStatus/mapQos"),
+              R"(unknown member "cmapTypStatus" in the path, did you mean "cmapTypeStatus"?)");
     EXPECT_EQ(faultOf("qos/status/x"), R"(unknown member "x" in the path)");
     EXPECT_EQ(faultOf("qos/status/"), R"(unknown member "" in the path)");
     EXPECT_EQ(faultOf("qos/status/cmapTypeStatus/mapQos/mapType"),

@@ -261,6 +261,14 @@ TEST_F(OpenConfigReaderTest, warnsOnceOfClassifiersOfOtherTypesWithAllThatHangsO
     EXPECT_TRUE(read.attachedPairs.empty());
 }
 
+TEST_F(OpenConfigReaderTest, tellsWhichMemberWasMeant) {
+    expectPassedOver(qos(R"(@"classifers":{"classifier":[1]})"),
+                     {R"(classifers, did you mean "classifiers"?)"});
+    expectPassedOver(qos(groups(entry("name", "g", R"(@"cofnig":{"x":1},@"other":{"x":1})"))),
+                     {R"(forwarding-groups/forwarding-group/cofnig, did you mean "config"?)",
+                      "forwarding-groups/forwarding-group/other"});
+}
+
 TEST_F(OpenConfigReaderTest, passesOverTheDataOfOtherModules) {
     expectPassedOver(R"({@"openconfig-interfaces:interfaces":{"interface":[1]},)"
                      R"("openconfig-qos:qos":{@"ietf-x:y":1}})",
@@ -306,15 +314,16 @@ TEST_F(OpenConfigReaderTest, refusesAMissingListKey) {
 }
 
 TEST_F(OpenConfigReaderTest, refusesAListKeyThatItsConfigDoesNotRepeat) {
-    expectRefused(qos(groups(R"({"name":@"g"})")), "no config/name repeats the list key");
+    expectRefused(qos(groups(R"({"name":@"g"})")),
+                  R"(no member "config/name" repeats the list key)");
     expectRefused(qos(classifiers(R"({"name":@"C","config":{}})")),
-                  "no config/name repeats the list key");
+                  R"(no member "config/name" repeats the list key)");
     expectRefused(qos(classifiers(classifier("C", "IPV4", R"({"id":@"T","config":{}})"))),
-                  "no config/id repeats the list key");
+                  R"(no member "config/id" repeats the list key)");
     expectRefused(qos(interfaces(R"({"interface-id":@"1"})")),
-                  "no config/interface-id repeats the list key");
+                  R"(no member "config/interface-id" repeats the list key)");
     expectRefused(qos(interfaces(interface("1", R"({"type":@"IPV4"})"))),
-                  "no config/type repeats the list key");
+                  R"(no member "config/type" repeats the list key)");
 }
 
 TEST_F(OpenConfigReaderTest, refusesAConfigThatDiffersFromTheListKey) {

@@ -35,7 +35,8 @@ TEST_F(OperationsTest, refusesWhatIsNoOperation) {
     expectRefused("  @{}",
                   "no operation, expected one of update, replace, delete, touch, openconfig, "
                   "print, echo, restart");
-    expectRefused(R"({@"updat":"qos/status"})", R"(unknown operation "updat")");
+    expectRefused(R"({@"updat":"qos/status"})",
+                  R"(unknown operation "updat", did you mean "update"?)");
     expectRefused(R"({"update":"qos/status","value":{},@"x":1})", R"(unknown operation "x")");
     expectRefused(R"({"delete":"qos/status",@"touch":"qos/status"})",
                   "a second operation in one line");
