@@ -8,6 +8,8 @@
 
 #include "agent/ExitCodes.h"
 #include "agent/host/InstalledFiles.h"
+#include "agent/json/Excerpt.h"
+#include "agent/json/Suggestion.h"
 #include "agent/output/Diagnostics.h"
 
 #ifndef QOS_AGENT_VERSION
@@ -18,6 +20,27 @@ namespace QosAgent {
 namespace {
 
 constexpr const char* kProgram = "qos-agent";
+constexpr const char* kVersion = "qos-agent " QOS_AGENT_VERSION;
+
+/// The library puts it behind the options.
+constexpr const char* kHelpEnd =
+    R"(Ctrl-C, or SIGTERM, ends the input: what is to be printed at the end is printed.
+A second one ends the program at once.
+
+Exit status:
+  0  all input was applied
+  1  some line of a change stream was refused, under --keep-going
+  2  the command line, a document, a stream or the plug-in could not be used
+
+Examples:
+  Show the state that the plug-in derives from an OpenConfig configuration:
+    qos-agent --output table configuration.json
+  Apply changes to it, and see each change of the state as it happens:
+    qos-agent --follow --output none configuration.json changes.jsonl
+  Follow another program's changes, whatever lines it gets wrong:
+    device-changes | qos-agent --follow --keep-going --output none -
+  Find out why: trace the plug-in, and show what it is working on:
+    qos-agent --trace '*/8' --machines --output none configuration.json)";
 
 const std::map<std::string, OutputFormat> kFormats{
     {"table", OutputFormat::table},
@@ -42,7 +65,7 @@ bool isStream(const std::string& input) {
 
 std::string inputFault(const std::string& input) {
     if (isStream(input) || input.ends_with(".json")) return {};
-    return "an input ends in .json or .jsonl, or is -, found " + input;
+    return "an input ends in .json or .jsonl, or is -, found " + excerpt(input);
 }
 
 std::optional<TraceSetting> traceFrom(const std::string& text) {
@@ -54,12 +77,14 @@ std::optional<TraceSetting> traceFrom(const std::string& text) {
 }
 
 std::string traceFault(const std::string& text) {
-    return traceFrom(text) ? "" : "expected HANDLE/LEVEL with a level from 0 to 9, found " + text;
+    return traceFrom(text)
+               ? ""
+               : "expected HANDLE/LEVEL with a level from 0 to 9, found " + excerpt(text);
 }
 
 std::string formatFault(const std::string& text) {
-    return kFormats.contains(text) ? ""
-                                   : "expected table, openconfig, entities or none, found " + text;
+    if (kFormats.contains(text)) return {};
+    return "expected table, openconfig, entities or none, found " + excerpt(text);
 }
 
 CLI::Validator check(std::string (*fault)(const std::string&)) {
@@ -67,26 +92,34 @@ CLI::Validator check(std::string (*fault)(const std::string&)) {
 }
 
 void describe(CLI::App& app, Given& given, Options& options) {
-    app.set_version_flag("--version", QOS_AGENT_VERSION);
+    app.set_help_flag("-h,--help", "Print this help and exit");
+    app.set_version_flag("--version", kVersion, "Print the version and exit");
+    app.footer(kHelpEnd);
+    app.get_formatter()->column_width(25);
     app.add_option("INPUT", given.inputs,
-                   "A document (.json), or a change stream (.jsonl, - for standard input)")
+                   "A document (.json) or a change stream (.jsonl, or - for\n"
+                   "standard input); several are taken in order")
+        ->type_name("")
         ->check(check(inputFault));
     app.add_option("--plugin", given.plugin, "The plug-in's shared library")->type_name("FILE");
     app.add_option("--toggle-dir", given.toggleFolder, "The folder that holds QosOpenConfig.json")
         ->type_name("DIR");
     app.add_option("--output", given.format,
-                   "What to print at the end: table, openconfig, entities or none")
+                   "What to print at the end: table (the default on\n"
+                   "a terminal), openconfig (otherwise), entities or none")
         ->type_name("FORMAT")
         ->check(check(formatFault));
     app.add_flag("--follow", options.follows, "Print each published change of the state tree");
     app.add_flag("--machines", options.showsMachines, "Print the live machine tree at the end");
     app.add_option("--trace", given.traces,
-                   "Enable trace levels 0 to LEVEL of a handle; * names all; may be given again")
+                   "Trace a handle (* is all) up to level 0 to 9;\n"
+                   "may be given again")
         ->type_name("HANDLE/LEVEL")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->allow_extra_args(false)  // what follows its value is an input
         ->check(check(traceFault));
-    app.add_option("--trace-file", given.traceFile, "Where trace lines go")->type_name("FILE");
+    app.add_option("--trace-file", given.traceFile,
+                   "Where trace lines go, if not to standard error")
+        ->type_name("FILE");
     app.add_flag("--keep-going", options.keepsGoing,
                  "Report a bad change-stream line and go on with the next");
 }
@@ -107,6 +140,34 @@ void complete(Options& options, const Given& given) {
     options.traceFile = given.traceFile;
 }
 
+std::string unknownOption(const CLI::App& app, const std::string& given) {
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options())
+        for (const std::string& name : option->get_lnames())
+            names.push_back("--" + name);
+    const std::string name = given.substr(0, given.find('='));
+    return "unknown option " + excerpt(name) +
+           suggestion(name, std::vector<std::string_view>(names.begin(), names.end()));
+}
+
+/// Of an option that has too few values, or too many.
+std::string wrongCount(const CLI::App& app, const std::string& name) {
+    const CLI::Option* option = app.get_option(name);
+    if (option->results().size() > 1) return excerpt(name) + " is given more than once";
+    return excerpt(name) + " needs a " + option->get_type_name();
+}
+
+/// The library begins its accounts with the option's name.
+std::string wordsFor(const CLI::ParseError& refused, const CLI::App& app) {
+    const std::string account = refused.what();
+    const std::string remaining = app.remaining().empty() ? "" : app.remaining().front();
+    if (dynamic_cast<const CLI::ExtrasError*>(&refused) != nullptr)
+        return unknownOption(app, remaining);
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&refused) != nullptr)
+        return wrongCount(app, account.substr(0, account.find(": ")));
+    return account;
+}
+
 }  // namespace
 
 std::variant<Options, ExitStatus> parseOptions(int argc, const char* const* argv) {
@@ -119,7 +180,7 @@ std::variant<Options, ExitStatus> parseOptions(int argc, const char* const* argv
         app.parse(argc, argv);
     } catch (const CLI::ParseError& answer) {
         if (answer.get_exit_code() == 0) return ExitStatus{app.exit(answer)};
-        report(refusal(kProgram, answer.what()));
+        report(refusal(kProgram, wordsFor(answer, app)));
         return ExitStatus{kUnusable};
     }
     complete(options, given);

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "agent/options/Options.h"
 
 namespace QosAgent {
@@ -39,6 +41,12 @@ TEST(OptionsTest, readsAllOptions) {
     EXPECT_EQ(given.documents, std::vector<std::string>{"a.json"});
 }
 
+TEST(OptionsTest, takesOneValueForEachTrace) {
+    const Options given = options({"--trace", "A/0", "a.json", "--trace", "B/1", "b.json"});
+    EXPECT_EQ(given.traces, (std::vector<TraceSetting>{{"A", 0}, {"B", 1}}));
+    EXPECT_EQ(given.documents, (std::vector<std::string>{"a.json", "b.json"}));
+}
+
 TEST(OptionsTest, asksForNothingByDefault) {
     const Options given = options({});
     EXPECT_TRUE(given.pluginFile.ends_with("/libQosOpenConfig.so"));
@@ -64,6 +72,36 @@ TEST(OptionsTest, refusesABadCommandLineInOneLine) {
         EXPECT_EQ(line.find('\n'), line.size() - 1) << line;
         EXPECT_TRUE(line.starts_with("qos-agent: ")) << line;
     }
+}
+
+TEST(OptionsTest, saysWhatIsWrongAndWhatWasMeant) {
+    const std::vector<std::pair<std::vector<const char*>, std::string>> bad{
+        {{"--folow"}, R"(unknown option "--folow", did you mean "--follow"?)"},
+        {{"--trace_file=x"}, R"(unknown option "--trace_file", did you mean "--trace-file"?)"},
+        {{"--what"}, R"(unknown option "--what")"},
+        {{"-f"}, R"(unknown option "-f")"},
+        {{"--plugin"}, R"("--plugin" needs a FILE)"},
+        {{"--output", "none", "--output", "none"}, R"("--output" is given more than once)"},
+        {{"--output", "xml"},
+         R"(--output: expected table, openconfig, entities or none, found "xml")"},
+        {{"--trace", "A"}, R"(--trace: expected HANDLE/LEVEL with a level from 0 to 9, found "A")"},
+        {{"a.txt"}, R"(INPUT: an input ends in .json or .jsonl, or is -, found "a.txt")"},
+    };
+    for (const auto& [arguments, words] : bad) {
+        CaptureStderr();
+        parsed(arguments);
+        EXPECT_EQ(GetCapturedStderr(), "qos-agent: " + words + '\n');
+    }
+}
+
+TEST(OptionsTest, helpsInLinesThatATerminalHolds) {
+    CaptureStdout();
+    parsed({"--help"});
+    std::istringstream help(GetCapturedStdout());
+    std::size_t count = 0;
+    for (std::string line; std::getline(help, line); ++count)
+        EXPECT_LE(line.size(), 80u) << line;
+    EXPECT_GT(count, 20u);
 }
 
 TEST(OptionsTest, answersHelpAndVersionOnStandardOutput) {
