@@ -19,6 +19,7 @@
 #include "agent/output/Machines.h"
 #include "agent/output/Progress.h"
 #include "agent/output/Table.h"
+#include "agent/output/Terminal.h"
 #include "agent/streams/LineReader.h"
 #include "agent/streams/Operations.h"
 #include "agent/trace/TraceOutput.h"
@@ -28,8 +29,8 @@
 namespace QosAgent {
 namespace {
 
-/// The line that tells why the program cannot go on.
-using Refusal = std::optional<std::string>;
+/// Why the program cannot go on.
+using Refusal = std::optional<Diagnostic>;
 
 constexpr const char* kToggleFile = "QosOpenConfig.json";
 
@@ -60,7 +61,7 @@ private:
     Refusal start() {
         const ToggleFolder toggles(options_.toggleFolder);
         const auto read = toggles.read(kToggleFile);
-        if (const auto* refused = std::get_if<std::string>(&read)) return *refused;
+        if (const auto* refused = std::get_if<Diagnostic>(&read)) return *refused;
         ::Agent::toggleReaderIs([toggles](auto toggle, auto file, bool fallback) {
             return toggles.state(toggle, file, fallback);
         });
@@ -73,12 +74,15 @@ private:
     }
     Refusal loadDocument(const std::string& name) {
         const Limits limits;
+        std::optional<Progress> progress(name);
         const FileText read = readFile(name, limits.documentBytes);
         if (read.error != 0) return refusal(name, std::strerror(read.error));
-        Progress progress(name, read.text.size());
         const JsonResult json = parseJson(read.text, limits);
         if (const auto* fault = std::get_if<Fault>(&json)) return refusal(name, read.text, *fault);
-        const auto applied = applyDocument(std::get<Json>(json).root(), progress);
+        const auto applied = applyDocument(std::get<Json>(json).root(), [&](std::size_t offset) {
+            progress->doneIs(offset, read.text.size());
+        });
+        progress.reset();
         if (const auto* fault = std::get_if<Fault>(&applied))
             return refusal(name, read.text, *fault);
         reportWarnings(name, read.text, std::get<std::vector<Warning>>(applied));
@@ -88,18 +92,17 @@ private:
                                const std::vector<Warning>& warnings) {
         TextPlace place = kTextBegin;
         std::size_t passed = 0;
-        for (const Warning& warning : warnings) {
-            place = placeAfter(place, text.substr(passed, warning.offset - passed));
-            passed = warning.offset;
-            report(warningLine(name, place, warning.message));
+        for (const auto& [offset, message] : warnings) {
+            place = placeAfter(place, text.substr(passed, offset - passed));
+            passed = offset;
+            report(warning(name, place, message));
         }
     }
     std::variant<std::vector<Warning>, Fault> applyDocument(const JsonValue& document,
-                                                            Progress& progress) {
+                                                            const Editor::Progress& progress) {
         if (isOpenConfig(document)) return configuration_.apply(document);
         if (auto fault = checkDocument(database_, document)) return *std::move(fault);
-        mergeDocument(database_, document,
-                      [&progress](std::size_t offset) { progress.doneIs(offset); });
+        mergeDocument(database_, document, progress);
         return {};
     }
     /// False when the program cannot go on.
@@ -110,8 +113,8 @@ private:
         Operations operations(database_, configuration_, host_, out_);
         while (out_.fault().empty() && lines.next()) {
             const auto fault = operations.apply(lines.line());
-            for (const Warning& warning : operations.takeWarnings())
-                report(warningLine(name, {lines.number(), warning.offset + 1}, warning.message));
+            for (const Warning& passed : operations.takeWarnings())
+                report(warning(name, {lines.number(), passed.offset + 1}, passed.message));
             if (!fault) continue;
             report(refusal(name, TextPlace{lines.number(), fault->offset + 1}, fault->message));
             if (!options_.keepsGoing) return false;
@@ -142,7 +145,7 @@ private:
         else if (options_.output == OutputFormat::openconfig)
             writeOpenConfigState(writer, *state);
         else
-            text = stateTable(*state);
+            text = stateTable(*state, terminalOn(STDOUT_FILENO));
     }
     int endStatus() const {
         if (!out_.fault().empty()) {

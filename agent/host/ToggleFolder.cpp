@@ -6,7 +6,6 @@
 #include "agent/database/Scalars.h"
 #include "agent/host/File.h"
 #include "agent/json/Excerpt.h"
-#include "agent/output/Diagnostics.h"
 
 namespace QosAgent {
 namespace {
@@ -27,7 +26,7 @@ std::variant<Toggles, Fault> togglesIn(const JsonValue& json) {
 
 }  // namespace
 
-std::variant<Toggles, std::string> ToggleFolder::read(std::string_view file) const {
+std::variant<Toggles, Diagnostic> ToggleFolder::read(std::string_view file) const {
     if (folder_.empty()) return Toggles{};
     const std::string name = folder_ + '/' + std::string(file);
     if (isSpecialFile(name)) return refusal(name, kSpecialFile);

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <variant>
 
+#include "agent/output/Diagnostics.h"
+
 namespace QosAgent {
 
 /// The folder in which toggle files lie, each an object from toggle names to true or false.
@@ -17,7 +19,7 @@ public:
     explicit ToggleFolder(std::string folder) : folder_(std::move(folder)) {}
 
     /// What a file says, none if it is missing; or why it is refused.
-    std::variant<Toggles, std::string> read(std::string_view file) const;
+    std::variant<Toggles, Diagnostic> read(std::string_view file) const;
     /// The state of one toggle; `fallback` where the file says nothing of it, or is refused.
     bool state(std::string_view toggle, std::string_view file, bool fallback) const;
 

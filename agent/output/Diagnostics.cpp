@@ -3,38 +3,61 @@
 #include <unistd.h>
 
 #include "agent/output/Output.h"
+#include "agent/output/Terminal.h"
 
 namespace QosAgent {
 namespace {
 
-std::string oneLine(std::string_view text) {
-    std::string line(text);
-    for (char& c : line)
-        if (static_cast<unsigned char>(c) < 0x20) c = '?';
-    return line;
+using Kind = Diagnostic::Kind;
+
+constexpr std::string_view kBold = "\033[1m";
+constexpr std::string_view kBoldRed = "\033[1;31m";
+constexpr std::string_view kBoldMagenta = "\033[1;35m";
+constexpr std::string_view kPlain = "\033[0m";
+
+std::string painted(std::string_view colour, const std::string& text, bool hasColour) {
+    return hasColour ? std::string(colour).append(text).append(kPlain) : text;
+}
+
+std::string placeIn(std::string_view file, const TextPlace& place) {
+    return std::string(file) + ':' + std::to_string(place.line) + ':' +
+           std::to_string(place.column);
 }
 
 }  // namespace
 
-std::string refusal(std::string_view file, std::string_view message) {
-    return oneLine(file) + ": " + oneLine(message);
+std::string Diagnostic::line(bool hasColour) const {
+    const bool isWarning = kind == Kind::warning;
+    std::string line = painted(isWarning ? kBold : kBoldRed, oneLine(place) + ':', hasColour) + ' ';
+    if (isWarning) line += painted(kBoldMagenta, "warning:", hasColour) + ' ';
+    return line + oneLine(message);
 }
 
-std::string refusal(std::string_view file, const TextPlace& place, std::string_view message) {
-    return oneLine(file) + ':' + std::to_string(place.line) + ':' + std::to_string(place.column) +
-           ": " + oneLine(message);
+Diagnostic refusal(std::string_view file, std::string_view message) {
+    return {Kind::refusal, std::string(file), std::string(message)};
 }
 
-std::string refusal(std::string_view file, std::string_view text, const Fault& fault) {
+Diagnostic refusal(std::string_view file, const TextPlace& place, std::string_view message) {
+    return refusal(placeIn(file, place), message);
+}
+
+Diagnostic refusal(std::string_view file, std::string_view text, const Fault& fault) {
     return refusal(file, placeOf(text, fault.offset), fault.message);
 }
 
-std::string warningLine(std::string_view file, const TextPlace& place, std::string_view message) {
-    return refusal(file, place, "warning: " + std::string(message));
+Diagnostic warning(std::string_view file, const TextPlace& place, std::string_view message) {
+    return {Kind::warning, placeIn(file, place), std::string(message)};
 }
 
-void report(std::string_view line) {
-    Output(STDERR_FILENO).line(line);
+std::string oneLine(std::string_view text) {
+    std::string line(text);
+    for (char& c : line)
+        if (static_cast<unsigned char>(c) < 0x20 || c == '\x7f') c = '?';
+    return line;
+}
+
+void report(const Diagnostic& diagnostic) {
+    Output(STDERR_FILENO).line(diagnostic.line(terminalOn(STDERR_FILENO).hasColour));
 }
 
 }  // namespace QosAgent

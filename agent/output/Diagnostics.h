@@ -6,20 +6,32 @@
 #include "agent/json/JsonReader.h"
 #include "agent/json/TextPlace.h"
 
-/// The lines for standard error. `file` is as it was named on the command line.
+/// What is said on standard error. `file` is as it was named on the command line.
 namespace QosAgent {
 
-/// `FILE: MESSAGE`, on one line whatever they hold.
-std::string refusal(std::string_view file, std::string_view message);
-/// `FILE:LINE:COLUMN: MESSAGE`.
-std::string refusal(std::string_view file, const TextPlace& place, std::string_view message);
+/// One line on standard error: why something was refused, or what was passed over.
+struct Diagnostic {
+    enum class Kind { refusal, warning };
+
+    Kind kind;
+    std::string place;  ///< `FILE`, or `FILE:LINE:COLUMN`
+    std::string message;
+
+    /// `PLACE: MESSAGE` or `PLACE: warning: MESSAGE`, on one line whatever they hold. Colour is for
+    /// what stands before the message.
+    std::string line(bool hasColour = false) const;
+};
+
+Diagnostic refusal(std::string_view file, std::string_view message);
+Diagnostic refusal(std::string_view file, const TextPlace& place, std::string_view message);
 /// The same for a fault in a text.
-std::string refusal(std::string_view file, std::string_view text, const Fault& fault);
+Diagnostic refusal(std::string_view file, std::string_view text, const Fault& fault);
+Diagnostic warning(std::string_view file, const TextPlace& place, std::string_view message);
 
-/// `FILE:LINE:COLUMN: warning: MESSAGE`.
-std::string warningLine(std::string_view file, const TextPlace& place, std::string_view message);
+/// The text with `?` for each control character, so that it stays on its line.
+std::string oneLine(std::string_view text);
 
-/// Writes one line to standard error.
-void report(std::string_view line);
+/// Writes the line to standard error, in colour if that is a terminal that has it.
+void report(const Diagnostic& diagnostic);
 
 }  // namespace QosAgent

@@ -5,13 +5,22 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <utility>
+
+#include "agent/output/Diagnostics.h"
+#include "agent/output/Terminal.h"
 
 namespace QosAgent {
+namespace {
 
-Progress::Progress(std::string what, std::size_t total)
-    : what_(std::move(what)), total_(std::max<std::size_t>(total, 1)) {
-    if (::isatty(STDERR_FILENO) != 0) drawer_ = std::thread([this] { draw(); });
+constexpr const char* kRedraw = "\r";
+constexpr const char* kClearRest = "\033[K";
+
+}  // namespace
+
+Progress::Progress(std::string_view what) : what_(oneLine(what)) {
+    const Terminal terminal = terminalOn(STDERR_FILENO);
+    columns_ = terminal.columns;
+    if (terminal.canRedraw) drawer_ = std::thread([this] { draw(); });
 }
 
 Progress::~Progress() {
@@ -30,10 +39,19 @@ void Progress::draw() {
     std::unique_lock lock(mutex_);
     if (ended_.wait_for(lock, 1s, isEnded)) return;
     do {
-        const std::size_t percent = done_.load(std::memory_order_relaxed) * 100 / total_;
-        std::fprintf(stderr, "\r%s: loading, %zu %%\033[K", what_.c_str(), percent);
+        std::fprintf(stderr, "%s%s%s", kRedraw, line().c_str(), kClearRest);
     } while (!ended_.wait_for(lock, 200ms, isEnded));
-    std::fputs("\r\033[K", stderr);
+    std::fprintf(stderr, "%s%s", kRedraw, kClearRest);
+}
+
+std::string Progress::line() const {
+    std::string doing = ": loading";
+    const std::size_t total = total_.load(std::memory_order_relaxed);
+    if (total != 0)
+        doing += ", " + std::to_string(done_.load(std::memory_order_relaxed) * 100 / total) + " %";
+    // A line that goes on in the next one could not be drawn over. A path's end tells most.
+    const std::size_t room = columns_ - std::min(columns_, doing.size() + 1);
+    return what_.substr(what_.size() - std::min(what_.size(), room)) + doing;
 }
 
 }  // namespace QosAgent

@@ -22,8 +22,8 @@ protected:
     std::string refusalOf(const std::string& text) {
         write(text);
         const auto read = ToggleFolder(folder).read(kFile);
-        const auto* refused = std::get_if<std::string>(&read);
-        return refused == nullptr ? "" : refused->substr((folder / kFile).string().size());
+        const auto* refused = std::get_if<Diagnostic>(&read);
+        return refused == nullptr ? "" : refused->line().substr((folder / kFile).string().size());
     }
 
     std::filesystem::path folder;
@@ -56,8 +56,8 @@ TEST_F(ToggleFolderTest, refusesMalformedFilesWithTheirPlace) {
 TEST_F(ToggleFolderTest, refusesWhatCannotBeRead) {
     std::filesystem::create_directory(folder / kFile);
     const auto read = ToggleFolder(folder).read(kFile);
-    ASSERT_TRUE(std::holds_alternative<std::string>(read));
-    EXPECT_EQ(std::get<std::string>(read), (folder / kFile).string() + ": Is a directory");
+    ASSERT_TRUE(std::holds_alternative<Diagnostic>(read));
+    EXPECT_EQ(std::get<Diagnostic>(read).line(), (folder / kFile).string() + ": Is a directory");
 }
 
 }  // namespace

@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/stat.h>
 
 #include <chrono>
 #include <regex>
@@ -21,6 +23,15 @@ protected:
         EXPECT_EQ(run(arguments), (Ended{2, "", line + '\n'}));
     }
     std::string document() { return file("d.json", kDocument); }
+    /// What comes up to a line's end, within ten seconds.
+    static std::string readLine(int fd) {
+        std::string line;
+        pollfd waited{fd, POLLIN, 0};
+        char byte = 0;
+        while (!line.ends_with('\n') && ::poll(&waited, 1, 10'000) > 0)
+            if (::read(fd, &byte, 1) == 1) line += byte;
+        return line;
+    }
 };
 
 TEST_F(RunTest, printsTheStateOfADocument) {
@@ -71,6 +82,29 @@ TEST_F(RunTest, followsChangesFromTheStartOn) {
                   "voice/state\",\"value\":{\"name\":\"voice\",\"type\":\"IPV6\"}}\n"
                   "{\"delete\":\"" +
                   kState + "voice\"}\n");
+}
+
+TEST_F(RunTest, tellsOfAChangeBeforeItReadsTheNext) {
+    int in[2];
+    ASSERT_EQ(::pipe2(in, O_CLOEXEC), 0);
+    ASSERT_EQ(::mkfifo(path("out").c_str(), 0600), 0);
+    const int out = ::open(path("out").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const pid_t child = start({"--output", "none", "--follow", "-"}, in[0]);
+    for (const std::string name : {"a", "b", "c"}) {
+        const std::string change =
+            "{\"update\":\"" + kCmaps + name + R"(/match/matchIpv6AccessGroup","value":""})" + '\n';
+        EXPECT_EQ(::write(in[1], change.data(), change.size()),
+                  static_cast<ssize_t>(change.size()));
+        EXPECT_EQ(readLine(out), "{\"update\":\"" + kState + name +
+                                     "/state\",\"value\":{\"name\":\"" + name +
+                                     "\",\"type\":\"IPV6\"}}\n");
+    }
+    ::close(in[1]);
+    ::close(in[0]);
+    int status = -1;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    ::close(out);
 }
 
 TEST_F(RunTest, takesStateLeftBehindForNoChange) {
@@ -143,6 +177,12 @@ TEST_F(RunTest, refusesDocumentsWithTheirPlace) {
     const std::string broken = file("broken.json", "{");
     expectRefused({broken}, broken + ":1:2: expected a key or '}', found the end of the text");
     expectRefused({path("none.json")}, path("none.json") + ": No such file or directory");
+}
+
+TEST_F(RunTest, refusesAConfigurationWhoseTopMemberIsMisspelt) {
+    const std::string bad = file("bad.json", R"({"openconfig-qos:qso":{}})");
+    expectRefused(
+        {bad}, bad + R"(:1:2: unknown member "openconfig-qos:qso", expected "openconfig-qos:qos")");
 }
 
 TEST_F(RunTest, stopsAtTheFirstBadLine) {

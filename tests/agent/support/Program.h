@@ -67,7 +67,7 @@ protected:
         posix_spawn_file_actions_adddup2(&actions, in, STDIN_FILENO);
         const int flags = O_WRONLY | O_CREAT | O_TRUNC;
         posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outFile().c_str(), flags, 0666);
-        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, path("err").c_str(), flags, 0666);
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errFile().c_str(), flags, 0666);
         for (const int fd : closed_)
             posix_spawn_file_actions_addclose(&actions, fd);
         pid_t child = 0;
@@ -87,15 +87,18 @@ protected:
         return tests.parent_path() / "bin" / "qos-agent";
     }
     void outFileIs(const std::string& name) { outFile_ = name; }
+    void errFileIs(const std::string& name) { errFile_ = name; }
     /// The program is started without this standard stream.
     void closedIs(int fd) { closed_ = {fd}; }
 
 private:
     std::string outFile() const { return outFile_.empty() ? path("out") : outFile_; }
+    std::string errFile() const { return errFile_.empty() ? path("err") : errFile_; }
 
     std::filesystem::path folder_;
     std::string outFile_;
     std::vector<int> closed_;
+    std::string errFile_;
 };
 
 }  // namespace QosAgent
