@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "platform/QosOc/Naming.h"
+
 namespace QosBench {
 namespace {
 
@@ -72,18 +74,20 @@ Device::Device(std::size_t classifiers, std::size_t termsEach)
     status_->cmapTypeStatusIs(cmapType_);
     aclConfig_->aclTypeConfigIs(acls_);
     for (std::size_t index = 0; index != classifiers; ++index)
-        addClassifier(index, index == classifiers / 2 ? kClasses : termsEach);
+        if (index == classifiers / 2)
+            workOn(addClassifier(index, kClasses));
+        else
+            addClassifier(index, termsEach);
     addConfiguredClassifier();
 }
 
-void Device::addClassifier(std::size_t index, std::size_t terms) {
+Orin::Ptr<Qos::PolicyMapStatus> Device::addClassifier(std::size_t index, std::size_t terms) {
     const String name = numbered("classifier-", index);
-    const auto pmap = Qos::PolicyMapStatus::create(String("openconfig:" + std::string(name) + ":"));
-    std::vector<String> names;
+    auto pmap = Qos::PolicyMapStatus::create(String("openconfig:" + std::string(name) + ":"));
     for (std::uint32_t term = 0; term != terms; ++term) {
-        names.push_back(termName(name, term));
-        pmap->classIs(names.back(), classWithTc(term));
-        addTerm(names.back());
+        const String objName = termName(name, term);
+        pmap->classIs(objName, classWithTc(term));
+        addTerm(objName);
     }
     pmap->versionIs(1);
     pmapType_->pmapStatusIs(pmap);
@@ -91,13 +95,17 @@ void Device::addClassifier(std::size_t index, std::size_t terms) {
     configured->configIs({name, QosOc::Classifier::Type::IPV4});
     configured->termsIs(QosOc::Config::Terms::create());
     configDir_->classifierIs(configured);
-    if (terms != kClasses) return;
-    classifierName_ = name;
+    return pmap;
+}
+
+void Device::workOn(const Orin::Ptr<Qos::PolicyMapStatus>& pmap) {
     pmap_ = pmap;
-    cmap_ = *cmapType_->cmapStatus().find(names.front());
-    acl_ = *acls_->aclConfig().find(names.front());
+    for (const auto& member : pmap->classes())
+        termNames_.push_back(member.key);
+    classifierName_ = QosOc::classifierKeyFromConfigObjName(termNames_.front()).classifierName;
+    cmap_ = *cmapType_->cmapStatus().find(termNames_.front());
+    acl_ = *acls_->aclConfig().find(termNames_.front());
     rules_ = acl_->aclSubConfig();
-    termNames_ = std::move(names);
 }
 
 void Device::addTerm(const String& name) {
@@ -139,6 +147,19 @@ std::string Device::stateText() const {
     for (const std::string& line : lines)
         text += line;
     return text;
+}
+
+void Device::writeState() {
+    for (const auto& member : acls_->aclConfig()) {
+        const QosOc::ClassifierKey& key = QosOc::classifierKeyFromConfigObjName(member.key);
+        Orin::Vector<std::uint8_t> dscps{1};
+        QosOc::addClassifierTermCondition(state_, key.classifierName, QosOc::Classifier::Type::IPV4,
+                                          key.termId, dscps);
+        QosOc::addClassifierTermAction(state_, key.classifierName, QosOc::Classifier::Type::IPV4,
+                                       key.termId, usedGroup_);
+    }
+    for (const auto& member : pmapType_->pmapStatus())
+        QosOc::classifiersFromPmapName(member.key);
 }
 
 void Device::start() {

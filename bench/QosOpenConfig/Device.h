@@ -29,6 +29,8 @@ public:
     /// each.
     std::string stateText() const;
 
+    /// Writes what the machines will write, so that they find it there.
+    void writeState();
     /// The root machine with all below it; finds there what was published before.
     void start();
     /// Destroys the machines; what they published stays.
@@ -71,7 +73,8 @@ public:
     void changeConfiguredAction();
 
 private:
-    void addClassifier(std::size_t index, std::size_t terms);
+    Orin::Ptr<Qos::PolicyMapStatus> addClassifier(std::size_t index, std::size_t terms);
+    void workOn(const Orin::Ptr<Qos::PolicyMapStatus>& pmap);
     void addTerm(const Orin::String& name);
     void addConfiguredClassifier();
     Orin::Ptr<Qos::ClassMapStatus> classMap(const Orin::String& name) const;

@@ -5,14 +5,14 @@
 #include <cstdlib>
 #include <new>
 
-#include "platform/OvSlab/Slab.h"
+#include "platform/OvSlab/Tracker.h"
 
 namespace {
 
-constinit QosBench::Allocations made;
+constinit std::size_t fromHeap = 0;
 
 void* heapAllocation(std::size_t size) {
-    ++made.heap;
+    ++fromHeap;
     if (void* memory = std::malloc(size)) return memory;
     throw std::bad_alloc();
 }
@@ -41,8 +41,10 @@ void operator delete[](void* memory, std::size_t) noexcept {
 namespace QosBench {
 
 Allocations allocationsSoFar() noexcept {
-    OvSlab::allocationHookIs([](std::size_t) { ++made.slab; });
-    return made;
+    Allocations soFar{fromHeap, 0};
+    for (const auto* tracker = OvSlab::Tracker::first(); tracker; tracker = tracker->next())
+        soFar.slab += tracker->total();
+    return soFar;
 }
 
 std::size_t heapBytes() noexcept {

@@ -19,7 +19,7 @@ struct Allocations {
     }
 };
 
-/// All so far; those from the slab since the first call.
+/// All so far.
 Allocations allocationsSoFar() noexcept;
 /// The bytes that the heap has given out and not got back, with what it spends on each piece.
 std::size_t heapBytes() noexcept;

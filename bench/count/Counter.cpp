@@ -1,6 +1,7 @@
 #include "bench/count/Counter.h"
 
 #include <cstdio>
+#include <functional>
 #include <string>
 
 namespace QosBench {
@@ -8,7 +9,7 @@ namespace QosBench {
 Counter::Counter(std::string_view side) : side_(side) {
     CALLGRIND_START_INSTRUMENTATION;
     int subject = 0;
-    count(subject, {kNothing, nothing<int>});
+    count(subject, {kNothing, nothing<int>}, 4, 8);
 }
 
 void Counter::startRuns() {
@@ -22,8 +23,9 @@ void Counter::report(const Report& report) const {
     const std::string base(report.base);
     const std::string name = side + "|" + event;
     CALLGRIND_DUMP_STATS_AT(name.c_str());
-    std::printf("count\t%s\t%s\t%s\t%d\t%zu\t%zu\t%zu\n", side.c_str(), event.c_str(), base.c_str(),
-                report.runs, report.share, allocations_.heap, allocations_.slab);
+    std::printf("count\t%s\t%s\t%s\t%d\t%zu\t%zu\t%zu\t%zu\n", side.c_str(), event.c_str(),
+                base.c_str(), report.runs, report.share, allocations_.heap, allocations_.slab,
+                std::hash<std::string>()(report.states));
 }
 
 }  // namespace QosBench

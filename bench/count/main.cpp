@@ -7,16 +7,21 @@
 
 #include "bench/Groups.h"
 #include "bench/count/Counter.h"
+#include "bench/count/Memory.h"
 
 namespace QosBench {
 namespace {
 
 bool count(std::string_view name, std::size_t size) {
+    if (name == "memory" && size != 0) {
+        countMemory(size);
+        return true;
+    }
     return size != 0 && visitGroupsNamed(name, [size](const auto& group) {
                const auto subject = group.make(size);
                Counter counter(group.side);
                for (const auto& event : group.events)
-                   counter.count(*subject, event, group.isOnce ? 0 : 4, group.isOnce ? 1 : 8);
+                   counter.count(*subject, event, group.warmUps, group.runs);
            });
 }
 
@@ -24,6 +29,7 @@ bool count(std::string_view name, std::size_t size) {
 }  // namespace QosBench
 
 int main(int argc, char** argv) {
+    QosBench::atLastHandler = QosBench::Counter::stop;
     if (argc == 3 && QosBench::count(argv[1], std::strtoul(argv[2], nullptr, 10))) return 0;
     std::fputs("usage: qos_count GROUP SIZE\n", stderr);
     return 2;

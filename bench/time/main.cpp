@@ -38,7 +38,7 @@ void registerEvent(const Group<Subject>& group, std::shared_ptr<Subject> subject
     };
     const std::string name = std::string(group.side) + "/" + std::string(event.name);
     auto* const registered = benchmark::RegisterBenchmark(name.c_str(), run)->UseManualTime();
-    if (group.isOnce) registered->Iterations(1);
+    if (group.runs == 1) registered->Iterations(1);
 }
 
 bool time(std::string_view name, std::size_t size) {

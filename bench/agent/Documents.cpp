@@ -1,0 +1,146 @@
+#include "bench/agent/Documents.h"
+
+#include <cstdlib>
+#include <variant>
+
+#include "agent/database/Document.h"
+#include "agent/database/Printer.h"
+#include "agent/json/JsonReader.h"
+#include "agent/openconfig/Configuration.h"
+#include "agent/openconfig/StatePrinter.h"
+#include "agent/output/Table.h"
+#include "platform/Vex/Entity.h"
+
+namespace QosBench {
+namespace {
+
+using QosAgent::JsonWriter;
+
+constexpr std::size_t kTermsEach = 8;
+constexpr std::size_t kDscpsEach = 8;
+
+std::string numbered(std::string_view what, std::size_t number) {
+    return std::string(what) + std::to_string(number);
+}
+
+/// An entry of a list, and its `config` with the same key; both left open.
+void beginEntry(JsonWriter& writer, std::string_view key, const std::string& value) {
+    writer.beginObject().key(key).text(value).key("config").beginObject().key(key).text(value);
+}
+
+void writeGroups(JsonWriter& writer) {
+    writer.key("forwarding-groups").beginObject().key("forwarding-group").beginArray();
+    for (std::size_t group = 0; group != kTermsEach; ++group) {
+        beginEntry(writer, "name", numbered("group-", group));
+        writer.endObject().endObject();
+    }
+    writer.endArray().endObject();
+}
+
+void writeTerm(JsonWriter& writer, std::size_t number) {
+    beginEntry(writer, "id", numbered("term-", number));
+    writer.endObject().key("conditions").beginObject().key("ipv4").beginObject();
+    writer.key("config").beginObject().key("dscp-set").beginArray();
+    for (std::size_t dscp = 0; dscp != kDscpsEach; ++dscp)
+        writer.number(number * kDscpsEach + dscp);
+    writer.endArray().endObject().endObject().endObject();
+    writer.key("actions").beginObject().key("config").beginObject().key("target-group");
+    writer.text(numbered("group-", number)).endObject().endObject().endObject();
+}
+
+void writeClassifier(JsonWriter& writer, std::size_t number) {
+    beginEntry(writer, "name", numbered("classifier-", number));
+    writer.key("type").text("IPV4").endObject();
+    writer.key("terms").beginObject().key("term").beginArray();
+    for (std::size_t term = 0; term != kTermsEach; ++term)
+        writeTerm(writer, term);
+    writer.endArray().endObject().endObject();
+}
+
+void writeInterface(JsonWriter& writer, std::size_t number) {
+    beginEntry(writer, "interface-id", numbered("Ethernet", number));
+    writer.endObject().key("input").beginObject().key("classifiers").beginObject();
+    writer.key("classifier").beginArray().beginObject().key("type").text("IPV4");
+    writer.key("config").beginObject().key("type").text("IPV4");
+    writer.key("name").text(numbered("classifier-", number));
+    writer.endObject().endObject().endArray().endObject().endObject().endObject();
+}
+
+std::string configurationOf(std::size_t classifiers) {
+    std::string text;
+    JsonWriter writer(text);
+    writer.beginObject().key(QosAgent::kOpenConfigMember).beginObject();
+    writeGroups(writer);
+    writer.key("classifiers").beginObject().key("classifier").beginArray();
+    for (std::size_t number = 0; number != classifiers; ++number)
+        writeClassifier(writer, number);
+    writer.endArray().endObject();
+    writer.key("interfaces").beginObject().key("interface").beginArray();
+    for (std::size_t number = 0; number != classifiers; ++number)
+        writeInterface(writer, number);
+    writer.endArray().endObject().endObject().endObject();
+    return text;
+}
+
+QosAgent::Json parsed(const std::string& text) {
+    QosAgent::JsonResult json = QosAgent::parseJson(text);
+    if (!std::holds_alternative<QosAgent::Json>(json)) std::abort();
+    return std::get<QosAgent::Json>(std::move(json));
+}
+
+void translateInto(QosAgent::Database& database, const std::string& configuration) {
+    const QosAgent::Json json = parsed(configuration);
+    const auto result = QosAgent::Configuration(database).apply(json.root());
+    if (std::holds_alternative<QosAgent::Fault>(result)) std::abort();
+}
+
+template <class Root>
+Orin::Ptr<Root> rootAt(const QosAgent::Database& database, std::string_view path) {
+    return Vex::entityCast<Root>(database.subtreeAt(path)->root);
+}
+
+}  // namespace
+
+Documents::Documents(std::size_t terms)
+    : terms_(terms / kTermsEach * kTermsEach), configuration_(configurationOf(terms / kTermsEach)) {
+    translateInto(printed_, configuration_);
+    JsonWriter writer(databaseText_);
+    QosAgent::writeDatabase(writer, printed_);
+    state_ = rootAt<QosOc::State::ClassifiersDir>(printed_, "qos/openconfig/state/classifiers");
+    root_ = QosOc::ClassifierStateSm::ClassifierStateSmIs(
+        rootAt<const Qos::Status>(printed_, "qos/status"),
+        rootAt<const Acl::Input::Config>(printed_, "acl/config/cli"),
+        rootAt<const Qos::Input::Config>(printed_, "qos/input/config/cli"),
+        rootAt<const QosOc::Config::ClassifiersDir>(printed_, "qos/openconfig/config/classifiers"),
+        state_);
+}
+
+void Documents::translate() {
+    database_ = std::make_unique<QosAgent::Database>();
+    translateInto(*database_, configuration_);
+}
+
+void Documents::load() {
+    database_ = std::make_unique<QosAgent::Database>();
+    const QosAgent::Json json = parsed(databaseText_);
+    if (QosAgent::checkDocument(*database_, json.root())) std::abort();
+    QosAgent::mergeDocument(*database_, json.root());
+}
+
+void Documents::printDatabase() {
+    out_.clear();
+    JsonWriter writer(out_);
+    QosAgent::writeDatabase(writer, printed_);
+}
+
+void Documents::printOpenConfig() {
+    out_.clear();
+    JsonWriter writer(out_);
+    QosAgent::writeOpenConfigState(writer, *state_);
+}
+
+void Documents::printTable() {
+    out_ = QosAgent::stateTable(*state_);
+}
+
+}  // namespace QosBench

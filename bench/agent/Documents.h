@@ -1,0 +1,59 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <string>
+
+#include "QosOpenConfig/QosOpenConfigClassifierStateSm/ClassifierStateSm.h"
+#include "agent/database/Database.h"
+#include "bench/Event.h"
+
+namespace QosBench {
+
+/// An OpenConfig configuration of classifiers of eight terms with eight DSCP values each, all
+/// attached; the database that it leads to, with the root machine over it; and that database's
+/// text.
+class Documents {
+public:
+    explicit Documents(std::size_t terms);
+
+    std::size_t terms() const noexcept { return terms_; }
+
+    /// Reads the configuration into a new database, as the device's configuration side would.
+    void translate();
+    /// Reads, checks and merges the database's text into a new database.
+    void load();
+    /// Both made a database, which goes here.
+    void drop() { database_ = nullptr; }
+
+    void printDatabase();
+    void printOpenConfig();
+    void printTable();
+
+private:
+    std::size_t terms_;
+    std::string configuration_;
+    QosAgent::Database printed_;
+    Orin::Ptr<QosOc::State::ClassifiersDir> state_;
+    Orin::Ptr<QosOc::ClassifierStateSm> root_;
+    std::string databaseText_;
+    std::unique_ptr<QosAgent::Database> database_;
+    std::string out_;
+};
+
+inline std::size_t termsOf(const Documents& documents) {
+    return documents.terms();
+}
+inline constexpr Event<Documents> documentEvent(std::string_view name, Event<Documents>::Verb run) {
+    return {.name = name, .run = run, .after = verb<Documents, &Documents::drop>, .share = termsOf};
+}
+inline constexpr std::array kDocumentEvents{
+    documentEvent("document loaded, a term", verb<Documents, &Documents::load>),
+    documentEvent("OpenConfig translated, a term", verb<Documents, &Documents::translate>),
+    documentEvent("database printed, a term", verb<Documents, &Documents::printDatabase>),
+    documentEvent("OpenConfig printed, a term", verb<Documents, &Documents::printOpenConfig>),
+    documentEvent("table printed, a term", verb<Documents, &Documents::printTable>),
+};
+
+}  // namespace QosBench
