@@ -69,7 +69,7 @@ void writeInterface(JsonWriter& writer, std::size_t number) {
 std::string configurationOf(std::size_t classifiers) {
     std::string text;
     JsonWriter writer(text);
-    writer.beginObject().key(QosAgent::kOpenConfigMember).beginObject();
+    writer.beginObject().key("openconfig-qos:qos").beginObject();
     writeGroups(writer);
     writer.key("classifiers").beginObject().key("classifier").beginArray();
     for (std::size_t number = 0; number != classifiers; ++number)
