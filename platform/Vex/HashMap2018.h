@@ -83,7 +83,7 @@ public:
         if (member == nullptr) return std::nullopt;
         return unlink(*member);
     }
-    /// Removes all members, in order of entry.
+    /// Removes all members, in order of entry. The collection must not go meanwhile.
     void clear() noexcept {
         while (!order_.empty())
             unlink(static_cast<Member&>(order_.front()));

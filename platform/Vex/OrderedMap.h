@@ -70,7 +70,7 @@ public:
         ++changes_;
         return value;
     }
-    /// Removes all members, the greatest first.
+    /// Removes all members, the greatest first. The collection must not go meanwhile.
     void clear() noexcept {
         while (!empty())
             remove(K(runs_.back().back().key));
@@ -197,6 +197,7 @@ private:
 
 template <class K, class V, std::uint32_t kSeed>
 OrderedMap<K, V, kSeed>::~OrderedMap() {
+    clear();  // values that go may still look into the collection, or change it
     for (Iterator* walk = walks_; walk != nullptr; walk = walk->outer_)
         walk->map_ = nullptr;
 }
