@@ -29,8 +29,8 @@ struct Group {
     std::span<const Event<Subject>> events;
     /// How often an event happens before it is counted, and then. Those of a group that happen once
     /// only lead from one to the next.
-    int warmUps = 4;
-    int runs = 8;
+    int warmUps = 2;
+    int runs = 4;
 };
 
 /// A device of that many classifiers, with its machines.

@@ -119,7 +119,7 @@ void Device::addConfiguredClassifier() {
     configuredTerms_ = QosOc::Config::Terms::create();
     for (std::size_t term = 0; term != kClasses; ++term)
         configuredTerms_->termIs(configuredTerm(numbered("term-", term), groupName(term)));
-    for (std::size_t choice : {0, 1})
+    for (const std::size_t choice : {0U, 1U})
         configuredTerm_[choice] = configuredTerm(String("term-0"), groupName(choice));
     const String name(kConfiguredName);
     const auto configured = QosOc::Config::Classifier::create(name);

@@ -1,5 +1,6 @@
 // Times the events of a group; scripts/bench runs it and reads what it prints. Benches are called
-// SIDE/EVENT; their counter `share` says how many things an event concerns.
+// SIDE/EVENT; their counter `share` says how many things an event concerns. Those called `loop` and
+// `clock` are part of the others: `clock` of those timed by hand, `loop` of the rest.
 //   qos_time GROUP SIZE [--benchmark_OPTION...]
 
 #include <benchmark/benchmark.h>
@@ -14,11 +15,22 @@
 namespace QosBench {
 namespace {
 
-/// Only what `run` takes.
+template <class Subject>
+bool isRunOnly(const Event<Subject>& event) {
+    return event.before == nothing<Subject> && event.after == nothing<Subject>;
+}
+
+/// Only what `run` takes: where something else belongs to a round, each run is timed by itself.
 template <class Subject>
 void timeEvent(benchmark::State& state, Subject& subject, const Event<Subject>& event) {
     using Clock = std::chrono::steady_clock;
     event.prepare(subject);
+    state.counters["share"] = static_cast<double>(event.share(subject));
+    if (isRunOnly(event)) {
+        for (auto _ : state)
+            event.run(subject);
+        return;
+    }
     for (auto _ : state) {
         event.before(subject);
         const auto start = Clock::now();
@@ -27,7 +39,6 @@ void timeEvent(benchmark::State& state, Subject& subject, const Event<Subject>& 
         event.after(subject);
         state.SetIterationTime(taken.count());
     }
-    state.counters["share"] = static_cast<double>(event.share(subject));
 }
 
 template <class Subject>
@@ -37,15 +48,23 @@ void registerEvent(const Group<Subject>& group, std::shared_ptr<Subject> subject
         timeEvent(state, *subject, event);
     };
     const std::string name = std::string(group.side) + "/" + std::string(event.name);
-    auto* const registered = benchmark::RegisterBenchmark(name.c_str(), run)->UseManualTime();
+    auto* const registered = benchmark::RegisterBenchmark(name.c_str(), run);
+    if (!isRunOnly(event)) registered->UseManualTime();
     if (group.runs == 1) registered->Iterations(1);
 }
 
+/// What the loop costs, and what timing a run by itself costs.
+template <class Subject>
+constexpr Event<Subject> kLoop{.name = "loop", .run = nothing<Subject>};
+template <class Subject>
+constexpr Event<Subject> kClock{
+    .name = "clock", .run = nothing<Subject>, .before = [](Subject&) {}};
+
 bool time(std::string_view name, std::size_t size) {
     return size != 0 && visitGroupsNamed(name, [size]<class S>(const Group<S>& group) {
-               static constexpr Event<S> kEmpty{kNothing, nothing<S>};
                const std::shared_ptr<S> subject = group.make(size);
-               registerEvent(group, subject, kEmpty);
+               registerEvent(group, subject, kLoop<S>);
+               registerEvent(group, subject, kClock<S>);
                for (const Event<S>& event : group.events)
                    registerEvent(group, subject, event);
            });
