@@ -27,10 +27,10 @@ struct Group {
     std::string_view side;
     std::unique_ptr<Subject> (*make)(std::size_t size);
     std::span<const Event<Subject>> events;
-    /// How often an event happens before it is counted, and then. Those of a group that happen once
-    /// only lead from one to the next.
+    /// How often an event happens before it is counted, and then: twice, for many go to and fro.
+    /// Those of a group that happen once only lead from one to the next.
     int warmUps = 2;
-    int runs = 4;
+    int runs = 2;
 };
 
 /// A device of that many classifiers, with its machines.

@@ -61,6 +61,7 @@ private:
         stop();
         allocations_ += allocationsSoFar() - before;
     }
+    /// Callgrind is slow where it looks: not while the subject is made, nor at warm-ups.
     void startRuns();
     void report(const Report& report) const;
 
