@@ -21,10 +21,10 @@ struct Ended {
     std::string out;
     std::string err;
     friend bool operator==(const Ended&, const Ended&) = default;
-    friend std::ostream& operator<<(std::ostream& out, const Ended& ended) {
-        return out << "status " << ended.status << "\n--- out\n"
-                   << ended.out << "--- err\n"
-                   << ended.err;
+    friend std::ostream& operator<<(std::ostream& stream, const Ended& ended) {
+        return stream << "status " << ended.status << "\n--- out\n"
+                      << ended.out << "--- err\n"
+                      << ended.err;
     }
 };
 
