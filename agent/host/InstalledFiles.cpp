@@ -9,6 +9,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kPluginName = "libQosOpenConfig.so";
+constexpr const char* kToggleFolder = "etc/qos-agent";
 
 fs::path programFolder() {
     std::error_code ignored;
@@ -32,8 +33,11 @@ std::string defaultPluginFile() {
 }
 
 std::string defaultToggleFolder() {
-    const fs::path folder = installFolder() / "etc" / "qos-agent";
-    return isThere(folder) ? folder : fs::path();
+    const fs::path installed = installFolder();
+    if (fs::path folder = installed / kToggleFolder; isThere(folder)) return folder;
+    // The configuration of what is installed in /usr lies in /etc.
+    const fs::path above = installed.parent_path() / kToggleFolder;
+    return installed.filename() == "usr" && isThere(above) ? above : fs::path();
 }
 
 }  // namespace QosAgent
