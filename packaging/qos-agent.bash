@@ -1,0 +1,35 @@
+# bash completion for qos-agent                                -*- shell-script -*-
+
+# Completes the names of files that end in one of the suffixes, and of folders.
+_qos_agent_files() {
+    local suffix
+    compopt -o filenames
+    mapfile -t COMPREPLY < <(
+        compgen -d -- "$1"
+        for suffix in "${@:2}"; do compgen -f -X "!*$suffix" -- "$1"; done)
+}
+
+_qos_agent() {
+    local word=$2 previous=$3
+    COMPREPLY=()
+    case $previous in
+        --output)
+            mapfile -t COMPREPLY < <(compgen -W 'table openconfig entities none' -- "$word") ;;
+        --plugin)
+            _qos_agent_files "$word" .so ;;
+        --toggle-dir)
+            _qos_agent_files "$word" ;;
+        --trace-file)
+            _qos_agent_files "$word" '' ;;
+        --trace) ;;
+        *)
+            if [[ $word == -* ]]; then
+                mapfile -t COMPREPLY < <(compgen -W '--plugin --toggle-dir --output --follow
+                    --machines --trace --trace-file --keep-going --help --version' -- "$word")
+            else
+                _qos_agent_files "$word" .json .jsonl
+            fi ;;
+    esac
+}
+
+complete -F _qos_agent qos-agent
