@@ -1,0 +1,84 @@
+#!/usr/bin/env python3
+"""Writes what qos-agent is built from, as an SPDX 2.3 document.
+
+    write_spdx.py VERSION FILE
+
+The parts stand in parts.json; their versions are those that this machine has. The document's date is
+that of the package's changelog, so that equal builds give equal documents.
+"""
+
+import email.utils
+import json
+import subprocess
+import sys
+from datetime import timezone
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+CHANGELOG = HERE.parent / "debian/changelog"
+SELF = "SPDXRef-qos-agent"
+
+
+def installed_version(package):
+    try:
+        asked = subprocess.run(["dpkg-query", "-W", "-f=${source:Upstream-Version}", package],
+                               capture_output=True, text=True, check=False)
+    except FileNotFoundError:
+        return ""
+    return asked.stdout if asked.returncode == 0 else ""
+
+
+def changelog_date():
+    lines = CHANGELOG.read_text(encoding="utf-8").splitlines()
+    signature = next(line for line in lines if line.startswith(" -- "))
+    date = email.utils.parsedate_to_datetime(signature.split(">  ", 1)[1])
+    return date.astimezone(timezone.utc).strftime("%Y-%m-%dT%H:%M:%SZ")
+
+
+def package_of(name, version, license_name, **more):
+    return {"SPDXID": f"SPDXRef-{name.replace('+', 'x').replace(' ', '-')}", "name": name,
+            **({"versionInfo": version} if version else {}),
+            "downloadLocation": "NOASSERTION", "filesAnalyzed": False,
+            "licenseConcluded": "NOASSERTION", "licenseDeclared": license_name,
+            "copyrightText": "NOASSERTION", **more}
+
+
+def part_of(part):
+    locator = f"pkg:deb/debian/{part['package'].replace('+', '%2B')}"
+    return package_of(
+        part["name"], installed_version(part["package"]), part["license"], comment=part["comment"],
+        externalRefs=[{"referenceCategory": "PACKAGE-MANAGER", "referenceType": "purl",
+                       "referenceLocator": locator}])
+
+
+def relation_of(package, relation):
+    # The kinds of dependency are said by the part, the kinds of linking by the program.
+    ends = [package["SPDXID"], SELF] if relation.endswith("_OF") else [SELF, package["SPDXID"]]
+    return {"spdxElementId": ends[0], "relationshipType": relation, "relatedSpdxElement": ends[1]}
+
+
+def document(version):
+    parts = json.loads((HERE / "parts.json").read_text(encoding="utf-8"))
+    packages = [part_of(part) for part in parts]
+    return {
+        "spdxVersion": "SPDX-2.3", "dataLicense": "CC0-1.0", "SPDXID": "SPDXRef-DOCUMENT",
+        "name": f"qos-agent-{version}",
+        "documentNamespace": f"https://qos-agent.example/spdx/qos-agent-{version}",
+        "creationInfo": {"created": changelog_date(), "creators": ["Tool: write_spdx.py"]},
+        "packages": [package_of(
+            "qos-agent", version, "NOASSERTION",
+            comment="The owners of this work have not declared a licence for it."), *packages],
+        "relationships": [
+            {"spdxElementId": "SPDXRef-DOCUMENT", "relationshipType": "DESCRIBES",
+             "relatedSpdxElement": SELF},
+            *(relation_of(package, part["relation"]) for package, part in zip(packages, parts))],
+    }
+
+
+def main():
+    version, file = sys.argv[1:]
+    Path(file).write_text(json.dumps(document(version), indent=2) + "\n", encoding="utf-8")
+
+
+if __name__ == "__main__":
+    main()
