@@ -12,6 +12,12 @@ _qos_agent_files() {
 _qos_agent() {
     local word=$2 previous=$3
     COMPREPLY=()
+    # The sign in --option=value is a word of its own.
+    if [[ $word == = ]]; then
+        word=
+    elif [[ $previous == = ]]; then
+        previous=${COMP_WORDS[COMP_CWORD - 2]}
+    fi
     case $previous in
         --output)
             mapfile -t COMPREPLY < <(compgen -W 'table openconfig entities none' -- "$word") ;;

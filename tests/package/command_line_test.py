@@ -20,6 +20,7 @@ FORMATS = {"table", "openconfig", "entities", "none"}
 COMPLETE = """
 compopt() { :; }
 source "$1"; shift
+COMP_WORDS=("$@") COMP_CWORD=$(($# - 1))
 _qos_agent qos-agent "${@: -1}" "${@: -2:1}"
 printf '%s\\n' "${COMPREPLY[@]}"
 """
@@ -64,6 +65,8 @@ class CommandLineTest(unittest.TestCase):
 
     def test_completion_knows_each_format(self):
         self.assertEqual(completed("--output", ""), FORMATS)
+        self.assertEqual(completed("--output", "="), FORMATS)
+        self.assertEqual(completed("--output", "=", "ta"), {"table"})
 
     def test_completion_knows_what_files_an_argument_names(self):
         with tempfile.TemporaryDirectory() as folder:

@@ -4,11 +4,13 @@
     debian_packages_test.py BUILD SOURCE
 """
 
+import io
 import os
 import re
 import signal
 import subprocess
 import sys
+import tarfile
 import tempfile
 import unittest
 from pathlib import Path
@@ -16,6 +18,7 @@ from pathlib import Path
 BUILD = Path(sys.argv[1])
 SOURCE = Path(sys.argv[2])
 PACKAGES = BUILD / "tests/packages"
+DATE = 1_000_000_000
 NAMES = {"qos-agent", "libqosplatform0", "libqosplatform-dev"}
 CONFIGURATION = SOURCE / "examples/openconfig/configuration.json"
 CMAPS = "qos/status/cmapTypeStatus/mapQos/cmapStatus"
@@ -52,7 +55,8 @@ def files_in(root):
 def setUpModule():
     for package in packages():
         package.unlink()
-    output_of("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", PACKAGES)
+    output_of("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", PACKAGES,
+              env={**os.environ, "SOURCE_DATE_EPOCH": str(DATE)})
 
 
 class DebianPackagesTest(unittest.TestCase):
@@ -96,6 +100,14 @@ class DebianPackagesTest(unittest.TestCase):
                 binary = self.root / "usr" / name
                 self.assertNotRegex(output_of("readelf", "-SdW", binary),
                                     r"RUNPATH|RPATH|\.symtab|\.debug_")
+
+    def test_hold_nothing_of_the_time_at_which_they_were_made(self):
+        for package in packages():
+            with self.subTest(package=package.name):
+                listed = subprocess.run(["dpkg-deb", "--fsys-tarfile", package], check=True,
+                                        capture_output=True).stdout
+                with tarfile.open(fileobj=io.BytesIO(listed)) as archive:
+                    self.assertEqual({member.mtime for member in archive}, {DATE})
 
     def test_run(self):
         table = self.agent("--output", "table", CONFIGURATION)
