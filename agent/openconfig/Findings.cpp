@@ -9,9 +9,9 @@ void Findings::refuse(std::size_t offset, std::string message) {
     if (!fault_) fault_ = Fault{offset, std::move(message)};
 }
 
-void Findings::passOver(std::size_t offset, const std::string& kind, std::string_view hint) {
-    if (!kinds_.insert(kind).second) return;
-    warnings_.push_back({offset, ("passed over: " + kind).append(hint)});
+Warning* Findings::passOver(std::size_t offset, const std::string& kind) {
+    if (!kinds_.insert(kind).second) return nullptr;
+    return &warnings_.emplace_back(Warning{offset, "passed over: " + kind});
 }
 
 std::vector<Warning> Findings::warnings() const {

@@ -24,8 +24,8 @@ class Findings {
 public:
     /// The first fault refuses the document; what comes after it does not count.
     void refuse(std::size_t offset, std::string message);
-    /// `hint` follows the kind in the message of the first.
-    void passOver(std::size_t offset, const std::string& kind, std::string_view hint = {});
+    /// The warning if it is the first of its kind, to be added to; else null. Valid until the next.
+    Warning* passOver(std::size_t offset, const std::string& kind);
 
     const std::optional<Fault>& fault() const { return fault_; }
     /// In ascending order of place.

@@ -34,11 +34,12 @@ void ModelNode::carries(std::initializer_list<std::string_view> names) const {
             findings_.refuse(member.keyOffset, "a second member " + excerpt(name));
         if (std::find(names.begin(), names.end(), name) != names.end()) continue;
         if (holdsNothing(member.value)) continue;
-        if (name == kState)
+        if (name == kState) {
             findings_.passOver(member.keyOffset, "state containers");
-        else
-            findings_.passOver(member.keyOffset, pathOf(name),
-                               suggestion(name, {names.begin(), names.size()}));
+            continue;
+        }
+        if (Warning* first = findings_.passOver(member.keyOffset, pathOf(name)))
+            first->message += suggestion(name, {names.begin(), names.size()});
     }
 }
 
