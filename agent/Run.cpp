@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <exception>
+#include <new>
 #include <optional>
 #include <string>
 
@@ -179,6 +181,21 @@ int run(const Options& options) {
     const int status = AgentRun(options).run();
     if (!traceFile || traces.fault().empty()) return status;
     report(refusal(options.traceFile, traces.fault()));
+    return kUnusable;
+}
+
+int runProgram(int argc, const char* const* argv) {
+    try {
+        const auto options = parseOptions(argc, argv);
+        if (const auto* ended = std::get_if<ExitStatus>(&options)) return ended->status;
+        return run(std::get<Options>(options));
+    } catch (const std::bad_alloc&) {
+        // Composing a line would need memory.
+        constexpr std::string_view line = "qos-agent: out of memory\n";
+        [[maybe_unused]] const auto written = ::write(STDERR_FILENO, line.data(), line.size());
+    } catch (const std::exception& failure) {
+        report(refusal("qos-agent", failure.what()));
+    }
     return kUnusable;
 }
 

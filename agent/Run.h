@@ -8,4 +8,8 @@ namespace QosAgent {
 /// the exit status; every refusal has been reported.
 int run(const Options& options);
 
+/// The whole program: its command line, then `run`. What is thrown is reported in one line; memory
+/// that runs out while a change is being told of ends the process.
+int runProgram(int argc, const char* const* argv);
+
 }  // namespace QosAgent
