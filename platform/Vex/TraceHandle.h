@@ -52,7 +52,8 @@ private:
 /// all. A later setting takes the place of an earlier one.
 PLATFORM_API void traceLevelsIs(std::string_view name, unsigned count);
 
-/// Receives each finished line, without its newline. Null: lines go nowhere.
+/// Receives each finished line, without its newline. An exception that leaves it ends the process.
+/// Null: lines go nowhere.
 using TraceSink = std::function<void(std::string_view line)>;
 PLATFORM_API void traceSinkIs(TraceSink sink);
 /// Hands a line to the sink.

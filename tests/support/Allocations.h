@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstddef>
 #include <new>
 
@@ -27,7 +29,7 @@ public:
 
 /// Calls `attempt` again and again, with its first, second, ... allocation failing, until it runs
 /// through; `afterFailure` is called after each failure, with allocations working again. `attempt`
-/// lets `std::bad_alloc` out. Returns the number of failures.
+/// lets `std::bad_alloc` out: the test fails where it does not. Returns the number of failures.
 ///
 ///     EXPECT_GT(failEachAllocation([&] { ShipSm::create(ship, board); },
 ///                                  [&] { EXPECT_EQ(live<ShipSm>(), 0u); }), 0u);
@@ -38,6 +40,7 @@ std::size_t failEachAllocation(Attempt attempt, AfterFailure afterFailure) {
             const FailingAllocation failing(nth);
             attempt();
             if (!failing.hasFailed()) return nth;
+            ADD_FAILURE() << "nobody noticed that allocation " << nth << " failed";
         } catch (const std::bad_alloc&) {
         }
         afterFailure();

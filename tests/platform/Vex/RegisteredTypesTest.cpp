@@ -10,6 +10,7 @@
 
 #include "platform/Vex/Module.h"
 #include "platform/Vex/TypeRecord.h"
+#include "tests/support/Allocations.h"
 #include "tests/support/HarbourMachines.h"
 #include "tests/support/LiveCounts.h"
 #include "tests/support/Printers.h"
@@ -109,7 +110,7 @@ TEST_P(AnyTypeTest, describesEachAttribute) {
 INSTANTIATE_TEST_SUITE_P(Of, AnyTypeTest, ::testing::ValuesIn(registeredTypes(false)), testName);
 
 /// What holds for every type whose objects can be made: machines and entities.
-class AnyNodeTest : public TestSupport::LiveCounts,
+class AnyNodeTest : public ::testing::Test,
                     public ::testing::WithParamInterface<const TypeRecord*> {
 protected:
     template <class Act>
@@ -239,6 +240,54 @@ TEST_P(AnyNodeTest, publishesTheMembersOfItsCollections) {
         members->del(node.get(), key);
         members->del(node.get(), key);
         EXPECT_EQ(heard.take(), (Changes{change, change})) << attribute.name;
+    }
+}
+
+TEST_P(AnyNodeTest, leavesNothingBehindWhenItCannotBeConstructed) {
+    type.construct(arguments);  // what a machine has written stays
+    const auto before = TestSupport::liveCounts();
+    const std::size_t failures = TestSupport::failEachAllocation(
+        [&] { type.construct(arguments); }, [&] { EXPECT_EQ(TestSupport::liveCounts(), before); });
+    EXPECT_GT(failures, 0u);
+}
+
+TEST_P(AnyNodeTest, keepsAnAttributeThatCannotBeWritten) {
+    for (const AttributeRecord& attribute : type.attributes) {
+        if (attribute.write == nullptr) continue;
+        const Value earlier = samples.of(*attribute.type, 1);
+        const Value later = samples.of(*attribute.type, 2);
+        attribute.write(node.get(), earlier);
+        TestSupport::failEachAllocation(
+            [&] { attribute.write(node.get(), later); },
+            [&] { EXPECT_EQ(attribute.read(node.get()), earlier) << attribute.name; });
+        EXPECT_EQ(attribute.read(node.get()), later) << attribute.name;
+    }
+}
+
+TEST_P(AnyNodeTest, keepsACollectionThatCannotBeChanged) {
+    for (const AttributeRecord& attribute : type.attributes) {
+        const CollectionOps* members = attribute.collection;
+        if (members == nullptr || members->put == nullptr) continue;
+        for (const unsigned n : {1U, 2U, 0U}) {
+            const Value key = samples.of(*members->key, n);
+            Value held;
+            const auto failing = [&](const Value& next, auto change) {
+                TestSupport::failEachAllocation(change, [&] {
+                    EXPECT_EQ(members->get(node.get(), key), held) << attribute.name;
+                });
+                EXPECT_EQ(members->get(node.get(), key), next) << attribute.name;
+                held = next;
+            };
+            const Value first = samples.of(*attribute.type, 1);
+            const Value second = samples.of(*attribute.type, 2);
+            failing(first, [&] { members->put(node.get(), key, first); });
+            failing(second, [&] { members->put(node.get(), key, second); });
+            // What is removed is handed out as a value, and may be lost where that fails.
+            TestSupport::failEachAllocation([&] { members->del(node.get(), key); }, [] {});
+            EXPECT_EQ(members->get(node.get(), key), Value()) << attribute.name;
+            members->put(node.get(), key, first);
+        }
+        EXPECT_EQ(members->size(node.get()), 3u) << attribute.name;
     }
 }
 
