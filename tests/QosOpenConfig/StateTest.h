@@ -59,7 +59,7 @@ inline Lines withoutNumbers(const Lines& lines) {
 }
 
 /// A state tree, all that is published in it, and the trace handle of the machines.
-class StateTest : public TestSupport::LiveCounts {
+class StateTest : public ::testing::Test {
 protected:
     std::string state() const { return TestSupport::textOf(*root); }
 

@@ -62,7 +62,7 @@ private:
 };
 
 /// A database filled with one of each kind of input, without a plug-in.
-class PluginTest : public TestSupport::LiveCounts {
+class PluginTest : public ::testing::Test {
 protected:
     PluginTest() {
         EXPECT_EQ(db.load(R"({

@@ -4,8 +4,8 @@
 
 namespace TestSupport {
 
-std::map<std::string, std::size_t> liveCounts() {
-    std::map<std::string, std::size_t> counts;
+Counts liveCounts() {
+    Counts counts;
     for (const auto* tracker = OvSlab::Tracker::first(); tracker; tracker = tracker->next())
         if (tracker->live() != 0) counts[std::string(tracker->typeName())] += tracker->live();
     return counts;
@@ -17,9 +17,11 @@ std::size_t liveCount(std::string_view typeName) {
     return at == counts.end() ? 0 : at->second;
 }
 
-LiveCounts::LiveCounts() : before_(liveCounts()) {}
+void LiveCountsListener::OnTestStart(const ::testing::TestInfo&) {
+    before_ = liveCounts();
+}
 
-LiveCounts::~LiveCounts() {
+void LiveCountsListener::OnTestEnd(const ::testing::TestInfo&) {
     EXPECT_EQ(liveCounts(), before_) << "objects alive at the end of the test, then at its start";
 }
 

@@ -9,8 +9,11 @@
 
 namespace TestSupport {
 
-/// The objects that are alive now, by the full name of their type; types without any are left out.
-std::map<std::string, std::size_t> liveCounts();
+/// Objects by the full name of their type; types without any are left out.
+using Counts = std::map<std::string, std::size_t>;
+
+/// The objects that are alive now.
+Counts liveCounts();
 /// The objects of one type that are alive now.
 std::size_t liveCount(std::string_view typeName);
 /// The same for a type that names itself with `kTypeName`.
@@ -19,15 +22,15 @@ std::size_t live() {
     return liveCount(T::kTypeName);
 }
 
-/// The fixture of every test that makes machines or entities: at the end of each test, after the
-/// members of the derived fixture have gone, no more and no fewer objects are alive than before.
-class LiveCounts : public ::testing::Test {
-protected:
-    LiveCounts();
-    ~LiveCounts() override;
+/// Fails each test, whatever its fixture, that ends with more or fewer objects alive than it began
+/// with. Every test program listens to it: see `main.cpp`.
+class LiveCountsListener : public ::testing::EmptyTestEventListener {
+public:
+    void OnTestStart(const ::testing::TestInfo& test) override;
+    void OnTestEnd(const ::testing::TestInfo& test) override;
 
 private:
-    std::map<std::string, std::size_t> before_;
+    Counts before_;
 };
 
 }  // namespace TestSupport

@@ -12,7 +12,7 @@ using Type = Classifier::Type;
 const ClassifierConfig kVoice4{"voice", Type::IPV4};
 const ClassifierConfig kVoice6{"voice", Type::IPV6};
 
-class ClassifiersWithPmapTest : public TestSupport::LiveCounts {
+class ClassifiersWithPmapTest : public ::testing::Test {
 protected:
     /// All members, by their keys.
     std::map<ClassifierConfig, unsigned> counts() const {

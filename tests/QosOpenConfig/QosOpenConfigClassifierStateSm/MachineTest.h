@@ -27,7 +27,7 @@ namespace QosOc {
 using TestSupport::live;
 
 /// The fixture of the machines' tests: a state tree to write, a registry and a configuration.
-class MachineTest : public TestSupport::LiveCounts {
+class MachineTest : public ::testing::Test {
 protected:
     /// The state tree in words; see `StateTree.h`.
     std::string written() const { return TestSupport::textOf(*state); }

@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -6,7 +8,6 @@
 #include "agent/openconfig/Configuration.h"
 #include "tests/agent/support/Configurations.h"
 #include "tests/agent/support/ConfiguredState.h"
-#include "tests/support/LiveCounts.h"
 
 namespace QosAgent {
 namespace {
@@ -47,7 +48,7 @@ Terms alike(const ConfigurationPlan& earlier, const ConfigurationPlan& later) {
     return both;
 }
 
-class ConfigurationTest : public TestSupport::LiveCounts {
+class ConfigurationTest : public ::testing::Test {
 protected:
     void given(const ConfigurationPlan& plan) {
         ASSERT_EQ(db.configure(documentOf(plan)), "");

@@ -1,9 +1,10 @@
+#include <gtest/gtest.h>
+
 #include <algorithm>
 
 #include "agent/openconfig/OpenConfigTranslator.h"
 #include "tests/agent/support/Configurations.h"
 #include "tests/agent/support/TextDatabase.h"
-#include "tests/support/LiveCounts.h"
 
 namespace QosAgent {
 namespace {
@@ -31,7 +32,7 @@ ConfigurationPlan twoFamilies() {
             {{"four", "six"}}};
 }
 
-class OpenConfigTranslatorTest : public TestSupport::LiveCounts {
+class OpenConfigTranslatorTest : public ::testing::Test {
 protected:
     OpenConfigTranslatorTest() : db(std::make_unique<TextDatabase>()) {
         recorder = std::make_unique<ChangeRecorder>(db->database);

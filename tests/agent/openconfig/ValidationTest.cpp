@@ -1,5 +1,6 @@
 /// What is printed of the state, held against the public model by a validator, and against what the
 /// validator does not look at.
+#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 #include <algorithm>
@@ -11,7 +12,6 @@
 
 #include "tests/agent/support/Configurations.h"
 #include "tests/agent/support/ConfiguredState.h"
-#include "tests/support/LiveCounts.h"
 
 namespace QosAgent {
 namespace {
@@ -88,7 +88,7 @@ private:
     }
 };
 
-class ValidationTest : public TestSupport::LiveCounts {
+class ValidationTest : public ::testing::Test {
 protected:
     ValidationTest() {
         std::string name = (fs::temp_directory_path() / "qos-agentXXXXXX").string();

@@ -8,7 +8,6 @@
 #include "platform/Agent/MounterPlugin.h"
 #include "platform/QosOc/MounterBase.h"
 #include "tests/support/Harbour.h"
-#include "tests/support/LiveCounts.h"
 #include "tests/support/Printers.h"
 #include "tests/support/VtableLayout.h"
 
@@ -49,7 +48,7 @@ public:
     void createSm() override { steps.emplace_back("createSm"); }
 };
 
-class MounterPluginTest : public TestSupport::LiveCounts {
+class MounterPluginTest : public ::testing::Test {
 protected:
     MounterPluginTest() { steps.clear(); }
 

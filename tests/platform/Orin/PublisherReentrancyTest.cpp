@@ -174,7 +174,7 @@ Differences found(int members = TestSupport::mostMembers()) {
 TEST(PublisherReentrancyTest, tellsWhomItMustWhateverTwoSubscribersDo) {
     const Differences none = found<PublisherStage<Publisher>>();
     EXPECT_EQ(none.count, 0u) << none.first;
-    EXPECT_GT(none.plays, 10'000u);
+    EXPECT_GT(none.plays, 500u);
 }
 
 TEST(PublisherReentrancyTest, isNotWhatAnIndexIntoAnArrayDoes) {

@@ -15,7 +15,7 @@
 namespace OvSlab {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || defined(OVSLAB_PASS_THROUGH)
 constexpr bool kPassesThrough = true;
 #else
 constexpr bool kPassesThrough = false;

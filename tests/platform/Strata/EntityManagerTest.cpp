@@ -8,7 +8,7 @@
 namespace Strata {
 namespace {
 
-class EntityManagerTest : public TestSupport::LiveCounts {
+class EntityManagerTest : public ::testing::Test {
 protected:
     Orin::Ptr<EntityManager> entities = Orin::Ptr<EntityManager>::adopt(new EntityManager);
     Orin::Ptr<Harbour::Tide> tide = Harbour::Tide::create();

@@ -15,7 +15,7 @@ using ::testing::ThrowsMessage;
 using TestSupport::live;
 
 /// A root machine without inputs, to whose collections the tests add.
-class ChildrenTest : public TestSupport::LiveCounts {
+class ChildrenTest : public ::testing::Test {
 protected:
     Orin::Ptr<Ship> anna = Ship::create("Anna");
     Orin::Ptr<Ship> berta = Ship::create("Berta");

@@ -8,7 +8,6 @@
 
 #include "platform/Vex/HashMap2018.h"
 #include "tests/support/Allocations.h"
-#include "tests/support/LiveCounts.h"
 #include "tests/support/Printers.h"
 
 namespace Vex {
@@ -17,7 +16,7 @@ namespace {
 using Map = HashMap2018<std::uint32_t, std::shared_ptr<std::uint32_t>, 17>;
 using Keys = std::vector<std::uint32_t>;
 
-class HashMap2018Test : public TestSupport::LiveCounts {
+class HashMap2018Test : public ::testing::Test {
 protected:
     void enter(std::uint32_t key) { map->enter(key, std::make_shared<std::uint32_t>(key * 10)); }
     void enterUpTo(std::uint32_t count) {

@@ -6,7 +6,6 @@
 #include "platform/Vex/Derive.h"
 #include "platform/Vex/Module.h"
 #include "tests/support/Harbour.h"
-#include "tests/support/LiveCounts.h"
 #include "tests/support/Printers.h"
 
 namespace Harbour {
@@ -25,7 +24,7 @@ constexpr const Vex::TypeRecord* kRafts[] = {&Raft::kTypeRecord};
 constexpr Vex::Module kFirst{"First", {}};
 constexpr Vex::Module kSecond{"Second", kRafts};
 
-class ModuleTest : public TestSupport::LiveCounts {
+class ModuleTest : public ::testing::Test {
 protected:
     static std::ptrdiff_t indexOf(const Vex::Module& module) {
         const auto all = Vex::modules();

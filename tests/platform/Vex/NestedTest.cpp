@@ -5,7 +5,6 @@
 #include "platform/Vex/Nested.h"
 #include "platform/Vex/NotifieeConst.h"
 #include "tests/support/Harbour.h"
-#include "tests/support/LiveCounts.h"
 #include "tests/support/Printers.h"
 
 namespace Harbour {
@@ -23,7 +22,7 @@ public:
     int changes = 0;
 };
 
-class NotifieeConstTest : public TestSupport::LiveCounts {
+class NotifieeConstTest : public ::testing::Test {
 protected:
     Orin::Ptr<Tide> tide = Tide::create();
     Orin::Ptr<Tide> spring = Tide::create();

@@ -11,7 +11,6 @@
 #include "platform/Orin/String.h"
 #include "platform/Vex/OrderedMap.h"
 #include "tests/support/Allocations.h"
-#include "tests/support/LiveCounts.h"
 #include "tests/support/Printers.h"
 
 namespace Vex {
@@ -29,7 +28,7 @@ Keys upTo(std::uint32_t count) {
     return keys;
 }
 
-class OrderedMapTest : public TestSupport::LiveCounts {
+class OrderedMapTest : public ::testing::Test {
 protected:
     void enter(std::uint32_t key) { map->enter(key, key * 10); }
     void enterAll(const Keys& keys) {

@@ -14,7 +14,7 @@ namespace {
 using TestSupport::Changes;
 using TestSupport::RecordingSubscriber;
 
-class PublishingNodeTest : public TestSupport::LiveCounts {
+class PublishingNodeTest : public ::testing::Test {
 protected:
     static Vex::Value text(const char* text) { return Orin::String(text); }
 

@@ -129,7 +129,7 @@ private:
 };
 constinit const Vex::TypeRecord CaptainSm::kTypeRecord = Vex::recordOf<CaptainSm>();
 
-class ReactorOrderTest : public TestSupport::LiveCounts {};
+class ReactorOrderTest : public ::testing::Test {};
 
 TEST_F(ReactorOrderTest, ofTheEndIsSubscriptionsThenChildrenThenInputs) {
     const auto tide = Tide::create();
@@ -141,7 +141,7 @@ TEST_F(ReactorOrderTest, ofTheEndIsSubscriptionsThenChildrenThenInputs) {
 }
 
 /// A whole tree over inputs that are there already; each allocation of its making fails in turn.
-class ReactorAllocationTest : public TestSupport::LiveCounts {
+class ReactorAllocationTest : public ::testing::Test {
 protected:
     ReactorAllocationTest() {
         anna->draughtIs(3);

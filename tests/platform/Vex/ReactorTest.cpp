@@ -18,7 +18,7 @@ using TestSupport::RecordingSubscriber;
 using Lines = std::map<std::string, std::string>;
 
 /// A port with two ships and a tide, and the root machine over it.
-class ReactorTest : public TestSupport::LiveCounts {
+class ReactorTest : public ::testing::Test {
 protected:
     ReactorTest() {
         anna->draughtIs(3);

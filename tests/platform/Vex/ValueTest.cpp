@@ -8,7 +8,6 @@
 #include "platform/Vex/Value.h"
 #include "platform/Vex/ValueTraits.h"
 #include "tests/support/Harbour.h"
-#include "tests/support/LiveCounts.h"
 #include "tests/support/Printers.h"
 
 namespace Vex {
@@ -89,7 +88,7 @@ TEST(ValueTraitsTest, refuseRecordsWithFieldsTooFewOrTooMany) {
     EXPECT_THROW(fromValue<Cargo>(record), std::out_of_range);
 }
 
-class EntityValueTest : public TestSupport::LiveCounts {};
+class EntityValueTest : public ::testing::Test {};
 
 TEST_F(EntityValueTest, isTheEntityItself) {
     const auto tide = Harbour::Tide::create();

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/HarbourMachines.h"
-#include "tests/support/LiveCounts.h"
 #include "tests/support/VtableLayout.h"
 
 namespace Harbour {
@@ -13,7 +12,7 @@ using TestSupport::slotOf;
 using TestSupport::virtualOperations;
 
 /// The order is part of what plug-ins are compiled against.
-class VirtualSlotsTest : public TestSupport::LiveCounts {
+class VirtualSlotsTest : public ::testing::Test {
 protected:
     Orin::Ptr<Board> board = Board::create();
     Orin::Ptr<Tide> tide = Tide::create();
