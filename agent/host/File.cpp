@@ -34,7 +34,7 @@ bool isSpecialFile(const std::string& name) {
 }
 
 FileText readFile(const std::string& name, std::size_t mostBytes) {
-    constexpr std::size_t kChunk = std::size_t{1} << 20;
+    constexpr std::size_t kChunk = std::size_t{64} << 10;
     const File file = File::toRead(name);
     FileText read{{}, file.error()};
     std::size_t size = 0;
