@@ -34,6 +34,10 @@ endif()
 # An index out of range stops the program, in what is shipped too.
 target_compile_definitions(project_options INTERFACE _GLIBCXX_ASSERTIONS)
 
+if(QOS_FUZZ)
+    target_compile_options(project_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 if(QOS_COVERAGE)
     target_compile_options(project_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
     target_link_options(project_options INTERFACE -fprofile-instr-generate)

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,20 +40,19 @@ public:
     TextDatabase()
         : host(database.entityManager()), operations(database, configuration, host, out.output()) {}
 
-    /// `COLUMN: MESSAGE` of a refused document; empty when it was merged.
-    std::string load(std::string_view text) {
+    /// Merges a state document.
+    std::optional<Fault> merge(std::string_view text) {
         const JsonResult json = parseJson(text);
-        if (const auto* fault = std::get_if<Fault>(&json)) return shown(*fault);
+        if (const auto* fault = std::get_if<Fault>(&json)) return *fault;
         const JsonValue document = std::get<Json>(json).root();
-        if (const auto fault = checkDocument(database, document)) return shown(*fault);
+        if (auto fault = checkDocument(database, document)) return fault;
         mergeDocument(database, document);
         return {};
     }
+    /// `COLUMN: MESSAGE` of a refused document; empty when it was merged.
+    std::string load(std::string_view text) { return shown(merge(text)); }
     /// The same for a change-stream line.
-    std::string apply(std::string_view line) {
-        const auto fault = operations.apply(line);
-        return fault ? shown(*fault) : "";
-    }
+    std::string apply(std::string_view line) { return shown(operations.apply(line)); }
     std::string update(const std::string& path, const std::string& value) {
         return apply(R"({"update":")" + path + R"(","value":)" + value + "}");
     }
@@ -74,8 +74,8 @@ public:
         writeDatabase(writer, database);
         return text;
     }
-    static std::string shown(const Fault& fault) {
-        return std::to_string(fault.offset + 1) + ": " + fault.message;
+    static std::string shown(const std::optional<Fault>& fault) {
+        return fault ? std::to_string(fault->offset + 1) + ": " + fault->message : "";
     }
 
     Database database;
