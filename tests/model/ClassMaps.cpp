@@ -1,6 +1,8 @@
+#include "tests/model/ClassMaps.h"
+
 #include <algorithm>
 
-#include "tests/model/Branches.h"
+#include "tests/model/Names.h"
 
 namespace Model {
 namespace {

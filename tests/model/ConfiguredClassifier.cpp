@@ -1,4 +1,4 @@
-#include "tests/model/Branches.h"
+#include "tests/model/ConfiguredClassifier.h"
 
 namespace Model {
 namespace {

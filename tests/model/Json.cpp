@@ -1,6 +1,37 @@
 #include "tests/model/Json.h"
 
+#include <utility>
+
 namespace Model {
+
+Json::Json() : Json(Kind::null) {}
+
+Json::Json(Kind valueKind, std::string valueText) : kind(valueKind), text(std::move(valueText)) {}
+
+Json Json::null() {
+    return Json(Kind::null);
+}
+
+Json Json::plain(std::string written) {
+    return Json(Kind::plain, std::move(written));
+}
+
+Json Json::of(std::string text) {
+    return Json(Kind::text, std::move(text));
+}
+
+Json Json::object() {
+    return Json(Kind::object);
+}
+
+Json Json::list() {
+    return Json(Kind::list);
+}
+
+Json& Json::add(std::string key, Json value) {
+    members.push_back({std::move(key), std::move(value)});
+    return members.back().value;
+}
 
 const Json* Json::find(std::string_view key) const {
     for (const auto& [name, value] : members)

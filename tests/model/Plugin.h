@@ -4,7 +4,10 @@
 #include <string>
 #include <string_view>
 
-#include "tests/model/Branches.h"
+#include "tests/model/AccessLists.h"
+#include "tests/model/ClassMaps.h"
+#include "tests/model/ConfiguredClassifier.h"
+#include "tests/model/PolicyMaps.h"
 
 namespace Model {
 

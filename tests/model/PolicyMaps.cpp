@@ -1,6 +1,6 @@
-#include <algorithm>
+#include "tests/model/PolicyMaps.h"
 
-#include "tests/model/Branches.h"
+#include <algorithm>
 
 namespace Model {
 namespace {

@@ -43,9 +43,7 @@ bool withoutMembers(Story& story, const std::function<Json&(Story&)>& within, co
             isShorter = true;
             continue;
         }
-        const auto inner = [&within, i](Story& of) -> Json& {
-            return within(of).members[i].second;
-        };
+        const auto inner = [&within, i](Story& of) -> Json& { return within(of).members[i].value; };
         isShorter = withoutMembers(story, inner, fails) || isShorter;
         ++i;
     }

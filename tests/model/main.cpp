@@ -29,7 +29,7 @@ struct Options {
 /// A shrunk plant names at most so many things.
 constexpr std::size_t kHandful = 24;
 constexpr std::uint64_t kMostLinesOfPlant = 40'000;
-/// So many lines set every rule of the model to work.
+/// So many lines, not torn down again and again, set every rule of the model to work.
 constexpr std::uint64_t kEnoughLines = 25'000;
 
 std::string writtenLines(const std::vector<Change>& changes) {
@@ -55,7 +55,8 @@ private:
             tellProgress();
         }
         std::cout << summary() << std::endl;
-        return options_.lines < kEnoughLines || isAllReached() ? 0 : 1;
+        const bool isEnough = !options_.tearsDownAfterEachLine && tally_.lines >= kEnoughLines;
+        return !isEnough || isAllReached() ? 0 : 1;
     }
     bool playOne(const Story& story) {
         if (!options_.tearsDownAfterEachLine) return agrees(story);
@@ -133,11 +134,8 @@ private:
                            std::to_string(tally_.stories) + " sequences, " +
                            std::to_string(tally_.restarts) + " restarts, " +
                            std::to_string(tally_.teardowns) + " teardowns";
-        const char* lead = "; differences ";
-        for (const auto& [kind, count] : tally_.differences) {
-            text += lead + kind + ' ' + std::to_string(count);
-            lead = ", ";
-        }
+        for (const auto& [kind, count] : tally_.differences)
+            text += ", " + std::to_string(count) + ' ' + kind;
         return text;
     }
     bool isAllReached() const {
