@@ -28,7 +28,8 @@ struct Options {
 
 /// A shrunk plant names at most so many things.
 constexpr std::size_t kHandful = 24;
-constexpr std::uint64_t kMostLinesOfPlant = 40'000;
+constexpr std::uint64_t kMostLinesOfPlant = 250'000;
+constexpr std::size_t kLongestOfPlant = 24;
 /// So many lines, not torn down again and again, set every rule of the model to work.
 constexpr std::uint64_t kEnoughLines = 25'000;
 
@@ -83,7 +84,7 @@ private:
         Generator generator(options_.seed);
         Tally tally;
         while (tally.lines < kMostLinesOfPlant) {
-            const Story story = generator.story(12);
+            const Story story = generator.story(kLongestOfPlant);
             const auto failure = play(story, options_.plugin, wrong, tally);
             if (!failure) continue;
             const Story least = shrinkOf(story, wrong, failure->kind);
@@ -91,7 +92,7 @@ private:
             std::cout << "planted " << nameOf(wrong) << ": " << failure->kind << " differs after "
                       << tally.lines << " lines, shrunk to " << size << std::endl;
             if (options_.talks) show(least, *play(least, options_.plugin, wrong, tally));
-            return size <= kHandful;
+            if (size <= kHandful) return true;
         }
         std::cout << "planted " << nameOf(wrong) << ": NOT FOUND" << std::endl;
         return false;
