@@ -7,6 +7,8 @@
 #include <stdexcept>
 #include <unordered_set>
 
+#include "platform/Orin/ThreadLock.h"
+
 namespace Orin {
 namespace {
 
@@ -25,6 +27,8 @@ std::uint64_t folded(std::uint64_t hash, std::uint64_t word) noexcept {
 }
 
 }  // namespace
+
+constinit const String String::kNone;
 
 TextNote::~TextNote() = default;
 
@@ -56,7 +60,7 @@ String::Text* String::made(std::string_view text) {
 class SharedTexts {
 public:
     String find(std::string_view text) {
-        const Lock lock(mutex_);
+        const ThreadLock lock(mutex_);
         const auto held = texts_.find(text);
         if (held != texts_.end() && (*held)->refs.upUnlessGone()) {
             String found;
@@ -71,7 +75,7 @@ public:
         return made;
     }
     void remove(String::Text* text) noexcept {
-        const Lock lock(mutex_);
+        const ThreadLock lock(mutex_);
         const auto held = texts_.find(viewOf(text));
         if (held != texts_.end() && *held == text) texts_.erase(held);
     }
@@ -81,7 +85,6 @@ public:
     }
 
 private:
-    using Lock = std::lock_guard<std::mutex>;
     static std::string_view viewOf(String::Text* text) { return {text->bytes(), text->size}; }
     struct Hash {
         using is_transparent = void;

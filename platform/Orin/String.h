@@ -49,6 +49,9 @@ public:
     /// same. For names that many objects repeat, so that comparing them is comparing pointers.
     static String shared(std::string_view text);
 
+    /// The empty text, to refer to.
+    static const String& none() noexcept { return kNone; }
+
     bool empty() const noexcept { return text_ == nullptr; }
     std::size_t size() const noexcept { return text_ == nullptr ? 0 : text_->size; }
     std::string_view view() const noexcept {
@@ -92,6 +95,7 @@ private:
         char* bytes() noexcept { return reinterpret_cast<char*>(&hash + 1); }
     };
     static constexpr std::uint32_t kEmptyHash = 0;
+    static const String kNone;
 
     friend class SharedTexts;
 

@@ -1,10 +1,9 @@
 #include "platform/OvSlab/Slab.h"
 
-#include <array>
 #include <mutex>
 #include <new>
 
-#include "platform/Orin/ThreadControl.h"
+#include "platform/Orin/ThreadLock.h"
 
 // A build may define it, too, for a checker that works on the finished program.
 #if defined(OVSLAB_PASS_THROUGH)
@@ -18,6 +17,7 @@
 #endif
 
 namespace OvSlab {
+namespace Impl {
 namespace {
 
 #ifdef OVSLAB_PASS_THROUGH
@@ -26,38 +26,16 @@ constexpr bool kPassThrough = true;
 constexpr bool kPassThrough = false;
 #endif
 
-constexpr std::size_t kGrain = 16;
-constexpr std::size_t kLargest = 512;
 constexpr std::size_t kBlockBytes = std::size_t{64} * 1024;
 
-struct FreeCell {
-    FreeCell* next;
-};
 /// The first cell's worth of a block links the blocks, so that leak checkers see them all.
 struct Block {
     Block* next;
 };
 
-constinit std::array<FreeCell*, kLargest / kGrain + 1> freeCells{};
 constinit Block* blocks = nullptr;
 constinit AllocationHook allocationHook = nullptr;
 constinit std::mutex slabMutex;
-
-/// Locked only while several threads are active.
-class SlabLock {
-public:
-    SlabLock() : locked_(Orin::ThreadControl::severalThreadsActive()) {
-        if (locked_) slabMutex.lock();
-    }
-    ~SlabLock() {
-        if (locked_) slabMutex.unlock();
-    }
-    SlabLock(const SlabLock&) = delete;
-    SlabLock& operator=(const SlabLock&) = delete;
-
-private:
-    bool locked_;
-};
 
 bool isFromHeap(std::size_t size) noexcept {
     return kPassThrough || size > kLargest;
@@ -72,11 +50,6 @@ FreeCell* newBlock(std::size_t cellBytes) {
     return cells;
 }
 
-/// At least one: a cell of no size would never be taken from a block.
-std::size_t grainsOf(std::size_t size) noexcept {
-    return size == 0 ? 1 : (size + kGrain - 1) / kGrain;
-}
-
 void* takeCell(std::size_t size) {
     const std::size_t grains = grainsOf(size);
     FreeCell*& cells = freeCells[grains];
@@ -88,17 +61,20 @@ void* takeCell(std::size_t size) {
 
 }  // namespace
 
-void* slabAlloc(std::size_t size, Tracker& tracker) {
+constinit FreeCell* freeCells[kLargest / kGrain + 1]{};
+constinit bool isDirect = !kPassThrough;
+
+void* allocTheLongWay(std::size_t size, Tracker& tracker) {
     if (allocationHook != nullptr) [[unlikely]]
         allocationHook(size);
-    const SlabLock lock;
+    const Orin::ThreadLock lock(slabMutex);
     void* memory = isFromHeap(size) ? ::operator new(size) : takeCell(size);
     tracker.recordAllocation(size);
     return memory;
 }
 
-void slabFree(void* memory, std::size_t size, Tracker& tracker) noexcept {
-    const SlabLock lock;
+void freeTheLongWay(void* memory, std::size_t size, Tracker& tracker) noexcept {
+    const Orin::ThreadLock lock(slabMutex);
     tracker.recordDeallocation();
     if (isFromHeap(size)) {
         ::operator delete(memory);
@@ -108,8 +84,11 @@ void slabFree(void* memory, std::size_t size, Tracker& tracker) noexcept {
     cells = new (memory) FreeCell{cells};
 }
 
+}  // namespace Impl
+
 void allocationHookIs(AllocationHook hook) noexcept {
-    allocationHook = hook;
+    Impl::allocationHook = hook;
+    Impl::isDirect = !Impl::kPassThrough && hook == nullptr;
 }
 
 }  // namespace OvSlab

@@ -1,11 +1,40 @@
 #pragma once
 
 #include <cstddef>
+#include <new>
 
 #include "platform/Orin/Export.h"
+#include "platform/Orin/ThreadControl.h"
 #include "platform/OvSlab/Tracker.h"
 
 namespace OvSlab {
+
+/// What the inline functions below stand on; for them alone.
+namespace Impl {
+
+inline constexpr std::size_t kGrain = 16;
+inline constexpr std::size_t kLargest = 512;
+
+struct FreeCell {
+    FreeCell* next;
+};
+/// Free cells by their size in grains.
+PLATFORM_API extern constinit FreeCell* freeCells[kLargest / kGrain + 1];
+/// False where every request takes the long way: with an allocation hook, or under sanitizers.
+PLATFORM_API extern constinit bool isDirect;
+
+PLATFORM_API void* allocTheLongWay(std::size_t size, Tracker& tracker);
+PLATFORM_API void freeTheLongWay(void* memory, std::size_t size, Tracker& tracker) noexcept;
+
+/// At least one: a cell of no size would never be taken from a block.
+constexpr std::size_t grainsOf(std::size_t size) noexcept {
+    return size == 0 ? 1 : (size + kGrain - 1) / kGrain;
+}
+inline bool isTheShortWay(std::size_t size) noexcept {
+    return size <= kLargest && isDirect && !Orin::ThreadControl::severalThreadsActive();
+}
+
+}  // namespace Impl
 
 /// Memory for one object of `size` bytes, counted by `tracker`. Sizes up to 512 bytes come from
 /// blocks shared by all types of that size, larger ones from the heap; blocks are kept for reuse
@@ -13,9 +42,27 @@ namespace OvSlab {
 ///
 /// Builds with sanitizers pass every request through to the heap, so that a use after free stays
 /// visible to them.
-PLATFORM_API void* slabAlloc(std::size_t size, Tracker& tracker);
+inline void* slabAlloc(std::size_t size, Tracker& tracker) {
+    if (Impl::isTheShortWay(size)) [[likely]] {
+        Impl::FreeCell*& cells = Impl::freeCells[Impl::grainsOf(size)];
+        if (Impl::FreeCell* cell = cells) [[likely]] {
+            cells = cell->next;
+            tracker.recordAllocation(size);
+            return cell;
+        }
+    }
+    return Impl::allocTheLongWay(size, tracker);
+}
 /// Takes back what `slabAlloc` gave out for the same size and tracker.
-PLATFORM_API void slabFree(void* memory, std::size_t size, Tracker& tracker) noexcept;
+inline void slabFree(void* memory, std::size_t size, Tracker& tracker) noexcept {
+    if (!Impl::isTheShortWay(size)) [[unlikely]] {
+        Impl::freeTheLongWay(memory, size, tracker);
+        return;
+    }
+    tracker.recordDeallocation();
+    Impl::FreeCell*& cells = Impl::freeCells[Impl::grainsOf(size)];
+    cells = new (memory) Impl::FreeCell{cells};
+}
 
 /// Called before every allocation with its size; throws `std::bad_alloc` to make it fail.
 /// Null: none.

@@ -18,17 +18,16 @@ public:
 
     std::string_view typeName() const noexcept { return typeName_; }
     /// Objects that exist now.
-    std::size_t live() const noexcept { return live_; }
+    std::size_t live() const noexcept { return made_ - gone_; }
     /// Objects ever made.
-    std::size_t total() const noexcept { return total_; }
+    std::size_t total() const noexcept { return made_; }
     std::size_t objectSize() const noexcept { return objectSize_; }
 
     void recordAllocation(std::size_t size) noexcept {
         objectSize_ = size;
-        ++live_;
-        ++total_;
+        ++made_;
     }
-    void recordDeallocation() noexcept { --live_; }
+    void recordDeallocation() noexcept { ++gone_; }
 
     /// The next listed tracker, null at the end; `first()` begins.
     const Tracker* next() const noexcept { return next_; }
@@ -38,8 +37,8 @@ public:
 
 private:
     std::string_view typeName_;
-    std::size_t live_ = 0;
-    std::size_t total_ = 0;
+    std::size_t made_ = 0;
+    std::size_t gone_ = 0;
     std::size_t objectSize_ = 0;
     Tracker* next_;
 };

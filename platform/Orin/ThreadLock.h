@@ -1,0 +1,27 @@
+#pragma once
+
+#include <mutex>
+
+#include "platform/Orin/ThreadControl.h"
+
+namespace Orin {
+
+/// Holds a mutex, but only where several threads are active.
+class ThreadLock {
+public:
+    explicit ThreadLock(std::mutex& mutex)
+        : mutex_(mutex), isLocked_(ThreadControl::severalThreadsActive()) {
+        if (isLocked_) mutex_.lock();
+    }
+    ~ThreadLock() {
+        if (isLocked_) mutex_.unlock();
+    }
+    ThreadLock(const ThreadLock&) = delete;
+    ThreadLock& operator=(const ThreadLock&) = delete;
+
+private:
+    std::mutex& mutex_;
+    const bool isLocked_;
+};
+
+}  // namespace Orin
