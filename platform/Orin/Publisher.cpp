@@ -7,12 +7,10 @@ Publisher::~Publisher() {
         subscribers_.remove(subscribers_.front());
 }
 
-void Publisher::publishChangeRecursive(AttributeId attributeId, const void* key) {
+void Publisher::callEach(AttributeId attributeId, const void* key) {
     WalkList::Walk walk(subscribers_);
-    while (Link* link = walk.step()) {
-        auto& record = static_cast<Subscriber&>(*link);
-        record.dispatch(*this, record, attributeId, key);
-    }
+    while (Link* link = walk.step())
+        call(*link, attributeId, key);
 }
 
 }  // namespace Orin

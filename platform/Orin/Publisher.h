@@ -48,9 +48,20 @@ public:
     void subscriberDel(Subscriber& record) noexcept {
         if (record.isLinked()) subscribers_.remove(record);
     }
-    void publishChangeRecursive(AttributeId attributeId, const void* key);
+    void publishChangeRecursive(AttributeId attributeId, const void* key) {
+        if (subscribers_.hasOne()) [[likely]]
+            call(subscribers_.front(), attributeId, key);  // whatever it does, nobody else is told
+        else
+            callEach(attributeId, key);
+    }
 
 private:
+    void call(Link& link, AttributeId attributeId, const void* key) {
+        auto& record = static_cast<Subscriber&>(link);
+        record.dispatch(*this, record, attributeId, key);
+    }
+    void callEach(AttributeId attributeId, const void* key);
+
     WalkList subscribers_;
 };
 

@@ -49,6 +49,14 @@ public:
     /// Removes the last value and returns it; there must be one.
     T pop() noexcept { return begin()[--size_]; }
     void clear() noexcept { size_ = 0; }
+    /// Drops all values and makes room for `count` others. Up to that many are written from the
+    /// place returned on; `endIs` is told where they end.
+    T* roomFor(std::size_t count) {
+        size_ = 0;
+        if (count > capacity_) grow(static_cast<std::uint32_t>(count));
+        return begin();
+    }
+    void endIs(const T* end) noexcept { size_ = static_cast<std::uint32_t>(end - begin()); }
     void swap(Vector& other) noexcept {
         std::swap(bits_, other.bits_);
         std::swap(size_, other.size_);

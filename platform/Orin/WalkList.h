@@ -28,6 +28,13 @@ public:
 
     bool empty() const noexcept { return ends_.next == &ends_; }
     Link& front() noexcept { return *ends_.next; }
+    const Link& front() const noexcept { return *ends_.next; }
+    bool hasOne() const noexcept { return ends_.next == ends_.prev && !empty(); }
+
+    /// The link behind one of this list; null at the end.
+    const Link* after(const Link& link) const noexcept {
+        return link.next == &ends_ ? nullptr : link.next;
+    }
 
     /// The link must not be in a list.
     void append(Link& link) noexcept {
@@ -88,7 +95,9 @@ private:
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdangling-pointer"
 #endif
-    void enter() noexcept { list_->walks_ = this; }
+    void enter() noexcept {
+        list_->walks_ = this;
+    }
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic pop
 #endif

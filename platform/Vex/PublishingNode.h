@@ -48,14 +48,22 @@ public:
         if (removed) publishChange(id, &changed);
         return removed;
     }
+    /// Removes the member under the key, value and all; false if there was none.
+    template <class Map>
+    bool memberErase(Orin::AttributeId id, Map& members, const typename Map::Key& key) {
+        const typename Map::Key changed = key;
+        const bool erased = members.erase(changed);
+        if (erased) publishChange(id, &changed);
+        return erased;
+    }
     /// Tells the subscribers. `key` is what `Orin::Dispatch` says.
     void publishChange(Orin::AttributeId id, const void* key) const {
-        if (!publisher_.hasSubscribers()) return;
-        const Orin::Ptr<const PublishingNode> held(this);
-        publisher_.publishChangeRecursive(id, key);
+        if (publisher_.hasSubscribers()) publish(id, key);
     }
 
 private:
+    void publish(Orin::AttributeId id, const void* key) const;
+
     mutable Orin::Publisher publisher_;
 };
 
