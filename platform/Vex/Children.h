@@ -29,7 +29,7 @@ public:
     Orin::Ptr<Sm> createOrKeep(std::string_view attribute, KeyOf keyOf,
                                const Orin::Ptr<First>& first, const A&... rest) {
         if (!first) throwMutatorArgNullPointerException(attribute);
-        const K key = (*first.*keyOf)();
+        const K& key = (*first.*keyOf)();  // stays: the child holds its inputs
         if (Sm* held = get(key)) {
             if (!held->isMadeFrom(first, rest...)) Impl::throwMutatorReinstantiating(attribute);
             return Orin::Ptr<Sm>(held);
@@ -53,7 +53,7 @@ public:
         Sm* gone = get(key);
         if (gone == nullptr) return;
         gone->doPrepareToDie();
-        remove(key);
+        byKey_.erase(key);
     }
 
     void activeIs(bool active) {

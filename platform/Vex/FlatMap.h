@@ -24,10 +24,12 @@ public:
     const Member* begin() const noexcept { return members_.begin(); }
     const Member* end() const noexcept { return members_.end(); }
 
-    /// The value under the key; null if there is none.
+    /// The value under the key; null if there is none. Looks at one after the other: such maps
+    /// have one member, or a few.
     const V* find(K key) const noexcept {
-        const Member* at = std::lower_bound(begin(), end(), key, below);
-        return at == end() || at->key != key ? nullptr : &at->value;
+        for (const Member& member : *this)
+            if (!(member.key < key)) return member.key == key ? &member.value : nullptr;
+        return nullptr;
     }
     /// Enters the member or gives it another value.
     void is(K key, V value) {

@@ -30,7 +30,9 @@ public:
     using Mapped = V;
     static constexpr bool kIsOrdered = false;
     struct Member : Orin::Link {
-        Member(std::uint32_t h, const K& k, V v) : hash(h), key(k), value(std::move(v)) {}
+        template <class... A>
+        Member(std::uint32_t h, const K& k, A&&... v)
+            : hash(h), key(k), value(std::forward<A>(v)...) {}
         std::uint32_t hash;
         const K key;
         V value;
@@ -61,12 +63,37 @@ public:
         return const_cast<HashMap2018*>(this)->find(key);
     }
 
-    /// Enters a member whose key is not there yet.
-    Member& enter(const K& key, V value) {
-        if (size_ == bucketCount_) grow();
+    /// Finds values under one key after the other. Keys asked for in the order of their entry cost
+    /// least: the member behind the one found last is looked at first. The collection must not
+    /// change meanwhile.
+    class Finder {
+    public:
+        explicit Finder(const HashMap2018& map) noexcept
+            : map_(map),
+              next_(map.empty() ? nullptr : static_cast<const Member*>(&map.order_.front())) {}
+        const V* find(const K& key) noexcept {
+            const Member* found = next_;
+            if (found == nullptr || !(found->key == key)) [[unlikely]]
+                found = map_.memberAt(key, KeyTraits<K>::hash(key, kSeed));
+            if (found == nullptr) return nullptr;
+            next_ = static_cast<const Member*>(map_.order_.after(*found));
+            return &found->value;
+        }
+
+    private:
+        const HashMap2018& map_;
+        const Member* next_;
+    };
+
+    /// Enters a member whose key is not there yet, its value made from the arguments.
+    template <class... A>
+    Member& enter(const K& key, A&&... value) {
+        if (size_ == bucketCount_) [[unlikely]]
+            grow();
+        static_assert(std::is_nothrow_constructible_v<V, A...>, "the memory would be lost");
         const std::uint32_t hash = KeyTraits<K>::hash(key, kSeed);
         void* memory = OvSlab::slabAlloc(sizeof(Member), memberTracker);
-        auto* member = new (memory) Member(hash, key, std::move(value));
+        auto* member = new (memory) Member(hash, key, std::forward<A>(value)...);
         Member*& bucket = buckets_[hash & (bucketCount_ - 1)];
         member->chain = bucket;
         bucket = member;
@@ -81,7 +108,16 @@ public:
     std::optional<V> remove(const Q& key) {
         Member* member = memberAt(key, KeyTraits<K>::hash(key, kSeed));
         if (member == nullptr) return std::nullopt;
-        return unlink(*member);
+        std::optional<V> value(std::move(member->value));
+        unlink(*member);
+        return value;
+    }
+    /// Removes the member under the key, value and all; false if there is none.
+    template <class Q>
+    bool erase(const Q& key) {
+        Member* member = memberAt(key, KeyTraits<K>::hash(key, kSeed));
+        if (member != nullptr) unlink(*member);
+        return member != nullptr;
     }
     /// Removes all members, in order of entry. The collection must not go meanwhile.
     void clear() noexcept {
@@ -101,19 +137,19 @@ private:
             member = member->chain;
         return member;
     }
-    V unlink(Member& member) noexcept {
+    void unlink(Member& member) noexcept {
         Member** at = &buckets_[member.hash & (bucketCount_ - 1)];
         while (*at != &member)
             at = &(*at)->chain;
         *at = member.chain;
         order_.remove(member);
         --size_;
-        V value = std::exchange(member.value, V());
-        if (auto* walk = order_.outermostWalkAt(member)) [[unlikely]]
+        if (auto* walk = order_.outermostWalkAt(member)) [[unlikely]] {
+            member.value = V();
             static_cast<Iterator*>(walk)->stale_ = &member;
-        else
+        } else {
             destroy(&member);
-        return value;
+        }
     }
     static void destroy(Member* member) noexcept {
         member->~Member();

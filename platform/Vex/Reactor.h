@@ -66,7 +66,8 @@ public:
         auto machine = Orin::Ptr<Sm>::adopt(new Sm(given...));
         assertThat(machine->flag(kStarted), "constructor ends with start()", "platform/Vex/Reactor",
                    __LINE__, __PRETTY_FUNCTION__);
-        machine->hasNotificationActiveIs(true);
+        // Its constructor has subscribed, and what it made is active already.
+        machine->flagIs(kNotificationActive, true);
         return machine;
     }
 
