@@ -1,6 +1,6 @@
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/AclSubStateSm.h"
 
-#include <optional>
+#include <utility>
 
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/Trace.h"
 #include "platform/QosOc/Naming.h"
@@ -25,30 +25,47 @@ constexpr unsigned kUnexpectedAclTypeLine = 240;
 constexpr unsigned kDscpShift = 2;
 constexpr unsigned kWholeDscp = 63;
 
-std::optional<unsigned char> dscpOf(const Acl::IpRuleConfig* rule) {
-    if (rule == nullptr || !rule->filter.dscpEnabled) return std::nullopt;
-    return rule->filter.dscpValue;
+bool matchesDscp(const Acl::IpRuleConfig& rule) {
+    return rule.filter.dscpEnabled;
+}
+bool matchesDscp(const Acl::Ip6RuleConfig& rule) {
+    return rule.filter.trafficClassMask >> kDscpShift == kWholeDscp;
+}
+unsigned char dscpOf(const Acl::IpRuleConfig& rule) {
+    return rule.filter.dscpValue;
+}
+unsigned char dscpOf(const Acl::Ip6RuleConfig& rule) {
+    return static_cast<unsigned char>(rule.filter.trafficClass >> kDscpShift);
 }
 
-std::optional<unsigned char> dscpOf(const Acl::Ip6RuleConfig* rule) {
-    if (rule == nullptr || rule->filter.trafficClassMask >> kDscpShift != kWholeDscp)
-        return std::nullopt;
-    return static_cast<unsigned char>(rule->filter.trafficClass >> kDscpShift);
-}
+/// Room for the values of one computation, kept from one to the next. A computation within another
+/// has its own.
+class Values {
+public:
+    Values() noexcept : values_(std::exchange(kept, {})) {}
+    ~Values() { kept = std::move(values_); }
+    Values(const Values&) = delete;
+    Values& operator=(const Values&) = delete;
+    Orin::Vector<unsigned char>& operator*() noexcept { return values_; }
 
-/// The DSCP that a rule matches, if any; a rule that is missing matches none.
-std::optional<unsigned char> dscpOf(const Acl::AclSubConfig& config, Acl::AclType aclType,
-                                    Ovk::UniqueId ruleId) {
-    switch (aclType) {
-        case Acl::AclType::ipv4:
-            return dscpOf(config.ipRuleById().find(ruleId));
-        case Acl::AclType::ipv6:
-            return dscpOf(config.ip6RuleById().find(ruleId));
-        default:
-            Vex::SassertHelper("false", "Unexpected ACL Type")
-                .fail("\"false\" == nullptr", kSource, kUnexpectedAclTypeLine,
-                      kHandleAclRules.signature);
-    }
+private:
+    static inline Orin::Vector<unsigned char> kept;
+
+    Orin::Vector<unsigned char> values_;
+};
+
+/// The values become the DSCPs of the rules that match one, in sequence. A rule that is missing
+/// matches none.
+template <class Rules>
+void valuesAre(Orin::Vector<unsigned char>& values,
+               const Acl::AclSubConfig::RuleIdBySequence& sequence, const Rules& ruleById) {
+    unsigned char* end = values.roomFor(sequence.size());
+    typename Rules::Finder rules(ruleById);
+    sequence.eachValue([&](Ovk::UniqueId ruleId) {
+        const auto* rule = rules.find(ruleId);
+        if (rule != nullptr && matchesDscp(*rule)) *end++ = dscpOf(*rule);
+    });
+    values.endIs(end);
 }
 
 }  // namespace
@@ -111,18 +128,26 @@ void AclSubStateSm::handleAclRules() {
         deleteClassifierTermCondition(classifierStateDir_, key.classifierName, key.termId, false);
         return;
     }
-    Orin::Vector<unsigned char> values = dscpValues();
+    Values values;
+    readDscps(*values);
     addClassifierTermCondition(classifierStateDir_, key.classifierName,
                                classifierTypeFromAclType(aclNameAndType_->aclType()), key.termId,
-                               values);
+                               *values);
 }
 
-Orin::Vector<unsigned char> AclSubStateSm::dscpValues() const {
-    Orin::Vector<unsigned char> values;
-    for (const auto& rule : aclSubConfig_->ruleIdBySequence())
-        if (const auto dscp = dscpOf(*aclSubConfig_, aclNameAndType_->aclType(), rule.value))
-            values.push(*dscp);
-    return values;
+void AclSubStateSm::readDscps(Orin::Vector<unsigned char>& values) const {
+    switch (aclNameAndType_->aclType()) {
+        case Acl::AclType::ipv4:
+            valuesAre(values, aclSubConfig_->ruleIdBySequence(), aclSubConfig_->ipRuleById());
+            break;
+        case Acl::AclType::ipv6:
+            valuesAre(values, aclSubConfig_->ruleIdBySequence(), aclSubConfig_->ip6RuleById());
+            break;
+        default:
+            Vex::SassertHelper("false", "Unexpected ACL Type")
+                .fail("\"false\" == nullptr", kSource, kUnexpectedAclTypeLine,
+                      kHandleAclRules.signature);
+    }
 }
 
 void AclSubStateSm::doPrepareToDie() {

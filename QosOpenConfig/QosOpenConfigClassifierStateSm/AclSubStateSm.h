@@ -51,7 +51,7 @@ public:
 
 private:
     /// The DSCP values that the rules match, in their order.
-    Orin::Vector<unsigned char> dscpValues() const;
+    void readDscps(Orin::Vector<unsigned char>& values) const;
 
     Vex::Watched<Acl::AclSubConfig> aclSubConfig_;
     Orin::Ptr<const AclNameAndType> aclNameAndType_;

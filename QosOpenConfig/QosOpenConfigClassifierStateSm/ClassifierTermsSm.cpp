@@ -67,7 +67,8 @@ void ClassifierTermsSm::handleClassifierTerm(const String& termId) {
             ", classifierType = ", classifierType_, ", termId = ", termId);
     const Config::Term* term = classifierTermsConfig_->term().find(termId);
     const bool hasActions = term != nullptr && term->actions;
-    updateClassifierTermActionStatePath(termId, hasActions ? term->actions->targetGroup : String());
+    updateClassifierTermActionStatePath(termId,
+                                        hasActions ? term->actions->targetGroup : String::none());
 }
 
 void ClassifierTermsSm::updateClassifierTermActionStatePath(const String& termId,
@@ -76,8 +77,7 @@ void ClassifierTermsSm::updateClassifierTermActionStatePath(const String& termId
             ", classifierType = ", classifierType_, ", termId = ", termId,
             ", targetGroup = ", targetGroup);
     const Config::ClassifierConfig key{classifierName_, classifierType_};
-    const unsigned* count = classifiersWithPmap_->classifier().find(key);
-    if (count != nullptr && *count != 0) {
+    if (classifiersWithPmap_->isInUse(key)) {
         traceOf(this, kUpdateClassifierTermActionStatePath, " classifier : ", key,
                 " is a part of pmap(s), skipping");
         return;

@@ -21,6 +21,11 @@ public:
     static Orin::Ptr<ClassifiersWithPmap> ClassifiersWithPmapIs();
 
     const CountByClassifier& classifier() const noexcept { return classifier_; }
+    /// True when a policy map uses the classifier.
+    bool isInUse(const Config::ClassifierConfig& key) const noexcept {
+        const unsigned* count = classifier_.find(key);
+        return count != nullptr && *count != 0;
+    }
     /// Enters the key with the count, or gives it another count.
     void classifierIs(const Config::ClassifierConfig& key, unsigned count);
     /// Removes the key and returns its count; 0 when it was absent.

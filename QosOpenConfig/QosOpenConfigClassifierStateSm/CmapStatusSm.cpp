@@ -38,8 +38,7 @@ Orin::Ptr<CmapStatusSm> cmapStatusSmFactory(const Orin::Ptr<const Qos::ClassMapS
 }
 
 const String& CmapStatusSm::cmapName() const noexcept {
-    static const String none;
-    return cmapStatus_ ? cmapStatus_->cmapName() : none;
+    return cmapStatus_ ? cmapStatus_->cmapName() : String::none();
 }
 
 void CmapStatusSm::handleInitialized() {
@@ -51,23 +50,21 @@ void CmapStatusSm::handleInitialized() {
 
 void CmapStatusSm::handleCmapStatusMatch(Qos::ClassMapMatchOption option) {
     traceOf(this, kHandleCmapStatusMatch, ", option = ", option);
-    const ClassifierKey& key = classifierKeyFromConfigObjName(cmapName());
-    const String className = classifierNameFromClassName(cmapName());
     const bool isPresent = cmapStatus_ && cmapStatus_->match().find(option) != nullptr;
     const auto type = isPresent ? classifierTypeFromMatchOption(option) : Classifier::Type::IPV4;
+    const ClassifierKey& key = classifierKeyFromConfigObjName(cmapName());
     if (key.isTerm())
         addClassifierTerm(classifierStateDir_, key.classifierName, type, key.termId);
-    else if (!className.empty())
+    else if (const String className = classifierNameFromClassName(cmapName()); !className.empty())
         addClassifier(classifierStateDir_, className, type);
 }
 
 void CmapStatusSm::doPrepareToDie() {
     traceOf(this, kDoPrepareToDie);
     const ClassifierKey& key = classifierKeyFromConfigObjName(cmapName());
-    const String className = classifierNameFromClassName(cmapName());
     if (key.isTerm())
         deleteClassifierTerm(classifierStateDir_, key.classifierName, key.termId);
-    else if (!className.empty())
+    else if (const String className = classifierNameFromClassName(cmapName()); !className.empty())
         deleteClassifier(classifierStateDir_, className);
 }
 

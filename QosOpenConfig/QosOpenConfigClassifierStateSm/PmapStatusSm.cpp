@@ -1,7 +1,6 @@
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/PmapStatusSm.h"
 
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/Trace.h"
-#include "platform/QosOc/Naming.h"
 #include "platform/Vex/Assert.h"
 #include "platform/Vex/Derive.h"
 
@@ -93,8 +92,7 @@ void PmapStatusSm::vex_CliConfig_ForwardingGroupNameToTcMapInDel() {
 }
 
 const String& PmapStatusSm::pmapName() const noexcept {
-    static const String none;
-    return pmapStatus_ ? pmapStatus_->pmapName() : none;
+    return pmapStatus_ ? pmapStatus_->pmapName() : String::none();
 }
 
 bool PmapStatusSm::isOwn(const String& classifierName) const noexcept {
@@ -116,45 +114,89 @@ void PmapStatusSm::handleInitialized() {
 String PmapStatusSm::targetGroupOf(const Qos::PolicyMapClass& policyMapClass) const {
     const std::uint32_t* tc = policyMapClass.action.find(Qos::PolicyMapClass::kSetTrafficClass);
     if (tc == nullptr) return {};
-    const auto cliConfig = cliConfig_.notifier();
-    Vex::assertThat(static_cast<bool>(cliConfig), "cliConfig", kPmapSource, __LINE__,
+    const Qos::Input::Config* cliConfig = cliConfig_.get()->notifier().get();
+    Vex::assertThat(cliConfig != nullptr, "cliConfig", kPmapSource, __LINE__,
                     kUpdateClassifierTermActions.signature);
     return targetGroupFromTc(*tc, cliConfig->forwardingGroupNameToTcMap());
 }
 
 ClassifierMetaData::Ptr PmapStatusSm::updateClassifierTermActions() {
-    traceOf(this, kUpdateClassifierTermActions, ", pmapName = ", pmapName());
     auto metaData = ClassifierMetaData::Ptr::adopt(new ClassifierMetaData);
     metaData->classifierInfoIs(ipv4ClassifierName_);
     metaData->classifierInfoIs(ipv6ClassifierName_);
-    if (!pmapStatus_) return metaData;
+    writeTermActions([&](const ClassifierKey& key, const String& targetGroup) {
+        metaData->classifierInfoIs(key.classifierName)
+            .termActionInfoIs({key.termId, key.classifierName, targetGroup});
+    });
+    return metaData;
+}
+
+// Makes each class a term with its action, and hands the class's key and target group to `record`.
+template <class Record>
+void PmapStatusSm::writeTermActions(Record record) {
+    traceOf(this, kUpdateClassifierTermActions, ", pmapName = ", pmapName());
+    if (!pmapStatus_) return;
+    const StatePlace place(classifierStateDir_);
     for (const auto& member : pmapStatus_->classes()) {
         const ClassifierKey& key = classifierKeyFromConfigObjName(member.key);
         if (!key.isTerm()) continue;
-        const auto type = key.classifierName == ipv6ClassifierName_ ? Classifier::Type::IPV6
-                                                                    : Classifier::Type::IPV4;
-        addClassifierTerm(classifierStateDir_, key.classifierName, type, key.termId);
         const String targetGroup = targetGroupOf(member.value);
-        traceOf(this, kUpdateClassifierTermActions, ", cmapName = ", member.key,
-                ", targetGroup = ", targetGroup);
-        if (targetGroup.empty())
-            deleteClassifierTermAction(classifierStateDir_, key.classifierName, key.termId);
-        else
-            addClassifierTermAction(classifierStateDir_, key.classifierName, type, key.termId,
-                                    targetGroup);
-        metaData->classifierInfoIs(key.classifierName)
-            .termActionInfoIs({key.termId, key.classifierName, targetGroup});
+        // A term that is there needs no more than its action, where no lines are due.
+        if (traceEnabled() ||
+            !storedTermActionIs(place, key.classifierName, key.termId, targetGroup))
+            writeTermAction(place, member.key, key, targetGroup);
+        record(key, targetGroup);
     }
-    return metaData;
+}
+
+void PmapStatusSm::writeTermAction(const StatePlace& place, const String& cmapName,
+                                   const ClassifierKey& key, const String& targetGroup) const {
+    const auto type =
+        key.classifierName == ipv6ClassifierName_ ? Classifier::Type::IPV6 : Classifier::Type::IPV4;
+    addClassifierTerm(place, key.classifierName, type, key.termId);
+    traceOf(this, kUpdateClassifierTermActions, ", cmapName = ", cmapName,
+            ", targetGroup = ", targetGroup);
+    if (targetGroup.empty())
+        deleteClassifierTermAction(place, key.classifierName, key.termId);
+    else
+        addClassifierTermAction(place, key.classifierName, type, key.termId, targetGroup);
 }
 
 void PmapStatusSm::handlePmapStatusVersionUpdate() {
     traceOf(this, kHandlePmapStatusVersionUpdate, ", pmapName = ", pmapName(),
             ", pmapStatusVersion = ", pmapStatus_ ? pmapStatus_->version() : 0);
+    if (!traceEnabled() && !writeAndFindStale()) return;
     const ClassifierMetaData::Ptr metaData = updateClassifierTermActions();
     traceOf(this, kHandlePmapStatusVersionUpdate,
             ", removing the stale classifier term action paths");
     removeStaleTermActions(*metaData);
+}
+
+// No record is needed to see that nothing is stale: every class that has a target group has a term
+// with it, so there is no other term with an action where both are equally many.
+bool PmapStatusSm::writeAndFindStale() {
+    std::size_t ipv4Actions = 0;
+    std::size_t ipv6Actions = 0;
+    writeTermActions([&](const ClassifierKey& key, const String& targetGroup) {
+        if (targetGroup.empty()) return;
+        if (key.classifierName == ipv4ClassifierName_)
+            ++ipv4Actions;
+        else if (key.classifierName == ipv6ClassifierName_)
+            ++ipv6Actions;
+    });
+    return storedActions(ipv4ClassifierName_) != ipv4Actions ||
+           (!(ipv6ClassifierName_ == ipv4ClassifierName_) &&
+            storedActions(ipv6ClassifierName_) != ipv6Actions);
+}
+
+// The terms whose action would change if it were taken away.
+std::size_t PmapStatusSm::storedActions(const String& classifierName) const {
+    const State::Classifier* classifier = classifierStateDir_->classifier(classifierName);
+    if (classifier == nullptr || classifier->terms() == nullptr) return 0;
+    std::size_t count = 0;
+    for (const auto& member : classifier->terms()->term())
+        if (!member.value.actions || !member.value.actions->targetGroup.empty()) ++count;
+    return count;
 }
 
 // The classifiers of others are passed over with a line each; where no lines are due, our own are
@@ -182,16 +224,18 @@ void PmapStatusSm::removeStaleTermActions(const ClassifierMetaData& metaData) {
 void PmapStatusSm::removeStaleTermActions(const State::Classifier& classifier,
                                           const ClassifierInfo& info) {
     if (classifier.terms() == nullptr) return;
+    const StatePlace place(classifierStateDir_);
     for (const auto& member : classifier.terms()->term()) {
         const TermActionInfo* recorded = info.termActionInfo(member.key);
         if (recorded == nullptr || recorded->targetGroup.empty())
-            deleteClassifierTermAction(classifierStateDir_, classifier.name(), member.key);
+            deleteClassifierTermAction(place, classifier.name(), member.key);
     }
 }
 
 void PmapStatusSm::handleForwardingGroupNameToTcMap() {
     traceOf(this, kHandleForwardingGroupNameToTcMap);
-    updateClassifierTermActions();
+    // Only a version tells which actions are stale: nobody reads a record of these.
+    writeTermActions([](const ClassifierKey&, const String&) {});
 }
 
 void PmapStatusSm::doPrepareToDie() {
@@ -217,14 +261,14 @@ void PmapStatusSm::doPrepareToDie() {
 void PmapStatusSm::giveBack(const Config::Classifier& configured) {
     const String& name = configured.name();
     const auto type = configured.config().type.value_or(Classifier::Type::IPV4);
-    addClassifier(classifierStateDir_, name, type);
+    const StatePlace place(classifierStateDir_);
+    addClassifier(place, name, type);
     if (!configured.terms()) return;
     for (const auto& member : configured.terms()->term()) {
-        addClassifierTerm(classifierStateDir_, name, type, member.key);
+        addClassifierTerm(place, name, type, member.key);
         const auto& actions = member.value.actions;
         if (actions && !actions->targetGroup.empty())
-            addClassifierTermAction(classifierStateDir_, name, type, member.key,
-                                    actions->targetGroup);
+            addClassifierTermAction(place, name, type, member.key, actions->targetGroup);
     }
 }
 

@@ -5,6 +5,7 @@
 #include "platform/Qos/PolicyMapStatus.h"
 #include "platform/QosOc/ClassifierMetaData.h"
 #include "platform/QosOc/Config/ClassifiersDir.h"
+#include "platform/QosOc/Naming.h"
 #include "platform/Vex/NotifieeConst.h"
 #include "platform/Vex/Reactor.h"
 
@@ -83,6 +84,13 @@ private:
     const Orin::String& pmapName() const noexcept;
     bool isOwn(const Orin::String& classifierName) const noexcept;
     Orin::String targetGroupOf(const Qos::PolicyMapClass& policyMapClass) const;
+    template <class Record>
+    void writeTermActions(Record record);
+    void writeTermAction(const StatePlace& place, const Orin::String& cmapName,
+                         const ClassifierKey& key, const Orin::String& targetGroup) const;
+    /// Writes the terms of all classes and their actions; true when others have actions left.
+    bool writeAndFindStale();
+    std::size_t storedActions(const Orin::String& classifierName) const;
     void removeStaleTermActions(const ClassifierMetaData& metaData);
     void removeStaleTermActions(const State::Classifier& classifier, const ClassifierInfo& info);
     void giveBack(const Config::Classifier& configured);

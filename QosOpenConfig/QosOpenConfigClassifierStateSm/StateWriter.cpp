@@ -36,68 +36,61 @@ constexpr auto kDeleteClassifierTermAction =
     tracePoint("deleteClassifierTermAction",
                "void QosOc::deleteClassifierTermAction(const Ptr&, const String&, const String&)");
 
-/// A stored term and where it is stored; both null when it is not.
-struct StoredTerm {
-    State::Terms* terms = nullptr;
-    State::Term* term = nullptr;
-};
-
-State::Classifier& classifierMade(const StateDir& root, const String& name, Classifier::Type type) {
+void traceAddClassifier(const String& name, Classifier::Type type) {
     trace(kAddClassifier, ", classifierName = ", name, ", classifierType = ", type);
-    if (State::Classifier* existing = root->classifier(name)) return *existing;
-    State::Classifier& made = root->classifierIs(name);
+}
+
+void traceAddClassifierTerm(const String& name, Classifier::Type type, const String& termId) {
+    trace(kAddClassifierTerm, ", classifierName = ", name, ", classifierType = ", type,
+          ", termId = ", termId);
+    traceAddClassifier(name, type);
+}
+
+State::Classifier& classifierMade(const StatePlace& place, const String& name,
+                                  Classifier::Type type) {
+    if (State::Classifier* existing = place.classifier(name)) return *existing;
+    place.forget();
+    State::Classifier& made = place.root().classifierIs(name);
     made.stateIs({name, type});
     return made;
 }
 
-StoredTerm termMade(const StateDir& root, const String& name, Classifier::Type type,
-                    const String& termId) {
-    trace(kAddClassifierTerm, ", classifierName = ", name, ", classifierType = ", type,
-          ", termId = ", termId);
-    State::Terms& terms = classifierMade(root, name, type).termsIs();
-    if (State::Term* existing = terms.term(termId)) return {&terms, existing};
-    terms.termIs(State::Term(termId));
-    return {&terms, terms.term(termId)};
-}
-
-StoredTerm storedTerm(const StateDir& root, const String& name, const String& termId) {
-    const State::Classifier* classifier = root->classifier(name);
-    State::Terms* terms = classifier == nullptr ? nullptr : classifier->terms();
-    return {terms, terms == nullptr ? nullptr : terms->term(termId)};
-}
-
-Config::TermConditionsIpConfig ipConditions(const Orin::Vector<unsigned char>& values) {
-    if (values.size() == 1) return Config::TermConditionsIpConfig(values[0]);
-    Config::TermConditionsIpConfig set;
-    set.dscpSet = values;
-    return set;
+void newTerm(const StatePlace& place, const String& name, Classifier::Type type,
+             const String& termId) {
+    State::Classifier& classifier = classifierMade(place, name, type);
+    place.forget();
+    classifier.termsIs().bareTermIs(termId);
 }
 
 }  // namespace
 
-void addClassifier(const StateDir& root, const String& name, Classifier::Type type) {
-    classifierMade(root, name, type);
+void addClassifier(const StatePlace& place, const String& name, Classifier::Type type) {
+    traceAddClassifier(name, type);
+    classifierMade(place, name, type);
 }
 
-void deleteClassifier(const StateDir& root, const String& name) {
+void deleteClassifier(const StatePlace& place, const String& name) {
     trace(kDeleteClassifier, ", classifierName = ", name);
-    root->classifierDel(name);
+    place.forget();
+    place.root().classifierDel(name);
 }
 
-void addClassifierTerm(const StateDir& root, const String& name, Classifier::Type type,
+void addClassifierTerm(const StatePlace& place, const String& name, Classifier::Type type,
                        const String& termId) {
-    termMade(root, name, type, termId);
+    traceAddClassifierTerm(name, type, termId);
+    if (place.term(name, termId) == nullptr) newTerm(place, name, type, termId);
 }
 
-void deleteClassifierTerm(const StateDir& root, const String& name, const String& termId) {
+void deleteClassifierTerm(const StatePlace& place, const String& name, const String& termId) {
     trace(kDeleteClassifierTerm, ", classifierName = ", name, ", termId = ", termId);
-    State::Classifier* classifier = root->classifier(name);
+    place.forget();
+    State::Classifier* classifier = place.root().classifier(name);
     if (classifier == nullptr || classifier->terms() == nullptr) return;
     classifier->terms()->termDel(termId);
     if (classifier->terms()->term().empty()) classifier->termsDel();
 }
 
-void addClassifierTermCondition(const StateDir& root, const String& name, Classifier::Type type,
+void addClassifierTermCondition(const StatePlace& place, const String& name, Classifier::Type type,
                                 const String& termId, Orin::Vector<unsigned char>& values) {
     trace(kAddClassifierTermCondition, ", classifierName = ", name, ", classifierType = ", type,
           ", termId = ", termId);
@@ -105,36 +98,40 @@ void addClassifierTermCondition(const StateDir& root, const String& name, Classi
         trace(kAddClassifierTermCondition, ", no rules are defined, skipping");
         return;
     }
-    const StoredTerm stored = termMade(root, name, type, termId);
-    Config::TermConditions conditions;
-    (type == Classifier::Type::IPV4 ? conditions.ipv4 : conditions.ipv6) = ipConditions(values);
-    stored.terms->conditionsIs(*stored.term, std::move(conditions));
+    traceAddClassifierTerm(name, type, termId);
+    State::Term* term = place.term(name, termId);
+    if (term == nullptr) {
+        newTerm(place, name, type, termId);
+        term = place.term(name, termId);
+    }
+    if (place.terms().dscpsAre(*term, type, values)) place.forget();
 }
 
-void deleteClassifierTermCondition(const StateDir& root, const String& name, const String& termId,
-                                   bool removeConditions) {
+void deleteClassifierTermCondition(const StatePlace& place, const String& name,
+                                   const String& termId, bool removeConditions) {
     trace(kDeleteClassifierTermCondition, ", classifierName = ", name, ", termId = ", termId);
-    const StoredTerm stored = storedTerm(root, name, termId);
-    if (stored.term == nullptr) return;
-    if (removeConditions)
-        stored.terms->conditionsIs(*stored.term, std::nullopt);
-    else
-        stored.terms->conditionsIs(*stored.term, Config::TermConditions());
+    State::Term* term = place.term(name, termId);
+    if (term == nullptr) return;
+    std::optional<Config::TermConditions> left;
+    if (!removeConditions) left.emplace();
+    if (place.terms().conditionsIs(*term, std::move(left))) place.forget();
 }
 
-void addClassifierTermAction(const StateDir& root, const String& name, Classifier::Type type,
+void addClassifierTermAction(const StatePlace& place, const String& name, Classifier::Type type,
                              const String& termId, const String& targetGroup) {
     trace(kAddClassifierTermAction, ", classifierName = ", name, ", classifierType = ", type,
           ", termId = ", termId, ", targetGroup = ", targetGroup);
-    const StoredTerm stored = termMade(root, name, type, termId);
-    stored.terms->actionsIs(*stored.term, {targetGroup});
+    traceAddClassifierTerm(name, type, termId);
+    if (storedTermActionIs(place, name, termId, targetGroup)) return;
+    const String kept = targetGroup;  // may go with what is told of the new term
+    newTerm(place, name, type, termId);
+    storedTermActionIs(place, name, termId, kept);
 }
 
-void deleteClassifierTermAction(const StateDir& root, const String& name, const String& termId) {
+void deleteClassifierTermAction(const StatePlace& place, const String& name, const String& termId) {
     trace(kDeleteClassifierTermAction, ", classifierName = ", name, ", termId = ", termId);
-    const StoredTerm stored = storedTerm(root, name, termId);
     // The container stays, its target group cleared: unlike conditions, actions never go.
-    if (stored.term != nullptr) stored.terms->actionsIs(*stored.term, {});
+    storedTermActionIs(place, name, termId, String::none());
 }
 
 }  // namespace QosOc

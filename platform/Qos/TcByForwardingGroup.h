@@ -18,22 +18,22 @@ public:
     using Base = HashMap2018;
 
     Member& enter(const Orin::String& group, std::uint32_t tc) {
-        const auto listed = groups_.emplace(tc, group).first;
+        list(group, tc);
         try {
             return Base::enter(group, tc);
         } catch (...) {
-            groups_.erase(listed);
+            unlist(group, tc);
             throw;
         }
     }
     void assign(const Orin::String& group, std::uint32_t& held, std::uint32_t tc) {
-        groups_.emplace(tc, group);
-        groups_.erase({held, group});
+        list(group, tc);
+        unlist(group, held);
         held = tc;
     }
     std::optional<std::uint32_t> remove(const Orin::String& group) {
         const std::optional<std::uint32_t> removed = Base::remove(group);
-        if (removed) groups_.erase({*removed, group});
+        if (removed) unlist(group, *removed);
         return removed;
     }
     void clear() noexcept {
@@ -44,12 +44,29 @@ public:
     /// The group with that traffic class, the least name in byte order where there are several;
     /// empty where there is none.
     Orin::String forwardingGroup(std::uint32_t tc) const {
-        const auto least = groups_.lower_bound({tc, Orin::String()});
-        return least == groups_.end() || least->first != tc ? Orin::String() : least->second;
+        const Groups* groups = groups_.find(tc);
+        return groups == nullptr ? Orin::String() : *groups->begin();
     }
 
 private:
-    std::set<std::pair<std::uint32_t, Orin::String>> groups_;
+    /// Never empty; in byte order.
+    using Groups = std::set<Orin::String>;
+
+    void list(const Orin::String& group, std::uint32_t tc) {
+        if (Groups* groups = groups_.find(tc)) {
+            groups->insert(group);
+            return;
+        }
+        Groups only{group};
+        groups_.enter(tc, std::move(only));
+    }
+    void unlist(const Orin::String& group, std::uint32_t tc) noexcept {
+        Groups& groups = *groups_.find(tc);
+        groups.erase(group);
+        if (groups.empty()) groups_.erase(tc);
+    }
+
+    HashMap2018<std::uint32_t, Groups, Vex::seedOf("TcByForwardingGroup.groups")> groups_;
 };
 
 }  // namespace Qos

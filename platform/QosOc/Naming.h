@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "platform/Acl/AclType.h"
 #include "platform/Orin/Export.h"
@@ -39,15 +41,32 @@ struct PmapClassifiers {
     friend bool operator==(const PmapClassifiers&, const PmapClassifiers&) = default;
 };
 
+/// What a name says when it was made from classifiers: both readings of it.
+struct PLATFORM_API DecodedName : Orin::TextNote {
+    ClassifierKey classifierKey;
+    PmapClassifiers pmapClassifiers;
+
+    static const DecodedName kNone;
+    static std::unique_ptr<DecodedName> of(std::string_view name);
+};
+/// What is kept with the name, worked out at the first call.
+inline const DecodedName& decodedName(const Orin::String& name) {
+    return name.empty() ? DecodedName::kNone : name.note(DecodedName::of);
+}
+
 /// The term that a class map or access list of this name was made from. The result lives as long
 /// as any copy of the name.
-PLATFORM_API const ClassifierKey& classifierKeyFromConfigObjName(const Orin::String& name);
+inline const ClassifierKey& classifierKeyFromConfigObjName(const Orin::String& name) {
+    return decodedName(name).classifierKey;
+}
 /// The classifier that an ordinary class map stands for, which has its name; empty for an empty
 /// name, for `class-default` and for every name that begins with `openconfig:`.
 PLATFORM_API Orin::String classifierNameFromClassName(const Orin::String& className);
 /// The classifiers of a policy map; both are empty when it was not made from classifiers.
 /// The result lives as long as any copy of the name.
-PLATFORM_API const PmapClassifiers& classifiersFromPmapName(const Orin::String& pmapName);
+inline const PmapClassifiers& classifiersFromPmapName(const Orin::String& pmapName) {
+    return decodedName(pmapName).pmapClassifiers;
+}
 
 /// The name of the class map and the access list of a term; the way back of
 /// `classifierKeyFromConfigObjName`. Neither part is empty.
@@ -58,14 +77,21 @@ PLATFORM_API std::string pmapName(std::string_view ipv4ClassifierName,
                                   std::string_view ipv6ClassifierName);
 
 /// IPv6 for `matchIpv6AccessGroup`, IPv4 for all others.
-PLATFORM_API Classifier::Type classifierTypeFromMatchOption(
-    Qos::ClassMapMatchOption option) noexcept;
+constexpr Classifier::Type classifierTypeFromMatchOption(Qos::ClassMapMatchOption option) noexcept {
+    return option == Qos::ClassMapMatchOption::matchIpv6AccessGroup ? Classifier::Type::IPV6
+                                                                    : Classifier::Type::IPV4;
+}
 /// IPv6 for `ipv6`, IPv4 otherwise.
-PLATFORM_API Classifier::Type classifierTypeFromAclType(Acl::AclType aclType) noexcept;
+constexpr Classifier::Type classifierTypeFromAclType(Acl::AclType aclType) noexcept {
+    return aclType == Acl::AclType::ipv6 ? Classifier::Type::IPV6 : Classifier::Type::IPV4;
+}
 
 /// The forwarding group to which the map assigns the traffic class, the least name in byte order
 /// where there are several; empty where there is none, or no map.
-PLATFORM_API Orin::String targetGroupFromTc(
-    std::uint32_t tc, const Orin::Ptr<const Qos::ForwardingGroupNameToTcMap>& map);
+template <class Map>
+Orin::String targetGroupFromTc(std::uint32_t tc, const Orin::Ptr<Map>& map) {
+    static_assert(std::is_same_v<const Map, const Qos::ForwardingGroupNameToTcMap>);
+    return map ? map->forwardingGroup(tc) : Orin::String();
+}
 
 }  // namespace QosOc

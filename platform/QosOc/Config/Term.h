@@ -59,7 +59,7 @@ public:
 
     Term() = default;
     /// A bare term.
-    explicit Term(const Orin::String& termId) : id(termId), stateId(termId) {}
+    explicit Term(const Orin::String& termId) noexcept : id(termId), stateId(termId) {}
 
     /// The key under which the term is kept.
     Orin::String id;

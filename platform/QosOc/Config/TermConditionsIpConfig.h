@@ -28,6 +28,21 @@ public:
 
     bool empty() const noexcept { return !dscp && dscpSet.empty(); }
     void dscpSetPush(std::uint8_t value) { dscpSet.push(value); }
+    /// True when these are the values, as `dscpsAre` would leave them.
+    bool hasDscps(const Orin::Vector<std::uint8_t>& values) const noexcept {
+        if (values.size() == 1) return dscp == values[0] && dscpSet.empty();
+        return !dscp && dscpSet == values;
+    }
+    /// Matches exactly these values: a single one as a DSCP, others as a set.
+    void dscpsAre(const Orin::Vector<std::uint8_t>& values) {
+        if (values.size() == 1) {
+            dscp = values[0];
+            dscpSet.clear();
+        } else {
+            dscpSet = values;
+            dscp.reset();
+        }
+    }
 
     std::optional<std::uint8_t> dscp;
     /// In the order in which the rules gave them, duplicates kept.

@@ -8,11 +8,6 @@ constinit const Vex::TypeRecord ClassifiersDir::kTypeRecord = Vex::recordOf<Clas
 
 ClassifiersDir::~ClassifiersDir() = default;
 
-Classifier* ClassifiersDir::classifier(const Orin::String& name) const noexcept {
-    const Orin::Ptr<Classifier>* held = classifier_.find(name);
-    return held == nullptr ? nullptr : held->get();
-}
-
 Classifier& ClassifiersDir::classifierIs(const Orin::String& name) {
     if (Classifier* held = classifier(name)) return *held;
     const auto made = Classifier::create(name);

@@ -22,7 +22,10 @@ public:
 
     const ClassifierByName& classifier() const noexcept { return classifier_; }
     /// The classifier of that name; null if there is none.
-    Classifier* classifier(const Orin::String& name) const noexcept;
+    Classifier* classifier(const Orin::String& name) const noexcept {
+        const Orin::Ptr<Classifier>* held = classifier_.find(name);
+        return held == nullptr ? nullptr : held->get();
+    }
     /// The classifier of that name, made without state and terms if there is none.
     Classifier& classifierIs(const Orin::String& name);
     /// Removes the classifier with all it holds; nothing happens when there is none.

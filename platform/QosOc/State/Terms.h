@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/QosOc/ClassifierType.h"
 #include "platform/QosOc/Config/Term.h"
 #include "platform/Vex/Entity.h"
 
@@ -25,14 +26,32 @@ public:
     Term* term(const Orin::String& id) noexcept { return term_.find(id); }
     /// Enters the term, or replaces whole the one with its id.
     void termIs(const Term& term);
-    /// Stores a term again with other conditions, or none: `term` is a stored one.
-    void conditionsIs(Term& term, std::optional<Config::TermConditions> conditions);
-    /// Stores a term again with other actions: `term` is a stored one.
-    void actionsIs(Term& term, const Config::TermActions& actions);
+    /// Enters a bare term; there must be none of that id.
+    void bareTermIs(const Orin::String& id);
+    /// Stores a term again with other conditions, or none: `term` is a stored one. False when they
+    /// are what it has.
+    bool conditionsIs(Term& term, std::optional<Config::TermConditions>&& conditions);
+    /// Stores a term again with these DSCP values as its only conditions, for that address family:
+    /// `term` is a stored one. False when they are what it has.
+    bool dscpsAre(Term& term, QosOc::Classifier::Type family,
+                  const Orin::Vector<std::uint8_t>& values);
+    /// Stores a term again with that target group, which may be empty: `term` is a stored one.
+    /// False when it has it.
+    bool targetGroupIs(Term& term, const Orin::String& targetGroup) {
+        if (term.actions && term.actions->targetGroup == targetGroup) return false;
+        term.actions = Config::TermActions{targetGroup};
+        publishTerm(term.id);
+        return true;
+    }
     /// Nothing happens when there is no such term.
     void termDel(const Orin::String& id);
 
 private:
+    void publishTerm(const Orin::String& id) const {
+        const Orin::String changed = id;
+        publishChange(kTerm.id, &changed);
+    }
+
     TermById term_;
 };
 

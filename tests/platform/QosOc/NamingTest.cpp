@@ -201,7 +201,7 @@ TEST_F(TargetGroupTest, isEmptyWhereNoGroupHasTheTrafficClass) {
 }
 
 TEST_F(TargetGroupTest, isEmptyWithoutAMap) {
-    EXPECT_EQ(targetGroupFromTc(5, nullptr), "");
+    EXPECT_EQ(targetGroupFromTc(5, Orin::Ptr<const Qos::ForwardingGroupNameToTcMap>()), "");
 }
 
 TEST_F(TargetGroupTest, isTheLeastNameInByteOrderOfSeveral) {
