@@ -8,9 +8,9 @@
 
 namespace QosAgent {
 
-/// Gives out one `Orin::String` for equal texts, so that the names that join the parts of a
-/// database are mostly equal pointers. Remembers the texts asked for last: at least `kGeneration`
-/// of them, at most twice as many, however long the agent runs.
+/// Gives out the shared text of each name, so that the names that join the parts of a database, and
+/// the parts decoded from them, are equal pointers. Remembers the texts asked for last: at least
+/// `kGeneration` of them, at most twice as many, however long the agent runs.
 class Interner {
 public:
     static constexpr std::size_t kGeneration = std::size_t{1} << 18;
