@@ -14,7 +14,7 @@ constexpr std::uint32_t kSpareTc = 1000;
 constexpr std::string_view kConfiguredName = "configured";
 
 String numbered(std::string_view what, std::size_t number) {
-    return String(std::string(what) + std::to_string(number));
+    return String::shared(std::string(what) + std::to_string(number));
 }
 String groupName(std::size_t tc) {
     return numbered("group-", tc);
@@ -31,6 +31,12 @@ QosOc::Config::Term configuredTerm(const String& id, const String& group) {
     QosOc::Config::Term term(id);
     term.actions = QosOc::Config::TermActions{group};
     return term;
+}
+/// A collection of an entity, to be changed without a publication: what is counted of some events
+/// begins with the publication.
+template <class Map>
+Map& beneath(const Map& map) {
+    return const_cast<Map&>(map);
 }
 void ruleIs(Acl::AclSubConfig& rules, std::uint32_t sequence) {
     const Ovk::UniqueId id{sequence};
@@ -120,7 +126,7 @@ void Device::addConfiguredClassifier() {
     for (std::size_t term = 0; term != kClasses; ++term)
         configuredTerms_->termIs(configuredTerm(numbered("term-", term), groupName(term)));
     for (const std::size_t choice : {0U, 1U})
-        configuredTerm_[choice] = configuredTerm(String("term-0"), groupName(choice));
+        configuredTerm_[choice] = configuredTerm(numbered("term-", 0), groupName(choice));
     const String name(kConfiguredName);
     const auto configured = QosOc::Config::Classifier::create(name);
     configured->configIs({name, QosOc::Classifier::Type::IPV4});
@@ -206,11 +212,13 @@ void Device::publishClassMap() {
 }
 
 void Device::removeClassMap() {
-    cmapType_->cmapStatusDel(termNames_.front());
+    beneath(cmapType_->cmapStatus()).erase(termNames_.front());
+    publishClassMap();
 }
 
 void Device::addClassMap() {
-    cmapType_->cmapStatusIs(cmap_);
+    beneath(cmapType_->cmapStatus()).enter(termNames_.front(), cmap_);
+    publishClassMap();
 }
 
 void Device::changeMatch() {
@@ -236,8 +244,8 @@ void Device::removeRule() {
 
 void Device::changeRule() {
     isAlternate_ = !isAlternate_;
-    const Ovk::UniqueId id{isAlternate_ ? 1 : lastSequence_};
-    rules_->ruleIdBySequenceIs(lastSequence_, id);
+    *beneath(rules_->ruleIdBySequence()).find(lastSequence_) = {isAlternate_ ? 1 : lastSequence_};
+    rules_->publishChange(Acl::AclSubConfig::kRuleIdBySequence.id, &lastSequence_);
 }
 
 void Device::giveTwoLists() {
@@ -252,7 +260,9 @@ void Device::replaceRules() {
 
 void Device::changeConfiguredAction() {
     isAlternate_ = !isAlternate_;
-    configuredTerms_->termIs(configuredTerm_[isAlternate_ ? 1 : 0]);
+    const QosOc::Config::Term& changed = configuredTerm_[isAlternate_ ? 1 : 0];
+    beneath(configuredTerms_->term()).find(changed.id)->actions = changed.actions;
+    configuredTerms_->publishChange(QosOc::Config::Terms::kTerm.id, &changed.id);
 }
 
 }  // namespace QosBench
