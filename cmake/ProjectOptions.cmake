@@ -30,6 +30,10 @@ if(QOS_HARDEN)
         -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3 -fstack-protector-strong -fstack-clash-protection)
     target_link_options(project_options INTERFACE
         -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+    # All symbols are bound at load time anyway: calls need no stubs for lazy binding, and those of
+    # a library to itself need not pass through a table.
+    target_compile_options(project_options INTERFACE -fno-plt)
+    target_link_options(project_options INTERFACE -Wl,-Bsymbolic-functions)
 endif()
 # An index out of range stops the program, in what is shipped too.
 target_compile_definitions(project_options INTERFACE _GLIBCXX_ASSERTIONS)
