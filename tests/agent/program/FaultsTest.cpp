@@ -170,17 +170,17 @@ TEST_F(FaultsTest, endFollowingAtASignalWithTheResults) {
 TEST_F(FaultsTest, endAtOnceAtASecondSignal) {
     std::string lines;
     for (int i = 0; i < 20'000; ++i)
-        lines += "{\"echo\":\"a line\"}\n";
+        lines += "{\"echo\":\"16 bytes each\"}\n";
     for (const int signal : {SIGINT, SIGTERM}) {
         const std::string stream = file("s.jsonl", lines);
         fs::remove(path("pipe"));
         const int reader = readerOfOutput();
         const pid_t child = start({"--trace-file", "/dev/null", stream}, STDIN_FILENO);
-        // Nobody reads, so the program comes to wait for room to write.
+        // Nobody reads, so the program comes to wait for room to write, whatever it writes next.
         const auto isFull = [reader] {
             int bytes = 0;
             ::ioctl(reader, FIONREAD, &bytes);
-            return bytes > 65'000;
+            return bytes == ::fcntl(reader, F_GETPIPE_SZ);
         };
         EXPECT_TRUE(comesTrue(isFull));
         ::kill(child, SIGINT);
