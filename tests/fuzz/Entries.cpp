@@ -62,7 +62,9 @@ class MemoryFile {
 public:
     explicit MemoryFile(std::string_view bytes) : file_(::memfd_create("input", MFD_CLOEXEC)) {
         Output(file_).line(bytes);
-        ::ftruncate(file_, static_cast<off_t>(bytes.size()));  // without the line's end
+        // Without the line's end.
+        require(::ftruncate(file_, static_cast<off_t>(bytes.size())) == 0,
+                "the file keeps its size");
         ::lseek(file_, 0, SEEK_SET);
     }
     ~MemoryFile() { ::close(file_); }
