@@ -27,7 +27,9 @@ endif()
 
 if(QOS_HARDEN)
     target_compile_options(project_options INTERFACE
-        -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3 -fstack-protector-strong -fstack-clash-protection)
+        -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3 -fstack-protector-strong -fstack-clash-protection
+        # A backtrace names the function that ran, not another one with equal code.
+        $<$<CXX_COMPILER_ID:GNU>:-fno-ipa-icf>)
     target_link_options(project_options INTERFACE
         -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
     # All symbols are bound at load time anyway: calls need no stubs for lazy binding, and those of

@@ -220,7 +220,7 @@ TEST_F(PmapStatusSmTest, leavesNothingBehindWhenAnAllocationFails) {
         EXPECT_FALSE(groups->publisher()->hasSubscribers());
         state = State::ClassifiersDir::create();
     };
-    EXPECT_GT(TestSupport::failEachAllocation([&] { start(pmap); }, isClean), 10u);
+    EXPECT_GT(TestSupport::failEachAllocation([&] { start(pmap); }, isClean), 5u);
     EXPECT_EQ(written(), "v4 IPV4 {10 to gold}; v6 IPV6");
 }
 
