@@ -49,20 +49,21 @@ std::optional<JsonMember> ModelNode::member(std::string_view name) const {
     return {};
 }
 
-std::optional<JsonValue> ModelNode::text(std::string_view name) const {
+std::optional<JsonValue> ModelNode::valueOf(std::string_view name, JsonKind kind,
+                                            std::string_view wanted) const {
     const auto found = member(name);
     if (!found) return {};
-    if (found->value.is(JsonKind::string)) return found->value;
-    findings_.refuse(found->value.offset(), unexpected("a string", found->value.kind()));
+    if (found->value.is(kind)) return found->value;
+    findings_.refuse(found->value.offset(), unexpected(wanted, found->value.kind()));
     return {};
 }
 
+std::optional<JsonValue> ModelNode::text(std::string_view name) const {
+    return valueOf(name, JsonKind::string, "a string");
+}
+
 std::optional<JsonValue> ModelNode::list(std::string_view name) const {
-    const auto found = member(name);
-    if (!found) return {};
-    if (found->value.is(JsonKind::array)) return found->value;
-    findings_.refuse(found->value.offset(), unexpected("a list", found->value.kind()));
-    return {};
+    return valueOf(name, JsonKind::array, "a list");
 }
 
 std::optional<ModelNode> ModelNode::container(std::string_view name) const {

@@ -60,6 +60,9 @@ private:
         : parent_(parent), name_(name), json_(json), findings_(findings) {}
 
     std::string pathOf(std::string_view memberName) const;
+    /// The value of a member, which must be of that kind.
+    std::optional<JsonValue> valueOf(std::string_view name, JsonKind kind,
+                                     std::string_view wanted) const;
 
     const ModelNode* parent_;
     std::string_view name_;
