@@ -152,7 +152,6 @@ void AclSubStateSm::readDscps(Orin::Vector<unsigned char>& values) const {
 
 void AclSubStateSm::doPrepareToDie() {
     traceOf(this, kDoPrepareToDie);
-    if (!aclNameAndType_) return;
     const ClassifierKey& key = classifierKeyFromConfigObjName(aclNameAndType_->aclName());
     if (key.isTerm())
         deleteClassifierTermCondition(classifierStateDir_, key.classifierName, key.termId, false);

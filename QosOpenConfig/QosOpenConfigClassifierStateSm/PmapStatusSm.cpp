@@ -30,7 +30,7 @@ PmapStatusSm::VexCliConfig::VexCliConfig(Notifier notifier, PmapStatusSm& owner)
     : NotifieeConst(std::move(notifier)), owner_(owner) {}
 
 void PmapStatusSm::VexCliConfig::onAttribute(Orin::AttributeId attributeId, const void*) {
-    if (attributeId != Qos::Input::Config::kForwardingGroupNameToTcMap.id || !notifier()) return;
+    if (attributeId != Qos::Input::Config::kForwardingGroupNameToTcMap.id) return;
     owner_.vex_CliConfig_ForwardingGroupNameToTcMapInIs(notifier()->forwardingGroupNameToTcMap());
 }
 

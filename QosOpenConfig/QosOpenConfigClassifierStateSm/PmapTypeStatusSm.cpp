@@ -100,16 +100,13 @@ void PmapTypeStatusSm::updateClassifiersWithPmap(const String& classifierName,
         return;
     }
     const Config::ClassifierConfig key{classifierName, classifierType};
-    const auto& counts = classifiersWithPmap_->classifier();
-    if (add) {
-        if (counts.find(key) == nullptr) classifiersWithPmap_->classifierIs(key, 0);
-        const unsigned* count = counts.find(key);
+    const unsigned* count = classifiersWithPmap_->classifier().find(key);
+    if (add)
         classifiersWithPmap_->classifierIs(key, count == nullptr ? 1 : *count + 1);
-    } else if (const unsigned* held = counts.find(key)) {
-        const unsigned count = *held;
-        classifiersWithPmap_->classifierIs(key, count - 1);
-        if (count == 1) classifiersWithPmap_->classifierDel(key);
-    }
+    else if (count != nullptr && *count == 1)
+        classifiersWithPmap_->classifierDel(key);
+    else if (count != nullptr)
+        classifiersWithPmap_->classifierIs(key, *count - 1);
 }
 
 void PmapTypeStatusSm::doPrepareToDie() {
