@@ -31,10 +31,6 @@ int newcomerAfter(int target) {
     return kNewcomers + target + 1;
 }
 
-const std::vector<Verb> kAllVerbs = {Verb::remove,     Verb::enterAgain, Verb::assign,
-                                     Verb::enterAfter, Verb::clear,      Verb::again,
-                                     Verb::dropWhole};
-
 /// What is done to a collection, in terms of what `Derived` has: `contains`, `enter`, `remove`,
 /// `assign`, `clear`, `drop` and `tell`.
 template <class Derived>
@@ -126,7 +122,10 @@ private:
     Members* reachable_ = map_.get();  ///< also while it is being destroyed
 };
 template <template <class, class> class Map>
-const std::vector<Verb> MapStage<Map>::kVerbs = kAllVerbs;
+const std::vector<Verb> MapStage<Map>::kVerbs = {
+    Verb::remove, Verb::enterAgain, Verb::assign,    Verb::enterAfter,
+    Verb::clear,  Verb::again,      Verb::dropWhole,
+};
 
 /// What a hashed collection is to do: members in order of entry; a walk visits those that were
 /// there when it began, and have not left since.

@@ -35,7 +35,7 @@ using ByName = HashMap2018<Orin::String, std::uint32_t, seedOf("a test")>;
 
 TEST(HashMap2018ByNameTest, isSearchedByPlainTextWithoutAllocating) {
     ByName byName;
-    byName.enter("a name that is longer than any short text", 1);
+    byName.enter("a name that is longer than any short text", 1U);
     const std::size_t before = TestSupport::allocations();
     const auto* found = byName.find(std::string_view("a name that is longer than any short text"));
     const auto* missed = byName.find("another");
@@ -47,7 +47,7 @@ TEST(HashMap2018ByNameTest, isSearchedByPlainTextWithoutAllocating) {
 
 TEST(HashMap2018ByNameTest, removesByPlainText) {
     ByName byName;
-    byName.enter("name", 1);
+    byName.enter("name", 1U);
     EXPECT_EQ(byName.remove(std::string_view("name")), 1u);
     EXPECT_TRUE(byName.empty());
 }
@@ -55,8 +55,8 @@ TEST(HashMap2018ByNameTest, removesByPlainText) {
 TEST(HashMap2018ByNameTest, holdsTheEmptyNameAndNamesWithNul) {
     using namespace std::string_view_literals;
     ByName byName;
-    byName.enter("", 1);
-    byName.enter("\0"sv, 2);
+    byName.enter("", 1U);
+    byName.enter("\0"sv, 2U);
     EXPECT_EQ(*byName.find(""sv), 1u);
     EXPECT_EQ(*byName.find("\0"sv), 2u);
 }
