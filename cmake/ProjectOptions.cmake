@@ -47,6 +47,7 @@ endif()
 if(QOS_COVERAGE)
     target_compile_options(project_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
     target_link_options(project_options INTERFACE -fprofile-instr-generate)
+    target_sources(project_options INTERFACE "${PROJECT_SOURCE_DIR}/tests/coverage/WriteOnAbort.cpp")
 else()
     # No file tells where it was built; only reports of coverage have to find the sources.
     target_compile_options(project_options INTERFACE

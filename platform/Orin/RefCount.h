@@ -20,7 +20,7 @@ public:
         std::uint32_t count = value();
         while (count != 0 && !__atomic_compare_exchange_n(&count_, &count, count + 1, true,
                                                           __ATOMIC_ACQ_REL, __ATOMIC_RELAXED)) {
-        }
+        }  // uncovered: fails only against another thread
         return count != 0;
     }
     /// True when this was the last owner.

@@ -62,13 +62,14 @@ public:
     String find(std::string_view text) {
         const ThreadLock lock(mutex_);
         const auto held = texts_.find(text);
-        if (held != texts_.end() && (*held)->refs.upUnlessGone()) {
+        const bool isHeld = held != texts_.end();
+        if (isHeld && (*held)->refs.upUnlessGone()) {  // uncovered: as below
             String found;
             found.text_ = *held;
             return found;
         }
         // One that lost its last owner this moment, in another thread, makes room.
-        if (held != texts_.end()) texts_.erase(held);
+        if (isHeld) texts_.erase(held);  // uncovered: true only against another thread
         String made(text);
         texts_.insert(made.text_);
         made.text_->isShared = 1;
@@ -77,7 +78,8 @@ public:
     void remove(String::Text* text) noexcept {
         const ThreadLock lock(mutex_);
         const auto held = texts_.find(viewOf(text));
-        if (held != texts_.end() && *held == text) texts_.erase(held);
+        const bool isKept = held != texts_.end() && *held == text;  // uncovered: see find()
+        if (isKept) texts_.erase(held);  // uncovered: false only where find() made room
     }
     static SharedTexts& instance() {
         static auto* const texts = new SharedTexts;  // outlives every static text
@@ -85,6 +87,7 @@ public:
     }
 
 private:
+    static std::string_view viewOf(std::string_view text) { return text; }
     static std::string_view viewOf(String::Text* text) { return {text->bytes(), text->size}; }
     struct Hash {
         using is_transparent = void;
@@ -93,9 +96,10 @@ private:
     };
     struct Equal {
         using is_transparent = void;
-        bool operator()(std::string_view a, String::Text* b) const { return a == viewOf(b); }
-        bool operator()(String::Text* a, std::string_view b) const { return viewOf(a) == b; }
-        bool operator()(String::Text* a, String::Text* b) const { return viewOf(a) == viewOf(b); }
+        template <class A, class B>
+        bool operator()(A a, B b) const {
+            return viewOf(a) == viewOf(b);
+        }
     };
 
     std::mutex mutex_;

@@ -123,6 +123,14 @@ TEST_F(AclTypeStateSmTest, protectsTheTermOfANullEntryWithoutAMachine) {
     EXPECT_EQ(written(), "v4 IPV4 {10 when ipv4 1}");
 }
 
+TEST_F(AclTypeStateSmTest, sweepsNothingWhereANullEntrysClassifierHasNoTerms) {
+    lists->aclConfigIs("openconfig:v4:10", nullptr);
+    lists->aclConfigIs("openconfig:unknown:10", nullptr);
+    addClassifier(state, "v4", Classifier::Type::IPV4);
+    const auto sm = start();
+    EXPECT_EQ(written(), "v4 IPV4");
+}
+
 TEST_F(AclTypeStateSmTest, removesTheMachineOfAListThatBecomesNull) {
     add("openconfig:v4:10", rulesFor({46}));
     const auto sm = start();

@@ -135,5 +135,18 @@ TEST_F(ClassifiersWithPmapTest, describesItself) {
     EXPECT_EQ(ops.get(registry.get(), key), Vex::Value(std::uint64_t{5}));
 }
 
+TEST_F(ClassifiersWithPmapTest, takesAndGivesItsMembersThroughItsRecord) {
+    const auto& ops = *registry->typeData().attributes[0].collection;
+    Vex::TypedNode* const node = registry.get();
+    const Vex::Value key = Vex::RecordValue{{Orin::String("voice"), std::uint64_t{0}}};
+    ops.put(node, key, std::uint64_t{5});
+    EXPECT_EQ(counts(), (Counts{{kVoice4, 5}}));
+    ops.put(node, key, std::uint64_t{6});
+    EXPECT_EQ(counts(), (Counts{{kVoice4, 6}}));
+    EXPECT_EQ(ops.del(node, key), Vex::Value(std::uint64_t{6}));
+    EXPECT_EQ(counts(), Counts());
+    EXPECT_EQ(ops.del(node, key), Vex::Value());
+}
+
 }  // namespace
 }  // namespace QosOc

@@ -119,6 +119,13 @@ TEST_F(MounterPluginTest, beginsWithAnUnknownMountStatus) {
     EXPECT_EQ(mounter->mountStatus(), Strata::mountFailed_);
 }
 
+TEST_F(MounterPluginTest, makesNothingOfItsPlaceInAnotherEntity) {
+    const auto mounter = Orin::Ptr<HarbourMounter>::adopt(new HarbourMounter);
+    mounter->handleParent();
+    EXPECT_THAT(steps, IsEmpty());
+    EXPECT_EQ(mounter->mountStatus(), Strata::mountUnknown_);
+}
+
 TEST_F(MounterPluginTest, placesTheSlotsOfAMounterAsPluginsExpectThem) {
     using TestSupport::slotOf;
     EXPECT_EQ(slotOf(&HarbourMounter::typeData), 4u);

@@ -53,6 +53,16 @@ TEST_F(RefCountTest, tellsTheLastOwnerOnlyWhileSeveralThreadsAreActive) {
     EXPECT_TRUE(count.down());
 }
 
+TEST_F(RefCountTest, takesAnotherOwnerOnlyWhileThereIsOne) {
+    RefCount count;
+    EXPECT_TRUE(count.upUnlessGone());
+    EXPECT_EQ(count.value(), 2u);
+    EXPECT_FALSE(count.down());
+    EXPECT_TRUE(count.down());
+    EXPECT_FALSE(count.upUnlessGone());
+    EXPECT_EQ(count.value(), 0u);
+}
+
 TEST_F(RefCountTest, goesOnFromWhatItCountedPlainly) {
     RefCount count;
     count.up();

@@ -4,6 +4,7 @@
 #include <latch>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <unordered_set>
@@ -122,6 +123,20 @@ TEST(StringTest, hashesByEveryByteAndTheSize) {
     EXPECT_EQ(hashes.size(), 1 + 20 + 21u);
 }
 
+TEST(StringTest, tellsTextsWithTheSameHashApart) {
+    const String one("term-135089");
+    const String other("term-222711");
+    ASSERT_EQ(one.hash(), other.hash()) << "the hash has changed: find another pair";
+    EXPECT_NE(one, other);
+    EXPECT_EQ(String::shared("term-135089"), one);
+    const String shared = String::shared("term-135089");
+    EXPECT_NE(String::shared("term-222711"), shared);
+}
+
+TEST(StringTest, refusesTextOfTwoGibibytes) {
+    EXPECT_THROW(String(std::string_view("x", std::size_t{1} << 31)), std::length_error);
+}
+
 TEST(StringTest, spreadsTheHashesOfNumberedNames) {
     std::unordered_set<std::uint32_t> hashes;
     std::set<std::uint32_t> lowBits;
@@ -173,6 +188,18 @@ TEST_F(StringNoteTest, isMadeOnceForAllCopies) {
     EXPECT_EQ(&copy.note(LengthNote::of), &note);
     EXPECT_EQ(&text.note(LengthNote::of), &note);
     EXPECT_EQ(LengthNote::made, 1);
+}
+
+TEST_F(StringNoteTest, isTheFirstOneWhereItIsMadeWithinTheMaking) {
+    static const String text("four");
+    static const LengthNote* inner = nullptr;
+    const LengthNote& outer = text.note<LengthNote>([](std::string_view view) {
+        inner = &text.note(LengthNote::of);
+        return LengthNote::of(view);
+    });
+    EXPECT_EQ(&outer, inner);
+    EXPECT_EQ(LengthNote::made, 2);
+    EXPECT_EQ(LengthNote::destroyed, 1);
 }
 
 TEST_F(StringNoteTest, livesAsLongAsAnyCopy) {

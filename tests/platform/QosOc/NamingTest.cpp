@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/QosOc/Naming.h"
+#include "tests/support/Allocations.h"
 
 namespace QosOc {
 
@@ -217,6 +218,25 @@ TEST_F(TargetGroupTest, followsAGroupThatMovesToAnotherTrafficClass) {
     map->tcIs("gold", 4294967295);
     EXPECT_EQ(targetGroupFromTc(5, map), "");
     EXPECT_EQ(targetGroupFromTc(4294967295, map), "gold");
+}
+
+TEST_F(TargetGroupTest, isEmptyOnceAllGroupsAreGone) {
+    Qos::TcByForwardingGroup groups;
+    groups.enter("gold", 5);
+    groups.clear();
+    EXPECT_EQ(groups.size(), 0u);
+    EXPECT_EQ(groups.forwardingGroup(5), "");
+}
+
+TEST_F(TargetGroupTest, isEmptyWhenAGroupCouldNotBeEntered) {
+    Qos::TcByForwardingGroup groups;
+    EXPECT_GT(TestSupport::failEachAllocation([&] { groups.enter("gold", 5); },
+                                              [&] {
+                                                  EXPECT_EQ(groups.size(), 0u);
+                                                  EXPECT_EQ(groups.forwardingGroup(5), "");
+                                              }),
+              1u);
+    EXPECT_EQ(groups.forwardingGroup(5), "gold");
 }
 
 /// Parts that try the separator, the escapes, and what is neither.

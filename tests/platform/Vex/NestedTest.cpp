@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <utility>
 
 #include "platform/Vex/Nested.h"
 #include "platform/Vex/NotifieeConst.h"
@@ -68,6 +69,7 @@ TEST_F(NotifieeConstTest, mayFollowNothing) {
 
 TEST_F(NotifieeConstTest, staysSilentWhileTurnedOff) {
     gauge.hasNotificationActiveIs(false);
+    EXPECT_FALSE(gauge.notificationActive());
     tide->levelIs(1);
     gauge.notifierIs(spring);
     spring->levelIs(1);
@@ -89,6 +91,7 @@ protected:
 
 TEST_F(NestedTest, holdsNoReactorAtFirst) {
     EXPECT_EQ(nested.get(), nullptr);
+    EXPECT_EQ(std::as_const(nested).get(), nullptr);
     EXPECT_EQ(nested.notifier(), nullptr);
     nested.activeIs(false);
     nested.zombieIs(true);
@@ -113,6 +116,7 @@ TEST_F(NestedTest, marksItsReactor) {
     nested.create(spring);
     nested.zombieIs(true);
     EXPECT_TRUE(nested.get()->zombie());
+    EXPECT_EQ(std::as_const(nested).get(), nested.get());
     nested.zombieIs(false);
     EXPECT_FALSE(nested.get()->zombie());
 }

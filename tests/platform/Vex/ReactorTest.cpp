@@ -270,6 +270,21 @@ TEST_F(ReactorTest, endsTheProcessWhenAHandlerThrows) {
     EXPECT_DEATH(anna->draughtIs(ShipSm::kOverload), "overloaded");
 }
 
+TEST_F(ReactorTest, hasItsOwnFieldsWrittenThroughItsRecord) {
+    const auto root = made();
+    Vex::attributeNamed(root->typeData(), "changes")->write(root.get(), std::uint64_t{7});
+    EXPECT_EQ(root->changes(), 7u);
+}
+
+TEST_F(ReactorTest, givesAChildAwayThroughItsRecord) {
+    const auto root = made();
+    const Orin::Ptr<ShipSm> child(root->shipSm().get("Anna"));
+    const auto& ops = *Vex::attributeNamed(root->typeData(), "shipSm")->collection;
+    EXPECT_EQ(ops.del(root.get(), Orin::String("Anna")), Vex::Value(Vex::NodeRef(child)));
+    EXPECT_EQ(root->shipSm().get("Anna"), nullptr);
+    EXPECT_EQ(ops.del(root.get(), Orin::String("Anna")), Vex::Value());
+}
+
 TEST_F(ReactorTest, knowsTheInputsThatItWasMadeFrom) {
     const auto root = made();
     EXPECT_TRUE(root->isMadeFrom(Orin::Ptr<const Port>(port), Orin::Ptr<const Tide>(weather),

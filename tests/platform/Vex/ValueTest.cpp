@@ -70,6 +70,14 @@ TEST(ValueTraitsTest, readNothingAsAbsence) {
     EXPECT_FALSE(typeOf<Signal>.isOptional);
 }
 
+TEST(ValueRecordTest, isReadAndWrittenThroughItsTypeRecord) {
+    Cargo cargo{.kind = "coal"};
+    const AttributeRecord& tons = *attributeNamed(Cargo::kTypeRecord, "tons");
+    tons.write(&cargo, std::uint64_t{7});
+    EXPECT_EQ(cargo, (Cargo{.kind = "coal", .tons = 7}));
+    EXPECT_EQ(tons.read(&cargo), Value(std::uint64_t{7}));
+}
+
 TEST(ValueTraitsTest, carryWholeRecordsThereAndBack) {
     Cargo cargo{.kind = "coal", .tons = 4, .isSealed = true, .hazard = Signal::danger};
     cargo.holds = {3, 1, 2};
