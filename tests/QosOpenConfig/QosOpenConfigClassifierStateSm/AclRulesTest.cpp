@@ -165,7 +165,7 @@ TEST_F(AclRulesTest, leavesTheTreeAloneForAListThatStandsForNoTerm) {
 TEST_F(AclRulesTest, endsTheProcessAtTheFirstRuleOfAListOfAnotherType) {
     addRule(rules, 10, Acl::IpFilter{46, true});
     EXPECT_DEATH(start(Acl::AclType::mac),
-                 "Unexpected ACL Type(.|\n)*"
+                 "false: Unexpected ACL Type(.|\n)*"
                  "QosOpenConfig/QosOpenConfigClassifierStateSm:240: "
                  "void QosOc::AclSubStateSm::handleAclRules\\(\\): "
                  "Assertion `\"false\" == nullptr' failed");

@@ -216,7 +216,11 @@ TEST_F(TermActionsTest, endsTheProcessWhenATrafficClassNeedsAConfigurationThatIs
     start({{"openconfig:v4:10", {}}});
     EXPECT_EQ(written(), "v4 IPV4 {10 to ''}; v6 IPV6");
     pmap->classIs("openconfig:v4:10", toTc(0));
-    EXPECT_DEATH(raiseVersion(pmap), "cliConfig");
+    EXPECT_DEATH(raiseVersion(pmap),
+                 "/src/QosOpenConfig/QosOpenConfigClassifierStateSm:[0-9]+: "
+                 "QosOc::ClassifierMetaData::Ptr "
+                 "QosOc::PmapStatusSm::updateClassifierTermActions\\(\\): "
+                 "Assertion `cliConfig' failed");
 }
 
 }  // namespace

@@ -59,6 +59,13 @@ TEST(VectorTest, holdsValuesWiderThanItsOwnRoom) {
     EXPECT_TRUE((copy[1] == Wide{3, 4}));
 }
 
+TEST(VectorTest, allocatesSeldomWhileItGrows) {
+    const std::size_t before = TestSupport::allocations();
+    const auto bytes = counted<std::uint8_t>(200);
+    EXPECT_EQ(bytes.size(), 200u);
+    EXPECT_LE(TestSupport::allocations() - before, 5u) << "16, 32, 64, 128, 256";
+}
+
 TEST(VectorTest, takesAValueOfItsOwnWhileItGrows) {
     auto bytes = counted<std::uint8_t>(8);
     bytes.push(bytes[3]);

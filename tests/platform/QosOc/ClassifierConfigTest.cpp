@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -51,6 +52,19 @@ TEST(ClassifierConfigTest, hashesBothFieldsWithTheSeed) {
     EXPECT_NE(config.hash(1), (ClassifierConfig{"voice", Type::IPV6}.hash(1)));
     EXPECT_NE(config.hash(1), (ClassifierConfig{"voice", std::nullopt}.hash(1)));
     EXPECT_NE(config.hash(1), config.hash(2));
+}
+
+TEST(ClassifierConfigTest, spreadsItsHashes) {
+    for (const std::uint32_t seed : {0U, 1U, 7U}) {
+        std::set<std::uint32_t> hashes;
+        for (int number = 0; number < 500; ++number)
+            for (const std::optional<Type> type :
+                 {std::optional<Type>(), {Type::IPV4}, {Type::IPV6}})
+                hashes.insert(
+                    ClassifierConfig{std::string_view("name-" + std::to_string(number)), type}.hash(
+                        seed));
+        EXPECT_GT(hashes.size(), 1495u) << seed;
+    }
 }
 
 TEST(ClassifierConfigTest, isTracedAsNameAndType) {

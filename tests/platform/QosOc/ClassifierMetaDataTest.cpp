@@ -5,6 +5,8 @@
 #include "platform/OvSlab/Tracker.h"
 #include "platform/QosOc/AclNameAndType.h"
 #include "platform/QosOc/ClassifierMetaData.h"
+#include "platform/QosOc/Config/Term.h"
+#include "platform/QosOc/State/ClassifiersDir.h"
 #include "platform/Vex/TypeRecord.h"
 
 namespace QosOc {
@@ -65,6 +67,14 @@ TEST_F(ClassifierMetaDataTest, recordsTheLastActionOfATerm) {
     EXPECT_EQ(*info.termActionInfo("10"), (TermActionInfo{"10", "voice", "silver"}));
 }
 
+TEST_F(ClassifierMetaDataTest, recordsATermOnce) {
+    ClassifierInfo& info = metaData->classifierInfoIs("voice");
+    info.termActionInfoIs({"10", "voice", "gold"});
+    const std::uint64_t before = Vex::memberTracker.live();
+    info.termActionInfoIs({"10", "voice", "silver"});
+    EXPECT_EQ(Vex::memberTracker.live(), before);
+}
+
 TEST(TermActionInfoTest, isEqualWhereAllFieldsAre) {
     const TermActionInfo info{"10", "voice", "gold"};
     const TermActionInfo same{"10", "voice", "gold"};
@@ -73,6 +83,30 @@ TEST(TermActionInfoTest, isEqualWhereAllFieldsAre) {
          {TermActionInfo{"20", "voice", "gold"}, TermActionInfo{"10", "video", "gold"},
           TermActionInfo{"10", "voice", ""}})
         EXPECT_FALSE(TermActionInfo::isEq(&info, &other));
+}
+
+TEST(TermTest, isEqualWhereAllFieldsAre) {
+    const Config::Term bare("10");
+    Config::Term acting("10");
+    acting.actions = Config::TermActions{"gold"};
+    EXPECT_TRUE(bare.isEq(Config::Term("10")));
+    EXPECT_FALSE(bare.isEq(Config::Term("20")));
+    EXPECT_FALSE(bare.isEq(acting));
+}
+
+TEST(TermConditionsIpConfigTest, isEmptyWithoutAValueAndWithoutASet) {
+    EXPECT_TRUE(Config::TermConditionsIpConfig().empty());
+    EXPECT_FALSE(Config::TermConditionsIpConfig(0).empty());
+    Config::TermConditionsIpConfig set;
+    set.dscpSetPush(0);
+    EXPECT_FALSE(set.empty());
+}
+
+TEST(StateClassifiersDirTest, makesAClassifierOnce) {
+    const auto directory = State::ClassifiersDir::create();
+    State::Classifier& made = directory->classifierIs("voice");
+    EXPECT_EQ(&directory->classifierIs("voice"), &made);
+    EXPECT_EQ(directory->classifier().size(), 1u);
 }
 
 TEST(AclNameAndTypeTest, keepsNameAndType) {

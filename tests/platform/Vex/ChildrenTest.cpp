@@ -94,6 +94,15 @@ TEST_F(ChildTest, isKeptForTheSameInputs) {
     EXPECT_EQ(root->tideSmIs(tide, board), child);
 }
 
+TEST_F(ChildTest, isDroppedAsItIs) {
+    Vex::Child<TideSm> child;
+    const auto held = child.createOrReplace(tide, board);
+    child.clear();
+    EXPECT_EQ(child.get(), nullptr);
+    EXPECT_TRUE(held->notificationActive());
+    EXPECT_EQ(held->userCount(), 1u);
+}
+
 TEST_F(ChildTest, isReplacedForOtherInputsAndSilenced) {
     const auto old = root->tideSmIs(tide, board);
     const auto child = root->tideSmIs(spring, board);

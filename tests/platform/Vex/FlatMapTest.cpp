@@ -24,6 +24,7 @@ TEST(FlatMapTest, beginsEmpty) {
     const Map map = mapOf({});
     EXPECT_TRUE(map.empty());
     EXPECT_EQ(map.find(1), nullptr);
+    EXPECT_FALSE(mapOf({{1, 10}}).empty());
 }
 
 TEST(FlatMapTest, isInAscendingOrderOfKeysHoweverItWasFilled) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string_view>
 
 #include "platform/Orin/String.h"
@@ -29,6 +30,45 @@ TEST(HashMap2018CollisionTest, tellsKeysOfEqualHashApart) {
     }
     EXPECT_EQ(map.find(Colliding{0}), nullptr);
     EXPECT_EQ(map.find(Colliding{20}), nullptr);
+}
+
+/// A key that counts how often it is compared.
+struct Compared {
+    std::uint32_t value;
+    std::uint32_t hash(std::uint32_t) const noexcept { return value; }
+    friend bool operator==(const Compared& a, const Compared& b) {
+        ++comparisons;
+        return a.value == b.value;
+    }
+    static inline int comparisons = 0;
+};
+
+TEST(HashMap2018CollisionTest, comparesOnlyKeysOfEqualHash) {
+    HashMap2018<Compared, std::uint32_t> map;
+    map.enter({1}, 10U);
+    map.enter({1 + (1U << 16)}, 20U);  // in the same bucket
+    Compared::comparisons = 0;
+    ASSERT_NE(map.find(Compared{1}), nullptr);
+    EXPECT_EQ(*map.find(Compared{1}), 10u);
+    EXPECT_EQ(map.find(Compared{1 + (1U << 17)}), nullptr);
+    EXPECT_EQ(Compared::comparisons, 2);
+}
+
+TEST(HashMap2018TableTest, doublesWheneverItIsFull) {
+    const std::size_t before = memberTracker.total();
+    HashMap2018<std::uint32_t, std::uint32_t> map;
+    for (std::uint32_t key = 0; key < 1000; ++key)
+        map.enter(key, key);
+    EXPECT_EQ(memberTracker.total() - before, 1000u + 9) << "tables of 4, 8, ... 1024";
+}
+
+TEST(KeyTraitsTest, spreadNumbersWhateverTheSeed) {
+    for (const std::uint32_t seed : {0U, 1U, 0xFFFFFFFFU}) {
+        std::set<std::uint32_t> hashes;
+        for (std::uint32_t number = 0; number < 1000; ++number)
+            hashes.insert(KeyTraits<std::uint32_t>::hash(number, seed));
+        EXPECT_GT(hashes.size(), 990u) << seed;
+    }
 }
 
 using ByName = HashMap2018<Orin::String, std::uint32_t, seedOf("a test")>;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <vector>
 
 #include "platform/Vex/Derive.h"
 #include "platform/Vex/Module.h"
@@ -62,7 +63,18 @@ TEST_F(ModuleTest, takesTheLowestFreeIndex) {
     const std::ptrdiff_t freed = indexOf(kFirst);
     first.reset();
     const Vex::ModuleRegistration second(kSecond);
+    EXPECT_TRUE(isRegistered(kSecond));
     EXPECT_EQ(indexOf(kSecond), freed);
+}
+
+TEST_F(ModuleTest, leavesTheOthersWhereTheyAre) {
+    const std::vector<const Vex::Module*> others(Vex::modules().begin(), Vex::modules().end());
+    const Vex::ModuleRegistration first(kFirst);
+    EXPECT_TRUE(isRegistered(kFirst));
+    std::vector<const Vex::Module*> now(Vex::modules().begin(), Vex::modules().end());
+    now.resize(others.size());
+    std::replace(now.begin(), now.end(), &kFirst, static_cast<const Vex::Module*>(nullptr));
+    EXPECT_EQ(now, others);
 }
 
 TEST_F(ModuleTest, stopsTheProgramWhenATypeIsInNone) {
