@@ -5,7 +5,7 @@
 #include <mutex>
 #include <new>
 #include <stdexcept>
-#include <unordered_set>
+#include <vector>
 
 #include "platform/Orin/ThreadLock.h"
 
@@ -13,12 +13,26 @@ namespace Orin {
 namespace {
 
 constexpr std::uint32_t kLongest = 0x7FFFFFFF;
+constexpr std::size_t kFirstPlaces = 64;
 constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15;
 
-std::uint64_t wordAt(const char* bytes, std::size_t count) noexcept {
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes, count);
+template <class Word>
+std::uint64_t wordAt(const char* bytes) noexcept {
+    Word word = 0;
+    std::memcpy(&word, bytes, sizeof(Word));
     return word;
+}
+
+/// All bytes of a text that is not empty and fits into a word, some of them twice.
+std::uint64_t shortWordOf(std::string_view text) noexcept {
+    const char* end = text.data() + text.size();
+    if (text.size() >= sizeof(std::uint32_t))
+        return wordAt<std::uint32_t>(text.data()) << 32 |
+               wordAt<std::uint32_t>(end - sizeof(std::uint32_t));
+    const auto byteAt = [&](std::size_t index) {
+        return static_cast<std::uint64_t>(static_cast<unsigned char>(text[index]));
+    };
+    return byteAt(0) << 16 | byteAt(text.size() / 2) << 8 | byteAt(text.size() - 1);
 }
 
 std::uint64_t folded(std::uint64_t hash, std::uint64_t word) noexcept {
@@ -36,10 +50,10 @@ std::uint32_t hashOf(std::string_view text) noexcept {
     if (text.empty()) return 0;
     std::uint64_t hash = text.size() * kMultiplier;
     while (text.size() > sizeof(std::uint64_t)) {
-        hash = folded(hash, wordAt(text.data(), sizeof(std::uint64_t)));
+        hash = folded(hash, wordAt<std::uint64_t>(text.data()));
         text.remove_prefix(sizeof(std::uint64_t));
     }
-    hash = folded(hash, wordAt(text.data(), text.size()));
+    hash = folded(hash, shortWordOf(text));
     // The upper bits of a product depend on all bits below them; tables index by the lowest ones.
     return static_cast<std::uint32_t>(hash * kMultiplier >> 32);
 }
@@ -56,30 +70,34 @@ String::Text* String::made(std::string_view text) {
     return made;
 }
 
-/// The texts given out by `String::shared`; it does not keep them alive.
+/// The texts given out by `String::shared`; it does not keep them alive. A table that is at most
+/// half full; a text stands at the first place that was free from that of its hash on.
 class SharedTexts {
 public:
     String find(std::string_view text) {
         const ThreadLock lock(mutex_);
-        const auto held = texts_.find(text);
-        const bool isHeld = held != texts_.end();
-        if (isHeld && (*held)->refs.upUnlessGone()) {  // uncovered: as below
+        const std::uint32_t hash = hashOf(text);
+        const std::size_t place = placeOf(text, hash);
+        const bool isHeld = places_[place] != nullptr;
+        if (isHeld && places_[place]->refs.upUnlessGone()) {  // uncovered: as below
             String found;
-            found.text_ = *held;
+            found.text_ = places_[place];
             return found;
         }
         // One that lost its last owner this moment, in another thread, makes room.
-        if (isHeld) texts_.erase(held);  // uncovered: true only against another thread
+        if (isHeld) vacate(place);  // uncovered: true only against another thread
+        if (2 * (count_ + 1) > places_.size()) grow();
         String made(text);
-        texts_.insert(made.text_);
         made.text_->isShared = 1;
+        places_[placeOf(text, hash)] = made.text_;
+        ++count_;
         return made;
     }
     void remove(String::Text* text) noexcept {
         const ThreadLock lock(mutex_);
-        const auto held = texts_.find(viewOf(text));
-        const bool isKept = held != texts_.end() && *held == text;  // uncovered: see find()
-        if (isKept) texts_.erase(held);  // uncovered: false only where find() made room
+        const std::size_t place = placeOf(viewOf(text), text->hash);
+        const bool isKept = places_[place] == text;  // uncovered: see find()
+        if (isKept) vacate(place);                   // uncovered: false only where find() made room
     }
     static SharedTexts& instance() {
         static auto* const texts = new SharedTexts;  // outlives every static text
@@ -87,23 +105,37 @@ public:
     }
 
 private:
-    static std::string_view viewOf(std::string_view text) { return text; }
     static std::string_view viewOf(String::Text* text) { return {text->bytes(), text->size}; }
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view text) const noexcept { return hashOf(text); }
-        std::size_t operator()(const String::Text* text) const noexcept { return text->hash; }
-    };
-    struct Equal {
-        using is_transparent = void;
-        template <class A, class B>
-        bool operator()(A a, B b) const {
-            return viewOf(a) == viewOf(b);
+    std::size_t after(std::size_t place) const noexcept {
+        return (place + 1) & (places_.size() - 1);
+    }
+    /// Where the text is, or is to come.
+    std::size_t placeOf(std::string_view text, std::uint32_t hash) const noexcept {
+        std::size_t place = hash & (places_.size() - 1);
+        while (places_[place] != nullptr &&
+               !(places_[place]->hash == hash && viewOf(places_[place]) == text))
+            place = after(place);
+        return place;
+    }
+    void grow() {
+        std::vector<String::Text*> before(2 * places_.size());
+        before.swap(places_);
+        for (String::Text* text : before)
+            if (text != nullptr) places_[placeOf(viewOf(text), text->hash)] = text;
+    }
+    /// Those behind the place may stand there for want of it: they are placed anew.
+    void vacate(std::size_t place) noexcept {
+        places_[place] = nullptr;
+        --count_;
+        for (place = after(place); places_[place] != nullptr; place = after(place)) {
+            String::Text* text = std::exchange(places_[place], nullptr);
+            places_[placeOf(viewOf(text), text->hash)] = text;
         }
-    };
+    }
 
     std::mutex mutex_;
-    std::unordered_set<String::Text*, Hash, Equal> texts_;
+    std::vector<String::Text*> places_ = std::vector<String::Text*>(kFirstPlaces);
+    std::size_t count_ = 0;
 };
 
 String String::shared(std::string_view text) {
