@@ -45,25 +45,33 @@ public:
     /// empty where there is none.
     Orin::String forwardingGroup(std::uint32_t tc) const {
         const Groups* groups = groups_.find(tc);
-        return groups == nullptr ? Orin::String() : *groups->begin();
+        return groups == nullptr ? Orin::String() : groups->least;
     }
 
 private:
-    /// Never empty; in byte order.
-    using Groups = std::set<Orin::String>;
+    /// Most traffic classes have one.
+    struct Groups {
+        Orin::String least;
+        std::set<Orin::String> others;
+    };
 
     void list(const Orin::String& group, std::uint32_t tc) {
         if (Groups* groups = groups_.find(tc)) {
-            groups->insert(group);
+            const bool isLeast = group < groups->least;
+            groups->others.insert(isLeast ? groups->least : group);
+            if (isLeast) groups->least = group;
             return;
         }
-        Groups only{group};
-        groups_.enter(tc, std::move(only));
+        groups_.enter(tc, Groups{group, {}});
     }
     void unlist(const Orin::String& group, std::uint32_t tc) noexcept {
         Groups& groups = *groups_.find(tc);
-        groups.erase(group);
-        if (groups.empty()) groups_.erase(tc);
+        if (group != groups.least)
+            groups.others.erase(group);
+        else if (groups.others.empty())
+            groups_.erase(tc);
+        else
+            groups.least = std::move(groups.others.extract(groups.others.begin()).value());
     }
 
     HashMap2018<std::uint32_t, Groups, Vex::seedOf("TcByForwardingGroup.groups")> groups_;
