@@ -1,7 +1,7 @@
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/AclTypeStateSm.h"
 
-#include <unordered_map>
-#include <unordered_set>
+#include <string_view>
+#include <vector>
 
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/Trace.h"
 #include "platform/QosOc/Naming.h"
@@ -21,16 +21,42 @@ constexpr auto kHandleInitialized =
 constexpr auto kHandleInitializedStale =
     tracePoint("handleInitialized", "void QosOc::AclTypeStateSm::handleInitialized()", 363);
 
-/// The terms that access lists stand for, by classifier.
-using TermIds = std::unordered_set<String>;
-using ClassifierTerms = std::unordered_map<String, TermIds>;
+using AclConfigs = Acl::Input::AclTypeConfig::AclConfigs;
 
-void removeConditionsExcept(const StateDir& root, const State::Classifier& classifier,
-                            const TermIds& termIds) {
-    if (classifier.terms() == nullptr) return;
-    for (const auto& member : classifier.terms()->term())
-        if (member.value.conditions && !termIds.contains(member.key))
-            deleteClassifierTermCondition(root, classifier.name(), member.key, true);
+/// A classifier that access lists name, and how many of them are configured.
+struct NamedClassifier {
+    String name;
+    std::size_t configured = 0;
+};
+
+/// The classifiers in the order of their lists. Those of one classifier are neighbours, as their
+/// names begin with its name.
+class NamedClassifiers {
+public:
+    void add(const String& classifierName, bool isConfigured) {
+        if (classifiers_.empty() || !(classifiers_.back().name == classifierName))
+            classifiers_.push_back({classifierName});
+        classifiers_.back().configured += isConfigured ? 1 : 0;
+    }
+    auto begin() const noexcept { return classifiers_.begin(); }
+    auto end() const noexcept { return classifiers_.end(); }
+
+private:
+    std::vector<NamedClassifier> classifiers_;
+};
+
+/// Takes away the conditions of terms that no list stands for. The term of each configured list is
+/// there, so a classifier with no more terms than lists has none of those.
+void removeStaleConditions(const StateDir& root, const NamedClassifier& named,
+                           const AclConfigs& lists) {
+    const State::Classifier* classifier = root->classifier(named.name);
+    if (classifier == nullptr || classifier->terms() == nullptr) return;
+    const auto& terms = classifier->terms()->term();
+    if (terms.size() == named.configured) return;
+    for (const auto& member : terms)
+        if (member.value.conditions &&
+            lists.find(std::string_view(configObjName(named.name, member.key))) == nullptr)
+            deleteClassifierTermCondition(root, named.name, member.key, true);
 }
 
 }  // namespace
@@ -71,18 +97,17 @@ void AclTypeStateSm::aclStateSmDelAll() {
 
 void AclTypeStateSm::handleInitialized() {
     traceOf(this, kHandleInitialized);
-    ClassifierTerms aclClassifierTerms;
+    NamedClassifiers named;
     for (const auto& member : aclTypeConfig_->aclConfig()) {
         const ClassifierKey& key = classifierKeyFromConfigObjName(member.key);
         if (!key.isTerm()) continue;
+        named.add(key.classifierName, member.value != nullptr);
         handleAclConfig(member.key);
-        aclClassifierTerms[key.classifierName].insert(key.termId);
     }
     traceOf(this, kHandleInitializedStale, ", removing the stale entries");
     // No lines are due for the classifiers passed over, so only those that lists name are visited.
-    for (const auto& [classifierName, termIds] : aclClassifierTerms)
-        if (const State::Classifier* classifier = classifierStateDir_->classifier(classifierName))
-            removeConditionsExcept(classifierStateDir_, *classifier, termIds);
+    for (const NamedClassifier& classifier : named)
+        removeStaleConditions(classifierStateDir_, classifier, aclTypeConfig_->aclConfig());
 }
 
 void AclTypeStateSm::handleAclConfig(const String& aclName) {

@@ -131,6 +131,41 @@ TEST_F(AclTypeStateSmTest, sweepsNothingWhereANullEntrysClassifierHasNoTerms) {
     EXPECT_EQ(written(), "v4 IPV4");
 }
 
+TEST_F(AclTypeStateSmTest, sweepsBesideANullEntryThatHasNoTerm) {
+    writeCondition("v4", "90", 9);
+    add("openconfig:v4:10", rulesFor({46}));
+    lists->aclConfigIs("openconfig:v4:20", nullptr);
+    const auto sm = start();
+    EXPECT_EQ(written(), "v4 IPV4 {10 when ipv4 46, 90}");
+}
+
+TEST_F(AclTypeStateSmTest, protectsTermsWhoseNamesNeedEscapes) {
+    for (const char* term : {"a:b", "c%d", "e"})
+        writeCondition("v:4", term, 9);
+    add("openconfig:v%3A4:a%3Ab");
+    add("openconfig:v%3A4:c%25d");
+    const auto sm = start();
+    EXPECT_EQ(written(), "v:4 IPV4 {a:b when ipv4 9, c%d when ipv4 9, e}");
+}
+
+TEST_F(AclTypeStateSmTest, sweepsEachClassifierThatListsNameInTheOrderOfTheirNames) {
+    for (const char* name : {"b", "a", "ab"})
+        writeCondition(name, "90", 9);
+    for (const char* list :
+         {"openconfig:b:1", "openconfig:ab:1", "openconfig:a:2", "openconfig:a:1"})
+        add(list);
+    const TestSupport::TraceCapture capture;
+    const auto sm = start();
+    EXPECT_EQ(written(), "a IPV4 {1, 2, 90}; ab IPV4 {1, 90}; b IPV4 {1, 90}");
+    auto deletions = linesOf(capture, {});
+    std::erase_if(deletions,
+                  [](const auto& line) { return !line.starts_with("deleteClassifier"); });
+    EXPECT_THAT(deletions,
+                ElementsAre("deleteClassifierTermCondition, classifierName = a, termId = 90",
+                            "deleteClassifierTermCondition, classifierName = ab, termId = 90",
+                            "deleteClassifierTermCondition, classifierName = b, termId = 90"));
+}
+
 TEST_F(AclTypeStateSmTest, removesTheMachineOfAListThatBecomesNull) {
     add("openconfig:v4:10", rulesFor({46}));
     const auto sm = start();
