@@ -36,11 +36,11 @@ constexpr auto kDeleteClassifierTermAction =
     tracePoint("deleteClassifierTermAction",
                "void QosOc::deleteClassifierTermAction(const Ptr&, const String&, const String&)");
 
-void traceAddClassifier(const String& name, Classifier::Type type) {
+inline void traceAddClassifier(const String& name, Classifier::Type type) {
     trace(kAddClassifier, ", classifierName = ", name, ", classifierType = ", type);
 }
 
-void traceAddClassifierTerm(const String& name, Classifier::Type type, const String& termId) {
+inline void traceAddClassifierTerm(const String& name, Classifier::Type type, const String& termId) {
     trace(kAddClassifierTerm, ", classifierName = ", name, ", classifierType = ", type,
           ", termId = ", termId);
     traceAddClassifier(name, type);

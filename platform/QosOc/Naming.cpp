@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace QosOc {
 namespace {
@@ -18,8 +19,8 @@ char escaped(std::string_view escape) noexcept {
     return 0;
 }
 
-std::optional<Orin::String> decodedPart(std::string_view part) {
-    if (part.find('%') == part.npos) return Orin::String::shared(part);
+/// The text that the part of a name stands for; nothing if no part reads like this.
+std::optional<std::string> unescaped(std::string_view part) {
     std::string text;
     while (!part.empty()) {
         char c = part.front();
@@ -32,7 +33,32 @@ std::optional<Orin::String> decodedPart(std::string_view part) {
         text += c;
         part.remove_prefix(length);
     }
-    return Orin::String::shared(text);
+    return text;
+}
+
+/// The shared text of a name's first part. Names of one classifier mostly come in a row.
+const Orin::String& firstText(std::string_view part) {
+    thread_local Orin::String last;
+    if (last.view() != part) last = Orin::String::shared(part);
+    return last;
+}
+
+/// The texts of two parts, empty if they do not read like parts of a name.
+PmapClassifiers textsOf(std::string_view first, std::string_view second, bool isEscaped) {
+    if (!isEscaped) return {firstText(first), Orin::String::shared(second)};
+    const auto firstPart = unescaped(first);
+    const auto secondPart = unescaped(second);
+    if (!firstPart || !secondPart) return {};
+    return {firstText(*firstPart), Orin::String::shared(*secondPart)};
+}
+
+PmapClassifiers classifiersIn(std::string_view name) {
+    if (!name.starts_with(kPrefix)) return {};
+    name.remove_prefix(kPrefix.size());
+    const std::size_t separator = name.find(':');
+    if (separator == name.npos || name.find(':', separator + 1) != name.npos) return {};
+    const bool isEscaped = name.find('%') != name.npos;
+    return textsOf(name.substr(0, separator), name.substr(separator + 1), isEscaped);
 }
 
 void appendEncoded(std::string& name, std::string_view part) {
@@ -59,20 +85,14 @@ std::string encoded(std::string_view first, std::string_view second) {
 
 constinit const DecodedName DecodedName::kNone{};
 
+DecodedName::DecodedName(PmapClassifiers&& parts) noexcept
+    : classifierKey(parts.ipv4ClassifierName.empty() || parts.ipv6ClassifierName.empty()
+                        ? ClassifierKey{}
+                        : ClassifierKey{parts.ipv4ClassifierName, parts.ipv6ClassifierName}),
+      pmapClassifiers(std::move(parts)) {}
+
 std::unique_ptr<DecodedName> DecodedName::of(std::string_view name) {
-    auto note = std::make_unique<DecodedName>();
-    if (!name.starts_with(kPrefix)) return note;
-    name.remove_prefix(kPrefix.size());
-    const std::size_t separator = name.find(':');
-    if (separator == name.npos || name.find(':', separator + 1) != name.npos) return note;
-    const auto first = decodedPart(name.substr(0, separator));
-    const auto second = decodedPart(name.substr(separator + 1));
-    if (!first || !second || (first->empty() && second->empty())) return note;
-    note->pmapClassifiers = {*first, *second};
-    if (!first->empty() && !second->empty())
-        note->classifierKey = {note->pmapClassifiers.ipv4ClassifierName,
-                               note->pmapClassifiers.ipv6ClassifierName};
-    return note;
+    return std::make_unique<DecodedName>(classifiersIn(name));
 }
 
 Orin::String classifierNameFromClassName(const Orin::String& className) {

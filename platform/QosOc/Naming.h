@@ -10,6 +10,7 @@
 #include "platform/Orin/Export.h"
 #include "platform/Orin/Ptr.h"
 #include "platform/Orin/String.h"
+#include "platform/OvSlab/Slab.h"
 #include "platform/Qos/ClassMapMatchOption.h"
 #include "platform/Qos/ForwardingGroupNameToTcMap.h"
 #include "platform/QosOc/ClassifierType.h"
@@ -42,10 +43,14 @@ struct PmapClassifiers {
 };
 
 /// What a name says when it was made from classifiers: both readings of it.
-struct PLATFORM_API DecodedName : Orin::TextNote {
+struct PLATFORM_API DecodedName : Orin::TextNote, OvSlab::Slabbed<DecodedName> {
+    static constexpr std::string_view kTypeName = "QosOc::DecodedName";
+
     ClassifierKey classifierKey;
     PmapClassifiers pmapClassifiers;
 
+    constexpr DecodedName() noexcept = default;
+    explicit DecodedName(PmapClassifiers&& parts) noexcept;
     static const DecodedName kNone;
     static std::unique_ptr<DecodedName> of(std::string_view name);
 };

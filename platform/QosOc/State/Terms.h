@@ -38,8 +38,11 @@ public:
     /// Stores a term again with that target group, which may be empty: `term` is a stored one.
     /// False when it has it.
     bool targetGroupIs(Term& term, const Orin::String& targetGroup) {
-        if (term.actions && term.actions->targetGroup == targetGroup) return false;
-        term.actions = Config::TermActions{targetGroup};
+        if (!term.actions)
+            term.actions.emplace();
+        else if (term.actions->targetGroup == targetGroup)
+            return false;
+        term.actions->targetGroup = targetGroup;
         publishTerm(term.id);
         return true;
     }
