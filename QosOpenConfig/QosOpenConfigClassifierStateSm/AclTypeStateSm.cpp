@@ -1,6 +1,8 @@
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/AclTypeStateSm.h"
 
+#include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/Trace.h"
@@ -45,18 +47,23 @@ private:
     std::vector<NamedClassifier> classifiers_;
 };
 
-/// Takes away the conditions of terms that no list stands for. The term of each configured list is
-/// there, so a classifier with no more terms than lists has none of those.
-void removeStaleConditions(const StateDir& root, const NamedClassifier& named,
+/// False if each of the classifier's terms is that of a configured list. The term of every such
+/// list is there, so counting them is enough.
+bool mayHaveStaleConditions(const State::ClassifiersDir& root, const NamedClassifier& named) {
+    const State::Classifier* classifier = root.classifier(named.name);
+    return classifier != nullptr && classifier->terms() != nullptr &&
+           classifier->terms()->term().size() != named.configured;
+}
+
+/// Takes away the conditions of terms that no list stands for.
+void removeStaleConditions(const StateDir& root, const State::Classifier& classifier,
                            const AclConfigs& lists) {
-    const State::Classifier* classifier = root->classifier(named.name);
-    if (classifier == nullptr || classifier->terms() == nullptr) return;
-    const auto& terms = classifier->terms()->term();
-    if (terms.size() == named.configured) return;
-    for (const auto& member : terms)
-        if (member.value.conditions &&
-            lists.find(std::string_view(configObjName(named.name, member.key))) == nullptr)
-            deleteClassifierTermCondition(root, named.name, member.key, true);
+    for (const auto& member : classifier.terms()->term()) {
+        if (!member.value.conditions) continue;
+        const std::string aclName = configObjName(classifier.name(), member.key);
+        if (lists.find(std::string_view(aclName)) == nullptr)
+            deleteClassifierTermCondition(root, classifier.name(), member.key, true);
+    }
 }
 
 }  // namespace
@@ -105,9 +112,14 @@ void AclTypeStateSm::handleInitialized() {
         handleAclConfig(member.key);
     }
     traceOf(this, kHandleInitializedStale, ", removing the stale entries");
-    // No lines are due for the classifiers passed over, so only those that lists name are visited.
+    std::unordered_set<String> suspects;
     for (const NamedClassifier& classifier : named)
-        removeStaleConditions(classifierStateDir_, classifier, aclTypeConfig_->aclConfig());
+        if (mayHaveStaleConditions(*classifierStateDir_, classifier))
+            suspects.insert(classifier.name);
+    if (suspects.empty()) return;
+    for (const auto& member : classifierStateDir_->classifier())
+        if (suspects.contains(member.key))
+            removeStaleConditions(classifierStateDir_, *member.value, aclTypeConfig_->aclConfig());
 }
 
 void AclTypeStateSm::handleAclConfig(const String& aclName) {

@@ -45,9 +45,7 @@ void AccessLists::start() {
         named[term.classifier].push_back(term.id);
     }
     context_.trace.line(kSweep, id_, ", removing the stale entries");
-    context_.trace.openWalkIs(true);
     if (context_.wrong != Wrong::noSweep) sweep(named);
-    context_.trace.openWalkIs(false);
 }
 
 void AccessLists::sweep(const std::map<std::string, std::vector<std::string>>& named) {

@@ -136,23 +136,10 @@ bool LineMatcher::matches(const Line& expected, std::string_view seen) {
     return passes(point.signature) && seen == expected.rest;
 }
 
-bool LineMatcher::matchesOne(std::vector<Line>& expected, std::size_t place,
-                             std::string_view seen) {
-    if (matches(expected[place], seen)) return true;
-    const unsigned walk = expected[place].walk;
-    for (std::size_t i = place + 1; walk != 0 && i < expected.size(); ++i) {
-        if (expected[i].walk != walk) return false;
-        if (!matches(expected[i], seen)) continue;
-        std::swap(expected[place], expected[i]);
-        return true;
-    }
-    return false;
-}
-
-std::string LineMatcher::difference(std::vector<Line> expected,
+std::string LineMatcher::difference(const std::vector<Line>& expected,
                                     const std::vector<std::string>& seen) {
     for (std::size_t i = 0; i < expected.size() || i < seen.size(); ++i) {
-        if (i < expected.size() && i < seen.size() && matchesOne(expected, i, seen[i])) continue;
+        if (i < expected.size() && i < seen.size() && matches(expected[i], seen[i])) continue;
         std::string text = "trace line " + std::to_string(i + 1) + "\n  expected: ";
         if (i < expected.size()) {
             const Point& point = *expected[i].point;

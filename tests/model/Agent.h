@@ -45,11 +45,9 @@ private:
 class LineMatcher {
 public:
     /// What differs; empty if nothing does.
-    std::string difference(std::vector<Line> expected, const std::vector<std::string>& seen);
+    std::string difference(const std::vector<Line>& expected, const std::vector<std::string>& seen);
 
 private:
-    /// Brings the line that matches to this place, among those that may stand here.
-    bool matchesOne(std::vector<Line>& expected, std::size_t place, std::string_view seen);
     bool matches(const Line& expected, std::string_view seen);
     bool isAddressOf(Id machine, std::string_view address);
 

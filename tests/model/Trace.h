@@ -31,8 +31,6 @@ struct Line {
     const Point* point;
     Id machine;
     std::string rest;
-    /// The lines next to each other of one walk in an order that is left open; 0: none.
-    unsigned walk = 0;
 };
 
 /// A text as it is inserted into a line.
@@ -49,14 +47,9 @@ public:
     void line(const Point& point, Id machine, const Pieces&... pieces) {
         point.counter.hit();
         if (!isOn_) return;
-        Line line{&point, machine, {}, isOpen_ ? walks_ : 0};
+        Line line{&point, machine, {}};
         (append(line.rest, pieces), ...);
         lines_.push_back(std::move(line));
-    }
-    /// From here on lines may come in any order, until they may not.
-    void openWalkIs(bool isOpen) {
-        isOpen_ = isOpen;
-        ++walks_;
     }
     /// The lines since the last call.
     std::vector<Line> take() { return std::exchange(lines_, {}); }
@@ -66,8 +59,6 @@ private:
     static void append(std::string& out, const std::string& text) { out += inserted(text); }
 
     bool isOn_;
-    bool isOpen_ = false;
-    unsigned walks_ = 0;
     std::vector<Line> lines_;
 };
 

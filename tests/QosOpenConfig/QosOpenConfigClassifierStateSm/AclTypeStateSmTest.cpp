@@ -148,7 +148,7 @@ TEST_F(AclTypeStateSmTest, protectsTermsWhoseNamesNeedEscapes) {
     EXPECT_EQ(written(), "v:4 IPV4 {a:b when ipv4 9, c%d when ipv4 9, e}");
 }
 
-TEST_F(AclTypeStateSmTest, sweepsEachClassifierThatListsNameInTheOrderOfTheirNames) {
+TEST_F(AclTypeStateSmTest, sweepsTheClassifiersThatListsNameInTheirOrderInTheTree) {
     for (const char* name : {"b", "a", "ab"})
         writeCondition(name, "90", 9);
     for (const char* list :
@@ -161,9 +161,9 @@ TEST_F(AclTypeStateSmTest, sweepsEachClassifierThatListsNameInTheOrderOfTheirNam
     std::erase_if(deletions,
                   [](const auto& line) { return !line.starts_with("deleteClassifier"); });
     EXPECT_THAT(deletions,
-                ElementsAre("deleteClassifierTermCondition, classifierName = a, termId = 90",
-                            "deleteClassifierTermCondition, classifierName = ab, termId = 90",
-                            "deleteClassifierTermCondition, classifierName = b, termId = 90"));
+                ElementsAre("deleteClassifierTermCondition, classifierName = b, termId = 90",
+                            "deleteClassifierTermCondition, classifierName = a, termId = 90",
+                            "deleteClassifierTermCondition, classifierName = ab, termId = 90"));
 }
 
 TEST_F(AclTypeStateSmTest, removesTheMachineOfAListThatBecomesNull) {
