@@ -32,6 +32,7 @@ std::span<const MountPoint> mountPoints() {
 
 std::string noSubtree(std::string_view path) {
     const std::string fault = "no subtree is mounted at the path " + excerpt(path);
+    if (path.starts_with('/')) path.remove_prefix(1);
     for (const MountPoint& mount : kMountPoints) {
         const std::string_view known[] = {mount.path};
         const std::string near = suggestion(leadingParts(path, mount.path), known);

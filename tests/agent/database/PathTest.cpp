@@ -43,12 +43,13 @@ TEST_F(PathTest, tellsTheKeysThatMayBeRepeated) {
 }
 
 TEST_F(PathTest, refusesUnknownRoots) {
-    for (const std::string path : {"", "qos", "/qos/status", "acl/config"})
+    for (const std::string path : {"", "qos", "/qos", "acl/config"})
         EXPECT_EQ(faultOf(path), "no subtree is mounted at the path \"" + path + '"');
 }
 
 TEST_F(PathTest, tellsWhichRootWasMeant) {
-    for (const std::string path : {"qos/stauts", "qos/statusX/cmapTypeStatus/mapQos"})
+    for (const std::string path :
+         {"qos/stauts", "qos/statusX/cmapTypeStatus/mapQos", "/qos/status/cmapTypeStatus"})
         EXPECT_EQ(faultOf(path), "no subtree is mounted at the path \"" + path +
                                      "\", did you mean \"qos/status\"?");
 }
