@@ -8,7 +8,6 @@
 #include <optional>
 #include <string>
 
-#include "agent/ExitCodes.h"
 #include "agent/database/Document.h"
 #include "agent/database/Printer.h"
 #include "agent/host/File.h"
@@ -16,6 +15,7 @@
 #include "agent/host/ToggleFolder.h"
 #include "agent/openconfig/Configuration.h"
 #include "agent/openconfig/StatePrinter.h"
+#include "agent/options/ExitCodes.h"
 #include "agent/output/Diagnostics.h"
 #include "agent/output/Follower.h"
 #include "agent/output/Machines.h"
@@ -150,10 +150,7 @@ private:
             text = stateTable(*state, terminalOn(STDOUT_FILENO));
     }
     int endStatus() const {
-        if (!out_.fault().empty()) {
-            report(refusal("standard output", out_.fault()));
-            return kUnusable;
-        }
+        if (reportFault(out_)) return kUnusable;
         return isSomeRefused_ ? kSomeRefused : kAllApplied;
     }
 

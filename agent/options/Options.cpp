@@ -5,12 +5,14 @@
 #include <CLI/CLI.hpp>
 #include <map>
 #include <optional>
+#include <sstream>
 
-#include "agent/ExitCodes.h"
 #include "agent/host/InstalledFiles.h"
 #include "agent/json/Excerpt.h"
 #include "agent/json/Suggestion.h"
+#include "agent/options/ExitCodes.h"
 #include "agent/output/Diagnostics.h"
+#include "agent/output/Output.h"
 
 #ifndef QOS_AGENT_VERSION
 #define QOS_AGENT_VERSION "unknown"
@@ -24,8 +26,8 @@ constexpr const char* kVersion = "qos-agent " QOS_AGENT_VERSION;
 
 /// The library puts it behind the options.
 constexpr const char* kHelpEnd =
-    R"(Ctrl-C, or SIGTERM, ends the input: what is to be printed at the end is printed.
-A second one ends the program at once.
+    R"(Ctrl-C, or SIGTERM, ends the change streams: what is to be printed at the end
+is printed. A second one, or one before they are read, ends the program at once.
 
 Exit status:
   0  all input was applied
@@ -99,8 +101,7 @@ void describe(CLI::App& app, Given& given, Options& options) {
     app.add_option("INPUT", given.inputs,
                    "A document (.json) or a change stream (.jsonl, or - for\n"
                    "standard input); several are taken in order")
-        ->type_name("")
-        ->check(check(inputFault));
+        ->type_name("");
     app.add_option("--plugin", given.plugin, "The plug-in's shared library")->type_name("FILE");
     app.add_option("--toggle-dir", given.toggleFolder, "The folder that holds QosOpenConfig.json")
         ->type_name("DIR");
@@ -109,8 +110,10 @@ void describe(CLI::App& app, Given& given, Options& options) {
                    "a terminal), openconfig (otherwise), entities or none")
         ->type_name("FORMAT")
         ->check(check(formatFault));
-    app.add_flag("--follow", options.follows, "Print each published change of the state tree");
-    app.add_flag("--machines", options.showsMachines, "Print the live machine tree at the end");
+    app.add_flag("--follow", options.follows, "Print each published change of the state tree")
+        ->disable_flag_override();
+    app.add_flag("--machines", options.showsMachines, "Print the live machine tree at the end")
+        ->disable_flag_override();
     app.add_option("--trace", given.traces,
                    "Trace a handle (* is all) up to level 0 to 9;\n"
                    "may be given again")
@@ -121,7 +124,15 @@ void describe(CLI::App& app, Given& given, Options& options) {
                    "Where trace lines go, if not to standard error")
         ->type_name("FILE");
     app.add_flag("--keep-going", options.keepsGoing,
-                 "Report a bad change-stream line and go on with the next");
+                 "Report a bad change-stream line and go on with the next")
+        ->disable_flag_override();
+}
+
+/// Asked after the options: the value of a misspelt one looks like an input.
+void checkInputs(const std::vector<std::string>& inputs) {
+    for (const std::string& input : inputs)
+        if (const std::string fault = inputFault(input); !fault.empty())
+            throw CLI::ValidationError("INPUT", fault);
 }
 
 OutputFormat formatFrom(const std::string& text) {
@@ -150,8 +161,9 @@ std::string unknownOption(const CLI::App& app, const std::string& given) {
            suggestion(name, std::vector<std::string_view>(names.begin(), names.end()));
 }
 
-/// Of an option that has too few values, or too many.
+/// Of an option that has too few values, or too many. A flag is named without its dashes.
 std::string wrongCount(const CLI::App& app, const std::string& name) {
+    if (!name.starts_with("--")) return excerpt("--" + name) + " takes no value";
     const CLI::Option* option = app.get_option(name);
     if (option->results().size() > 1) return excerpt(name) + " is given more than once";
     return excerpt(name) + " needs a " + option->get_type_name();
@@ -164,8 +176,17 @@ std::string wordsFor(const CLI::ParseError& refused, const CLI::App& app) {
     if (dynamic_cast<const CLI::ExtrasError*>(&refused) != nullptr)
         return unknownOption(app, remaining);
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&refused) != nullptr)
-        return wrongCount(app, account.substr(0, account.find(": ")));
+        return wrongCount(app, account.substr(0, account.find_first_of(": ")));
     return account;
+}
+
+/// Prints what was asked for in place of a run: the help, or the version.
+int print(const CLI::App& app, const CLI::ParseError& asked) {
+    std::ostringstream text;
+    app.exit(asked, text);
+    Output out(STDOUT_FILENO);
+    out.line(text.view().substr(0, text.view().find_last_not_of('\n') + 1));
+    return reportFault(out) ? kUnusable : kAllApplied;
 }
 
 }  // namespace
@@ -178,8 +199,9 @@ std::variant<Options, ExitStatus> parseOptions(int argc, const char* const* argv
     describe(app, given, options);
     try {
         app.parse(argc, argv);
+        checkInputs(given.inputs);
     } catch (const CLI::ParseError& answer) {
-        if (answer.get_exit_code() == 0) return ExitStatus{app.exit(answer)};
+        if (answer.get_exit_code() == 0) return ExitStatus{print(app, answer)};
         report(refusal(kProgram, wordsFor(answer, app)));
         return ExitStatus{kUnusable};
     }

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include "agent/output/Output.h"
 #include "agent/output/Terminal.h"
 
 namespace QosAgent {
@@ -45,8 +44,12 @@ Diagnostic refusal(std::string_view file, std::string_view text, const Fault& fa
     return refusal(file, placeOf(text, fault.offset), fault.message);
 }
 
+Diagnostic warning(std::string_view file, std::string_view message) {
+    return {Kind::warning, std::string(file), std::string(message)};
+}
+
 Diagnostic warning(std::string_view file, const TextPlace& place, std::string_view message) {
-    return {Kind::warning, placeIn(file, place), std::string(message)};
+    return warning(placeIn(file, place), message);
 }
 
 std::string oneLine(std::string_view text) {
@@ -58,6 +61,12 @@ std::string oneLine(std::string_view text) {
 
 void report(const Diagnostic& diagnostic) {
     Output(STDERR_FILENO).line(diagnostic.line(terminalOn(STDERR_FILENO).hasColour));
+}
+
+bool reportFault(const Output& standardOutput) {
+    if (standardOutput.fault().empty()) return false;
+    report(refusal("standard output", standardOutput.fault()));
+    return true;
 }
 
 }  // namespace QosAgent

@@ -5,6 +5,7 @@
 
 #include "agent/json/JsonReader.h"
 #include "agent/json/TextPlace.h"
+#include "agent/output/Output.h"
 
 /// What is said on standard error. `file` is as it was named on the command line.
 namespace QosAgent {
@@ -26,6 +27,7 @@ Diagnostic refusal(std::string_view file, std::string_view message);
 Diagnostic refusal(std::string_view file, const TextPlace& place, std::string_view message);
 /// The same for a fault in a text.
 Diagnostic refusal(std::string_view file, std::string_view text, const Fault& fault);
+Diagnostic warning(std::string_view file, std::string_view message);
 Diagnostic warning(std::string_view file, const TextPlace& place, std::string_view message);
 
 /// The text with `?` for each control character, so that it stays on its line.
@@ -33,5 +35,7 @@ std::string oneLine(std::string_view text);
 
 /// Writes the line to standard error, in colour if that is a terminal that has it.
 void report(const Diagnostic& diagnostic);
+/// Reports that a write to standard output failed; false if none did.
+bool reportFault(const Output& standardOutput);
 
 }  // namespace QosAgent
