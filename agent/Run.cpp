@@ -2,17 +2,20 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <exception>
 #include <new>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "agent/database/Document.h"
 #include "agent/database/Printer.h"
 #include "agent/host/File.h"
 #include "agent/host/PluginHost.h"
 #include "agent/host/ToggleFolder.h"
+#include "agent/json/Excerpt.h"
 #include "agent/openconfig/Configuration.h"
 #include "agent/openconfig/StatePrinter.h"
 #include "agent/options/ExitCodes.h"
@@ -35,6 +38,13 @@ namespace {
 using Refusal = std::optional<Diagnostic>;
 
 constexpr const char* kToggleFile = "QosOpenConfig.json";
+
+std::string unknownHandle(const std::string& name, const std::vector<std::string_view>& known) {
+    std::string message = "--trace: unknown handle " + excerpt(name) + ", expected one of *";
+    for (const std::string_view handle : known)
+        message.append(", ").append(handle);
+    return message;
+}
 
 /// What the command line asked for, step by step.
 class AgentRun {
@@ -72,7 +82,15 @@ private:
         if (options_.follows) follower_.emplace(database_.stateTree(), out_);
         if (const auto fault = host_.load(options_.pluginFile))
             return refusal(options_.pluginFile, *fault);
+        warnOfUnknownHandles();
         return {};
+    }
+    /// The plug-in has registered its handles by now.
+    void warnOfUnknownHandles() const {
+        const std::vector<std::string_view> known = Vex::traceHandleNames();
+        for (const TraceSetting& setting : options_.traces)
+            if (setting.handle != "*" && !std::ranges::count(known, setting.handle))
+                report(warning("qos-agent", unknownHandle(setting.handle, known)));
     }
     Refusal loadDocument(const std::string& name) {
         const Limits limits;

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <ctime>
 #include <map>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -58,6 +59,13 @@ void traceLevelsIs(std::string_view name, unsigned count) {
         if (name == "*" || name == handle->name()) handle->enabledLevelsIs(count);
 }
 
+std::vector<std::string_view> traceHandleNames() {
+    std::set<std::string_view> names;
+    for (const TraceHandle* handle : state().handles)
+        names.insert(handle->name());
+    return {names.begin(), names.end()};
+}
+
 void traceSinkIs(TraceSink sink) {
     state().sink = std::move(sink);
 }
@@ -98,8 +106,8 @@ TraceHelper& TraceHelper::operator<<(std::uint32_t value) {
 
 TraceHelper& TraceHelper::operator<<(const void* value) {
     char digits[2 * sizeof value];
-    const auto end = std::to_chars(digits, digits + sizeof digits,
-                                   reinterpret_cast<std::uintptr_t>(value), 16);
+    const auto end =
+        std::to_chars(digits, digits + sizeof digits, reinterpret_cast<std::uintptr_t>(value), 16);
     return *this << "0x" << std::string_view(digits, end.ptr);
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string_view>
+#include <vector>
 
 #include "platform/Orin/Export.h"
 
@@ -51,6 +52,8 @@ private:
 /// Enables levels 0 to `count` - 1 of the handles with this name, present and future; `*` names
 /// all. A later setting takes the place of an earlier one.
 PLATFORM_API void traceLevelsIs(std::string_view name, unsigned count);
+/// The names of the handles that are listed, each once, in ascending order.
+PLATFORM_API std::vector<std::string_view> traceHandleNames();
 
 /// Receives each finished line, without its newline. An exception that leaves it ends the process.
 /// Null: lines go nowhere.

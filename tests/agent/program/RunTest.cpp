@@ -170,6 +170,13 @@ TEST_F(RunTest, writesTraceLinesOfTheHandlesThatAreAskedFor) {
     EXPECT_EQ(count, 4u);
 }
 
+TEST_F(RunTest, warnsOfHandlesThatNobodyHas) {
+    EXPECT_EQ(run({"--output", "none", "--trace", "Nobody/8", "--trace", "*/0", document()}),
+              (Ended{0, "",
+                     "qos-agent: warning: --trace: unknown handle \"Nobody\", expected one of *, "
+                     "OpenConfigQosClfStateSm, QosOpenConfigClassifierStateSmMounter\n"}));
+}
+
 TEST_F(RunTest, refusesDocumentsWithTheirPlace) {
     const std::string bad = file("bad.json", "{\"qos/status\":\n {\"x\":1}}");
     expectRefused({"--follow", document(), bad}, bad + R"(:2:3: unknown member "x")");

@@ -221,6 +221,18 @@ TEST_F(TraceLevelsTest, reachEveryHandleOfOneName) {
     EXPECT_EQ(levelsOf(twin), 3u);
 }
 
+TEST_F(TraceLevelsTest, areForHandlesThatAreListedByName) {
+    TraceHandle twin("Pilot", false);
+    const std::vector<std::string_view> before = traceHandleNames();
+    {
+        const TraceRegistration first(sailor);
+        const TraceRegistration second(pilot);
+        const TraceRegistration third(twin);
+        EXPECT_EQ(traceHandleNames(), (std::vector<std::string_view>{"Pilot", "Sailor"}));
+    }
+    EXPECT_EQ(traceHandleNames(), before);
+}
+
 TEST_F(TraceLevelsTest, leaveAHandleAloneThatIsNoLongerRegistered) {
     { const TraceRegistration registration(pilot); }
     traceLevelsIs("Pilot", 9);
