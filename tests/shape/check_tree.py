@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
-"""Holds the source tree against its architecture: who may include whom, no cycles, short headers.
+"""Holds the source tree against its architecture: who may include whom, no cycles, short headers
+and functions.
 
     check_tree.py ROOT
 
 Prints one line for each fault, `FILE:LINE: what is wrong`, and exits with 1 if there is any.
 """
 
+import ast
 import re
 import sys
 from pathlib import Path
@@ -13,7 +15,8 @@ from pathlib import Path
 RUNTIME = ("platform/Orin/", "platform/OvSlab/", "platform/Ovk/", "platform/Vex/")
 SERVICES = ("platform/Strata/", "platform/Plugin/", "platform/Agent/")
 
-# A folder of the tree, and the folders besides itself from which it may include.
+# A folder of the tree, and the folders besides itself from which it may include. Of folders within
+# each other the inner one stands first.
 MAY_INCLUDE = {
     "platform/Orin/": (),
     "platform/OvSlab/": ("platform/Orin/",),
@@ -23,11 +26,25 @@ MAY_INCLUDE = {
     **{schema: ("platform/",) for schema in ("platform/Qos/", "platform/Acl/", "platform/QosOc/")},
     "QosOpenConfig/": ("platform/",),
     "agent/": ("platform/",),
+    "tests/support/": ("platform/",),
+    "tests/platform/": ("platform/", "tests/support/"),
+    "tests/QosOpenConfig/": ("platform/", "QosOpenConfig/", "tests/support/"),
+    "tests/agent/": ("platform/", "agent/", "QosOpenConfig/", "tests/support/"),
+    "tests/plugin/": ("platform/", "agent/", "tests/agent/", "tests/support/"),
+    "tests/fuzz/": ("platform/", "agent/", "tests/agent/", "tests/support/"),
+    "tests/model/": ("platform/", "agent/"),
+    **{alone: ("platform/",) for alone in ("tests/codegen/", "tests/coverage/", "tests/memory/")},
+    "bench/floor/": ("platform/", "bench/platform/"),
+    "bench/platform/": ("platform/", "bench/Event.h"),
+    "bench/": ("platform/", "QosOpenConfig/", "agent/"),
 }
-TREES = ("platform", "QosOpenConfig", "agent")
+TREES = ("platform", "QosOpenConfig", "agent", "tests", "bench")
+SCRIPTS = ("run", "test", ".ci/run")
+SCRIPT_TREES = ("scripts", "packaging", "tests")
 
 # Beside the headers of the language and of the system, which lie in no folder or in `sys`.
-LIBRARIES = {"agent/": ("nlohmann/", "CLI/")}
+LIBRARIES = {"agent/": ("nlohmann/", "CLI/"), "tests/": ("gtest/", "gmock/", "CLI/"),
+             "bench/": ("benchmark/", "valgrind/")}
 SYSTEM = re.compile(r"(sys/)?\w+(\.h)?")
 
 INCLUDE = re.compile(r"\s*#\s*include(?:_next)?\b\s*(.*)")
@@ -35,6 +52,7 @@ QUOTED = re.compile(r'"([^"]+)"')
 ANGLED = re.compile(r"<([^>]+)>")
 
 LONGEST_HEADER = 150
+LONGEST_FUNCTION = 50
 LONG_FOR_A_REASON = re.compile(r"// long: \S")
 
 
@@ -60,7 +78,8 @@ def fault_of_include(folder, files, operand):
         return None
     if match := ANGLED.match(operand):
         target = match.group(1)
-        if SYSTEM.fullmatch(target) or target.startswith(LIBRARIES.get(folder, ())):
+        libraries = next((names for tree, names in LIBRARIES.items() if folder.startswith(tree)), ())
+        if SYSTEM.fullmatch(target) or target.startswith(libraries):
             return None
         return f"{folder} must not include <{target}>"
     return f"includes what cannot be read off: {operand}"
@@ -109,17 +128,61 @@ def faults_of_headers(files):
                    " without a comment `// long: REASON`")
 
 
+def python_functions(text):
+    """Yields (name, first line number, number of lines) for each function."""
+    for node in ast.walk(ast.parse(text)):
+        if isinstance(node, (ast.FunctionDef, ast.AsyncFunctionDef)):
+            yield node.name, node.lineno, node.end_lineno - node.lineno + 1
+
+
+def braced_blocks(text):
+    """The same for what a brace alone on its line ends: functions of C++ and of the shell, and the
+    blocks within them, which are shorter. As the formatter leaves them, all lines between the first
+    and the last are empty or stand deeper."""
+    lines = text.splitlines()
+    for end, line in enumerate(lines):
+        if match := re.fullmatch(r"( *)}", line):
+            begin = end - 1
+            while begin > 0 and (not lines[begin] or lines[begin].startswith(match[1] + " ")):
+                begin -= 1
+            yield lines[begin].strip(), begin + 1, end - begin + 1
+
+
+def faults_of_functions(files):
+    for path, text in files.items():
+        is_python = path.endswith(".py") or text.startswith("#!/usr/bin/env python3")
+        for name, line, length in (python_functions if is_python else braced_blocks)(text):
+            if length > LONGEST_FUNCTION:
+                yield f"{path}:{line}: a function of over {LONGEST_FUNCTION} lines: {name}"
+
+
+def read_files(root, paths):
+    return {path.relative_to(root).as_posix(): path.read_text(encoding="utf-8") for path in paths}
+
+
 def read_tree(root):
-    paths = (path for tree in TREES for path in sorted((root / tree).rglob("*")))
-    return {path.relative_to(root).as_posix(): path.read_text(encoding="utf-8")
-            for path in paths if path.suffix in (".h", ".cpp")}
+    return read_files(root, (path for tree in TREES for path in sorted((root / tree).rglob("*"))
+                             if path.suffix in (".h", ".cpp")))
+
+
+def is_script(path):
+    return path.is_file() and (path.suffix == ".py" or path.read_bytes().startswith(b"#!"))
+
+
+def read_scripts(root):
+    paths = [root / name for name in SCRIPTS]
+    for tree in SCRIPT_TREES:
+        paths += sorted((root / tree).rglob("*"))
+    return read_files(root, filter(is_script, paths))
 
 
 def faults(root):
-    files = read_tree(Path(root))
+    root = Path(root)
+    files = read_tree(root)
     if not files:
         return [f"{root}: no sources here"]
-    return [*faults_of_layers(files), *faults_of_cycles(files), *faults_of_headers(files)]
+    return [*faults_of_layers(files), *faults_of_cycles(files), *faults_of_headers(files),
+            *faults_of_functions({**files, **read_scripts(root)})]
 
 
 def main():

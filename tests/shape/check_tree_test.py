@@ -26,6 +26,15 @@ class CheckTreeTest(unittest.TestCase):
             "QosOpenConfig/RootSm.cpp": '#include "QosOpenConfig/RootSm.h"\n#include <algorithm>\n',
             "agent/main.cpp": '#include <sys/stat.h>\n#include "platform/Qos/Status.h"\n'
                               "#include <nlohmann/json.hpp>\n#include <CLI/CLI.hpp>\n",
+            "tests/support/Toy.h": '#include "platform/Vex/Reactor.h"\n#include <gtest/gtest.h>\n',
+            "tests/platform/Qos/StatusTest.cpp": '#include "tests/support/Toy.h"\n',
+            "bench/Event.h": "#include <cstdint>\n",
+            "bench/floor/Lean.cpp": '#include "bench/platform/Walk.h"\n',
+            "bench/platform/Walk.h": '#include "bench/Event.h"\n',
+            "bench/time/main.cpp": "#include <benchmark/benchmark.h>\n",
+            "run": "#!/usr/bin/env bash\n",
+            "test": "#!/usr/bin/env bash\n",
+            ".ci/run": "#!/usr/bin/env bash\n",
         }
         with tempfile.TemporaryDirectory() as root:
             for path, text in {**sound, **files}.items():
@@ -60,6 +69,11 @@ class CheckTreeTest(unittest.TestCase):
             ("platform/Qos/A.cpp", "agent/main.cpp"),
             ("QosOpenConfig/A.cpp", "agent/main.cpp"),
             ("agent/A.cpp", "QosOpenConfig/RootSm.h"),
+            ("tests/platform/ATest.cpp", "QosOpenConfig/RootSm.h"),
+            ("tests/support/A.h", "tests/platform/Qos/StatusTest.cpp"),
+            ("tests/model/A.cpp", "QosOpenConfig/RootSm.h"),
+            ("bench/floor/A.h", "QosOpenConfig/RootSm.h"),
+            ("bench/platform/A.h", "bench/time/main.cpp"),
         ]:
             with self.subTest(path=path, target=target):
                 folder = "/".join(path.split("/")[:-1]) + "/"
@@ -71,6 +85,8 @@ class CheckTreeTest(unittest.TestCase):
             ("platform/Qos/A.cpp", "platform/Qos/", "boost/any.hpp"),
             ("QosOpenConfig/A.cpp", "QosOpenConfig/", "CLI/CLI.hpp"),
             ("agent/A.cpp", "agent/", "boost/any.hpp"),
+            ("agent/A.cpp", "agent/", "gtest/gtest.h"),
+            ("tests/support/A.h", "tests/support/", "benchmark/benchmark.h"),
         ]:
             with self.subTest(path=path, library=library):
                 self.assert_refuses(path, f"<{library}>", f"{folder} must not include <{library}>")
@@ -110,6 +126,21 @@ class CheckTreeTest(unittest.TestCase):
             ["agent/A.h:151: a header of over 150 lines without a comment `// long: REASON`"])
         self.assertEqual(self.faults({"agent/A.h": "// long: one table" + long}), [])
         self.assertEqual(len(self.faults({"agent/A.h": "// long: " + long})), 1)
+
+    def test_refuses_long_functions(self):
+        for path, before, first, line, last in [
+            ("agent/A.cpp", "", "void f(int a,\n       int b) {\n", "    a();\n", "}\n"),
+            ("bench/A.h", "class A {\n", "    int f() {\n", "        a();\n\n", "    }\n"),
+            ("test", "#!/usr/bin/env bash\n", "f() {\n", "    a\n", "}\n"),
+            ("scripts/a", "#!/usr/bin/env python3\n", "def f():\n", "    a()\n", ""),
+            ("tests/shape/a.py", "", "def f():\n", "    a()\n", ""),
+        ]:
+            with self.subTest(path=path):
+                inner = (50 - (first + last).count("\n")) // line.count("\n")
+                self.assertEqual(self.faults({path: before + first + inner * line + last}), [])
+                [fault] = self.faults({path: before + first + (inner + 1) * line + last})
+                place = f"{path}:{before.count(chr(10)) + 1}"
+                self.assertTrue(fault.startswith(f"{place}: a function of over 50 lines: "), fault)
 
     def test_passes_a_long_source_and_a_full_header(self):
         self.assertEqual(self.faults({"agent/A.cpp": "\n" * 400, "agent/A.h": "\n" * 150}), [])

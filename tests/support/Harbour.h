@@ -1,4 +1,5 @@
 #pragma once
+// long: one schema, with an attribute of every kind
 
 #include <array>
 #include <cstdint>
