@@ -12,7 +12,7 @@ import textwrap
 
 
 def main():
-    program, project = sys.argv[1], pathlib.Path(sys.argv[2])
+    program, project = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2])
     first = re.search(r'^echo "(== .*)"\n"\$agent" (.*)$', (project / "run").read_text(), re.M)
     command = [program, *first[2].split()]
     run = subprocess.run(command, cwd=project / "examples", stdin=subprocess.DEVNULL,
