@@ -2,7 +2,6 @@
 
 #include <sys/mman.h>
 
-#include <filesystem>
 #include <fstream>
 
 #include "agent/host/ToggleFolder.h"
@@ -12,6 +11,7 @@
 #include "agent/streams/LineReader.h"
 #include "platform/QosOc/Naming.h"
 #include "platform/Vex/Escape.h"
+#include "tests/agent/support/TemporaryFolder.h"
 #include "tests/fuzz/Property.h"
 #include "tests/support/TraceCapture.h"
 
@@ -181,25 +181,17 @@ class ToggleFile {
 public:
     static constexpr const char* kName = "Toggles.json";
 
-    ToggleFile() {
-        std::string name = (std::filesystem::temp_directory_path() / "togglesXXXXXX").string();
-        folder_ = ::mkdtemp(name.data());
-    }
-    ~ToggleFile() { std::filesystem::remove_all(folder_); }
-    ToggleFile(const ToggleFile&) = delete;
-    ToggleFile& operator=(const ToggleFile&) = delete;
-
     auto read(std::string_view bytes) const {
         std::ofstream(name(), std::ios::binary) << bytes;
-        return ToggleFolder(folder_).read(kName);
+        return ToggleFolder(folder_.path()).read(kName);
     }
     bool state(std::string_view toggle, bool fallback) const {
-        return ToggleFolder(folder_).state(toggle, kName, fallback);
+        return ToggleFolder(folder_.path()).state(toggle, kName, fallback);
     }
     std::string name() const { return folder_ / kName; }
 
 private:
-    std::filesystem::path folder_;
+    TemporaryFolder folder_;
 };
 
 std::string textOf(const ToggleFolder::Toggles& toggles) {

@@ -5,18 +5,16 @@
 
 #include <csignal>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #include "agent/Run.h"
+#include "tests/agent/support/TemporaryFolder.h"
 #include "tests/support/Allocations.h"
 
 namespace QosAgent {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr int kRanThrough = 100;
 constexpr int kUnnoticed = 101;
@@ -39,8 +37,6 @@ std::size_t stride() {
 class ProgramAllocationTest : public ::testing::Test {
 protected:
     ProgramAllocationTest() {
-        std::string name = (fs::temp_directory_path() / "qos-agentXXXXXX").string();
-        folder = ::mkdtemp(name.data());
         std::ofstream(folder / "QosOpenConfig.json") << R"({"OCQosClassifierStatePath": true})";
         std::ofstream(folder / "document.json")
             << R"({"qos/status": {"cmapTypeStatus": {"mapQos": {"cmapStatus": {"voice": {"match": )"
@@ -56,12 +52,11 @@ protected:
                      QOS_PLUGIN_FILE,
                      "--follow",
                      "--toggle-dir",
-                     folder.string(),
+                     folder.path(),
                      "--machines",
                      folder / "document.json",
                      folder / "changes.jsonl"};
     }
-    ~ProgramAllocationTest() override { fs::remove_all(folder); }
 
     /// The status is `kRanThrough` when there was no such allocation.
     Ended runFailing(std::size_t nth) const {
@@ -73,7 +68,7 @@ protected:
                 text("err")};
     }
 
-    fs::path folder;
+    TemporaryFolder folder;
     std::vector<std::string> arguments;
 
 private:

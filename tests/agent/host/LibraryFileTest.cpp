@@ -3,22 +3,16 @@
 #include <sys/stat.h>
 
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 
 #include "agent/host/LibraryFile.h"
+#include "tests/agent/support/TemporaryFolder.h"
 
 namespace QosAgent {
 namespace {
 
 class LibraryFileTest : public ::testing::Test {
 protected:
-    LibraryFileTest() {
-        std::string name = (std::filesystem::temp_directory_path() / "libraryXXXXXX").string();
-        folder = ::mkdtemp(name.data());
-    }
-    ~LibraryFileTest() override { std::filesystem::remove_all(folder); }
-
     std::string faultOf(const std::string& bytes) const {
         std::ofstream(folder / "lib.so", std::ios::binary) << bytes;
         return libraryFileFault(folder / "lib.so");
@@ -41,7 +35,7 @@ protected:
     }
 
     static constexpr std::uint64_t kSize = sizeof(ElfW(Ehdr)) + sizeof(ElfW(Phdr));
-    std::filesystem::path folder;
+    TemporaryFolder folder;
 };
 
 TEST_F(LibraryFileTest, hasNoFaultWhenItIsWhole) {
@@ -65,7 +59,7 @@ TEST_F(LibraryFileTest, leavesWhatIsNoLibraryToTheCLibrary) {
     EXPECT_EQ(faultOf(""), "");
     EXPECT_EQ(faultOf(std::string(1000, 'x')), "");
     EXPECT_EQ(faultOf(library(0, kSize + 1, 32)), "") << "of another machine";
-    EXPECT_EQ(libraryFileFault(folder), "");
+    EXPECT_EQ(libraryFileFault(folder.path()), "");
     EXPECT_EQ(libraryFileFault(folder / "none.so"), "");
 }
 

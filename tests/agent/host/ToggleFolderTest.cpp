@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "agent/host/ToggleFolder.h"
+#include "tests/agent/support/TemporaryFolder.h"
 
 namespace QosAgent {
 namespace {
@@ -12,25 +13,19 @@ constexpr const char* kFile = "Toggles.json";
 
 class ToggleFolderTest : public ::testing::Test {
 protected:
-    ToggleFolderTest() {
-        std::string name = (std::filesystem::temp_directory_path() / "togglesXXXXXX").string();
-        folder = ::mkdtemp(name.data());
-    }
-    ~ToggleFolderTest() override { std::filesystem::remove_all(folder); }
-
     void write(const std::string& text) { std::ofstream(folder / kFile) << text; }
     std::string refusalOf(const std::string& text) {
         write(text);
-        const auto read = ToggleFolder(folder).read(kFile);
+        const auto read = ToggleFolder(folder.path()).read(kFile);
         const auto* refused = std::get_if<Diagnostic>(&read);
         return refused == nullptr ? "" : refused->line().substr((folder / kFile).string().size());
     }
 
-    std::filesystem::path folder;
+    TemporaryFolder folder;
 };
 
 TEST_F(ToggleFolderTest, readsTheStateOfAToggleAtEachCall) {
-    const ToggleFolder toggles(folder);
+    const ToggleFolder toggles(folder.path());
     write(R"({"a":true,"b":false})");
     EXPECT_TRUE(toggles.state("a", kFile, false));
     EXPECT_FALSE(toggles.state("b", kFile, true));
@@ -39,11 +34,11 @@ TEST_F(ToggleFolderTest, readsTheStateOfAToggleAtEachCall) {
 }
 
 TEST_F(ToggleFolderTest, fallsBackWhereNothingIsSaid) {
-    EXPECT_TRUE(ToggleFolder(folder).state("a", kFile, true));
+    EXPECT_TRUE(ToggleFolder(folder.path()).state("a", kFile, true));
     EXPECT_FALSE(ToggleFolder(folder / "missing").state("a", kFile, false));
     EXPECT_TRUE(ToggleFolder("").state("a", kFile, true));
     write(R"({"b":true})");
-    EXPECT_FALSE(ToggleFolder(folder).state("a", kFile, false));
+    EXPECT_FALSE(ToggleFolder(folder.path()).state("a", kFile, false));
 }
 
 TEST_F(ToggleFolderTest, refusesMalformedFilesWithTheirPlace) {
@@ -55,7 +50,7 @@ TEST_F(ToggleFolderTest, refusesMalformedFilesWithTheirPlace) {
 
 TEST_F(ToggleFolderTest, refusesWhatCannotBeRead) {
     std::filesystem::create_directory(folder / kFile);
-    const auto read = ToggleFolder(folder).read(kFile);
+    const auto read = ToggleFolder(folder.path()).read(kFile);
     ASSERT_TRUE(std::holds_alternative<Diagnostic>(read));
     EXPECT_EQ(std::get<Diagnostic>(read).line(), (folder / kFile).string() + ": Is a directory");
 }

@@ -12,6 +12,7 @@
 
 #include "tests/agent/support/Configurations.h"
 #include "tests/agent/support/ConfiguredState.h"
+#include "tests/agent/support/TemporaryFolder.h"
 
 namespace QosAgent {
 namespace {
@@ -90,12 +91,6 @@ private:
 
 class ValidationTest : public ::testing::Test {
 protected:
-    ValidationTest() {
-        std::string name = (fs::temp_directory_path() / "qos-agentXXXXXX").string();
-        folder_ = ::mkdtemp(name.data());
-    }
-    ~ValidationTest() override { fs::remove_all(folder_); }
-
     /// Empty if the tests can be held against the model.
     static std::string missing() {
         if (!fs::exists(kYang / "openconfig-qos.yang"))
@@ -123,7 +118,7 @@ protected:
     ConfiguredState db;
 
 private:
-    fs::path folder_;
+    TemporaryFolder folder_;
 };
 
 TEST_F(ValidationTest, canTellAnInvalidState) {

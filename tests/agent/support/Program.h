@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/agent/support/TemporaryFolder.h"
+
 namespace QosAgent {
 
 /// How a process ended, and what it said.
@@ -31,12 +33,6 @@ struct Ended {
 /// Runs the built program, in a folder of its own that is gone in the end.
 class ProgramTest : public ::testing::Test {
 protected:
-    ProgramTest() {
-        std::string name = (std::filesystem::temp_directory_path() / "qos-agentXXXXXX").string();
-        folder_ = ::mkdtemp(name.data());
-    }
-    ~ProgramTest() override { std::filesystem::remove_all(folder_); }
-
     std::string file(const std::string& name, const std::string& text) {
         std::ofstream(folder_ / name, std::ios::binary) << text;
         return folder_ / name;
@@ -95,7 +91,7 @@ private:
     std::string outFile() const { return outFile_.empty() ? path("out") : outFile_; }
     std::string errFile() const { return errFile_.empty() ? path("err") : errFile_; }
 
-    std::filesystem::path folder_;
+    TemporaryFolder folder_;
     std::string outFile_;
     std::vector<int> closed_;
     std::string errFile_;
