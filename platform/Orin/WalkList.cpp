@@ -6,25 +6,30 @@ WalkList::~WalkList() {
     for (Walk* walk = walks_; walk != nullptr; walk = walk->outer_) {
         walk->list_ = nullptr;
         walk->next_ = nullptr;
+        walk->stop_ = nullptr;
     }
 }
 
-WalkList::Walk* WalkList::outermostWalkAt(const Link& link) const noexcept {
+WalkList::Walk* WalkList::outermostOfWalksAt(const Link& link) const noexcept {
     Walk* outermost = nullptr;
     for (Walk* walk = walks_; walk != nullptr; walk = walk->outer_)
         if (walk->current_ == &link) outermost = walk;
     return outermost;
 }
 
-// Links that enter stand behind `last_`, so what lies from `next_` to `last_` is what the walk
-// still has to visit.
+// What lies from `next_` to before `stop_` is what a walk still has to visit.
+void WalkList::stopWalksBefore(Link& entered) noexcept {
+    for (Walk* walk = walks_; walk != nullptr; walk = walk->outer_) {
+        if (walk->stop_ != &ends_) continue;
+        walk->stop_ = &entered;
+        if (walk->next_ == &ends_) walk->next_ = &entered;
+    }
+}
+
 void WalkList::stepWalksOff(Link& link) noexcept {
     for (Walk* walk = walks_; walk != nullptr; walk = walk->outer_) {
-        if (walk->next_ == nullptr) continue;
-        if (walk->next_ == &link)
-            walk->next_ = &link == walk->last_ ? nullptr : link.next;
-        else if (walk->last_ == &link)
-            walk->last_ = link.prev;
+        if (walk->next_ == &link) walk->next_ = link.next;
+        if (walk->stop_ == &link) walk->stop_ = link.next;
     }
 }
 

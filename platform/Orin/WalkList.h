@@ -42,6 +42,8 @@ public:
         link.next = &ends_;
         ends_.prev->next = &link;
         ends_.prev = &link;
+        if (walks_ != nullptr) [[unlikely]]
+            stopWalksBefore(link);
     }
     /// The link must be in this list.
     void remove(Link& link) noexcept {
@@ -52,9 +54,13 @@ public:
         link.next = link.prev = nullptr;
     }
     /// The walk that stands on the link, the outermost if several do; null if none does.
-    Walk* outermostWalkAt(const Link& link) const noexcept;
+    Walk* outermostWalkAt(const Link& link) const noexcept {
+        return walks_ == nullptr ? nullptr : outermostOfWalksAt(link);
+    }
 
 private:
+    Walk* outermostOfWalksAt(const Link& link) const noexcept;
+    void stopWalksBefore(Link& entered) noexcept;
     void stepWalksOff(Link& link) noexcept;
 
     Link ends_;
@@ -65,11 +71,8 @@ private:
 /// One pass over a list. Walks of one list end in the opposite order of their beginning.
 class PLATFORM_API WalkList::Walk {
 public:
-    explicit Walk(const WalkList& list) noexcept : list_(&list), outer_(list.walks_) {
-        if (!list.empty()) {
-            next_ = list.ends_.next;
-            last_ = list.ends_.prev;
-        }
+    explicit Walk(const WalkList& list) noexcept
+        : list_(&list), outer_(list.walks_), next_(list.ends_.next), stop_(&list.ends_) {
         enter();
     }
     Walk(const Walk&) = delete;
@@ -80,8 +83,9 @@ public:
 
     /// Goes on to the next link and returns it; null at the end.
     Link* step() noexcept {
+        if (next_ == stop_) return current_ = nullptr;
         current_ = next_;
-        if (current_ != nullptr) next_ = current_ == last_ ? nullptr : current_->next;
+        next_ = current_->next;
         return current_;
     }
     /// Where the last step went; dangles when the owner destroys a link that left meanwhile.
@@ -105,8 +109,9 @@ private:
     const WalkList* list_;
     Walk* outer_;
     Link* current_ = nullptr;
-    Link* next_ = nullptr;
-    Link* last_ = nullptr;
+    Link* next_;
+    /// What entered first since the walk began, or the end of the list.
+    const Link* stop_;
 };
 
 }  // namespace Orin
