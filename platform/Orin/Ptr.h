@@ -8,15 +8,18 @@ namespace Orin {
 
 /// A counted pointer to a node, or null. Copies share ownership; comparison is by identity.
 template <class T>
-class Ptr {
+class Ptr;
+
+template <class T>
+class Ptr<const T> {
 public:
     constexpr Ptr() noexcept = default;
     constexpr Ptr(std::nullptr_t) noexcept {}
-    explicit Ptr(T* node) noexcept : node_(node) {
+    explicit Ptr(const T* node) noexcept : node_(node) {
         if (node_) node_->retain();
     }
     /// Takes over the ownership that a new node is born with.
-    static Ptr adopt(T* node) noexcept {
+    static Ptr adopt(const T* node) noexcept {
         Ptr result;
         result.node_ = node;
         return result;
@@ -25,11 +28,11 @@ public:
     Ptr(const Ptr& other) noexcept : Ptr(other.node_) {}
     Ptr(Ptr&& other) noexcept : node_(std::exchange(other.node_, nullptr)) {}
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    Ptr(const Ptr<U>& other) noexcept : Ptr(other.get()) {}
+    requires std::is_convertible_v<U*, const T*> Ptr(const Ptr<U>& other)
+    noexcept : Ptr(other.get()) {}
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    Ptr(Ptr<U>&& other) noexcept : node_(other.detach()) {}
+    requires std::is_convertible_v<U*, const T*> Ptr(Ptr<U>&& other)
+    noexcept : node_(other.detach()) {}
     Ptr& operator=(Ptr other) noexcept {
         std::swap(node_, other.node_);
         return *this;
@@ -38,18 +41,54 @@ public:
         if (node_) node_->release();
     }
 
-    T* get() const noexcept { return node_; }
-    T* operator->() const noexcept { return node_; }
-    T& operator*() const noexcept { return *node_; }
+    const T* get() const noexcept { return node_; }
+    const T* operator->() const noexcept { return node_; }
+    const T& operator*() const noexcept { return *node_; }
     explicit operator bool() const noexcept { return node_ != nullptr; }
 
     /// Gives the ownership away; the pointer is null afterwards.
-    [[nodiscard]] T* detach() noexcept { return std::exchange(node_, nullptr); }
+    [[nodiscard]] const T* detach() noexcept { return std::exchange(node_, nullptr); }
 
     friend bool operator==(const Ptr& a, const Ptr& b) noexcept { return a.node_ == b.node_; }
 
 private:
-    T* node_ = nullptr;
+    const T* node_ = nullptr;
+};
+
+/// The pointer to const that it was made as, without the const.
+template <class T>
+class Ptr {
+public:
+    constexpr Ptr() noexcept = default;
+    constexpr Ptr(std::nullptr_t) noexcept {}
+    explicit Ptr(T* node) noexcept : held_(node) {}
+    static Ptr adopt(T* node) noexcept {
+        Ptr result;
+        result.held_ = Ptr<const T>::adopt(node);
+        return result;
+    }
+
+    template <class U>
+    requires std::is_convertible_v<U*, T*> Ptr(const Ptr<U>& other)
+    noexcept : held_(other.get()) {}
+    template <class U>
+    requires std::is_convertible_v<U*, T*> Ptr(Ptr<U>&& other)
+    noexcept : held_(Ptr<const T>::adopt(other.detach())) {}
+
+    T* get() const noexcept { return const_cast<T*>(held_.get()); }
+    T* operator->() const noexcept { return get(); }
+    T& operator*() const noexcept { return *get(); }
+    explicit operator bool() const noexcept { return static_cast<bool>(held_); }
+
+    [[nodiscard]] T* detach() noexcept { return const_cast<T*>(held_.detach()); }
+    /// The same as a pointer to const: where one is asked for by reference, none need be made.
+    const Ptr<const T>& asConst() const& noexcept { return held_; }
+    const Ptr<const T>& asConst() && = delete;
+
+    friend bool operator==(const Ptr& a, const Ptr& b) noexcept { return a.held_ == b.held_; }
+
+private:
+    Ptr<const T> held_;
 };
 
 }  // namespace Orin
