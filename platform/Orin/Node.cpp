@@ -5,6 +5,10 @@ namespace Orin {
 Node::~Node() = default;
 
 void Node::lastUserGone() {
+    if (flag(kHandling)) {
+        flagIs(kGone, true);
+        return;
+    }
     // A destructor may publish, which holds the node meanwhile: letting go of it then must not
     // lead here again.
     refs_.up();

@@ -11,9 +11,9 @@ class Publisher;
 
 /// The base of every counted object: machines and entities.
 ///
-/// A node is born with one owner; `Ptr::adopt` takes that ownership over. Two flags of a machine
-/// live beside the count: *notification active* and *zombie*, the mark of a machine that is being
-/// torn down and ignores all changes.
+/// A node is born with one owner; `Ptr::adopt` takes that ownership over. The flags of a machine
+/// live beside the count, among them *notification active* and *zombie*, the mark of a machine that
+/// is being torn down and ignores all changes.
 class PLATFORM_API Node {
 public:
     Node() = default;
@@ -30,15 +30,37 @@ public:
 
     bool notificationActive() const noexcept { return flag(kNotificationActive); }
     bool zombie() const noexcept { return flag(kZombie); }
+    /// Calls what handles a change, unless the node ignores it: as a zombie, or since its last
+    /// owner let go while it handles another. What a handler does may be told to that owner; the
+    /// node stays until the handler is done.
+    template <class Handler>
+    void handle(Handler handler) {
+        if (isAny(kZombie | kGone | kHandling)) [[unlikely]] {
+            if (!isAny(kZombie | kGone)) handler();
+            return;
+        }
+        flagIs(kHandling, true);
+        handler();
+        flagIs(kHandling, false);
+        if (flag(kGone)) [[unlikely]]
+            lastUserGone();
+    }
 
-    /// Called when the last owner has let go; destroys the node.
+    /// Called when the last owner has let go; destroys the node once it handles nothing.
     virtual void lastUserGone();
     /// What subscribers of this node are added to; null for a node that publishes nothing.
     virtual Publisher* publisher() const;
 
 protected:
-    enum Flag : std::uint16_t { kNotificationActive = 1, kZombie = 2, kStarted = 4 };
+    enum Flag : std::uint16_t {
+        kNotificationActive = 1,
+        kZombie = 2,
+        kStarted = 4,
+        kHandling = 8,
+        kGone = 0x8000,  // the sign, which costs nothing to look at when another flag was cleared
+    };
     bool flag(Flag bit) const noexcept { return (flags_ & bit) != 0; }
+    bool isAny(unsigned bits) const noexcept { return (flags_ & bits) != 0; }
     void flagIs(Flag bit, bool on) noexcept {
         flags_ = static_cast<std::uint16_t>(on ? flags_ | bit : flags_ & ~bit);
     }

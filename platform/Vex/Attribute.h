@@ -4,6 +4,7 @@
 #include <tuple>
 #include <type_traits>
 
+#include "platform/Orin/Node.h"
 #include "platform/Orin/Publisher.h"
 
 namespace Vex {
@@ -46,13 +47,13 @@ struct On {
     }
 };
 
-/// The dispatch of one watched input: a machine with the zombie flag ignores everything, other
-/// attributes are ignored always.
+/// The dispatch of one watched input: a machine with the zombie flag, or one that was let go while
+/// it handles another change, ignores everything; other attributes are ignored always.
 template <class Machine, class... Ons>
 void dispatchTo(Orin::Publisher&, Orin::Subscriber& record, Orin::AttributeId attributeId,
                 const void* key) noexcept {
     auto& machine = *static_cast<Machine*>(record.owner);
-    if (!machine.zombie()) (void)(Ons::call(machine, attributeId, key) || ...);
+    machine.handle([&] { (void)(Ons::call(machine, attributeId, key) || ...); });
 }
 
 }  // namespace Vex
