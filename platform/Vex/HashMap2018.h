@@ -31,9 +31,11 @@ public:
     static constexpr bool kIsOrdered = false;
     struct Member : Orin::Link {
         template <class... A>
-        Member(std::uint32_t h, const K& k, A&&... v)
-            : hash(h), key(k), value(std::forward<A>(v)...) {}
+        Member(std::uint32_t h, std::uint32_t n, const K& k, A&&... v)
+            : hash(h), number(n), key(k), value(std::forward<A>(v)...) {}
         std::uint32_t hash;
+        /// Counts the entries, to tell who came first.
+        std::uint32_t number;
         const K key;
         V value;
         Member* chain = nullptr;
@@ -61,6 +63,19 @@ public:
     template <class Q>
     const V* find(const Q& key) const noexcept {
         return const_cast<HashMap2018*>(this)->find(key);
+    }
+
+    /// The member under the key; null if there is none.
+    Member* member(const K& key) noexcept { return memberAt(key, KeyTraits<K>::hash(key, kSeed)); }
+
+    /// True when both keys are there and a walk comes to `a` first.
+    template <class Q>
+    bool isBefore(const Q& a, const Q& b) const noexcept {
+        const Member* first = memberAt(a, KeyTraits<K>::hash(a, kSeed));
+        const Member* second = memberAt(b, KeyTraits<K>::hash(b, kSeed));
+        // The difference tells, as the numbers may wrap.
+        return first != nullptr && second != nullptr &&
+               static_cast<std::int32_t>(first->number - second->number) < 0;
     }
 
     /// Finds values under one key after the other. Keys asked for in the order of their entry cost
@@ -93,7 +108,7 @@ public:
         static_assert(std::is_nothrow_constructible_v<V, A...>, "the memory would be lost");
         const std::uint32_t hash = KeyTraits<K>::hash(key, kSeed);
         void* memory = OvSlab::slabAlloc(sizeof(Member), memberTracker);
-        auto* member = new (memory) Member(hash, key, std::forward<A>(value)...);
+        auto* member = new (memory) Member(hash, entries_++, key, std::forward<A>(value)...);
         Member*& bucket = buckets_[hash & (bucketCount_ - 1)];
         member->chain = bucket;
         bucket = member;
@@ -119,6 +134,8 @@ public:
         if (member != nullptr) unlink(*member);
         return member != nullptr;
     }
+    /// Removes a member of this collection.
+    void erase(Member& member) noexcept { unlink(member); }
     /// Removes all members, in order of entry. The collection must not go meanwhile.
     void clear() noexcept {
         while (!order_.empty())
@@ -177,6 +194,7 @@ private:
     Member** buckets_ = nullptr;
     std::uint32_t bucketCount_ = 0;
     std::uint32_t size_ = 0;
+    std::uint32_t entries_ = 0;
     Orin::WalkList order_;
 };
 

@@ -51,6 +51,18 @@ TEST_F(HashMap2018Test, beginsEmpty) {
     EXPECT_EQ(walk(), Keys{});
 }
 
+TEST_F(HashMap2018Test, tellsWhichOfTwoCameFirst) {
+    enterUpTo(3);
+    EXPECT_TRUE(map->isBefore(1U, 3U));
+    EXPECT_FALSE(map->isBefore(3U, 1U));
+    EXPECT_FALSE(map->isBefore(2U, 2U));
+    EXPECT_FALSE(map->isBefore(1U, 4U));
+    EXPECT_FALSE(map->isBefore(0U, 1U));
+    map->remove(1U);
+    enter(1);
+    EXPECT_TRUE(map->isBefore(3U, 1U));
+}
+
 TEST_F(HashMap2018Test, findsWhatWasEntered) {
     enterUpTo(100);
     EXPECT_EQ(map->size(), 100u);
