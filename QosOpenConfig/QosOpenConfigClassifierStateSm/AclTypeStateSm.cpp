@@ -88,8 +88,8 @@ Orin::Ptr<AclTypeStateSm> aclTypeStateSmFactory(
     return AclTypeStateSm::AclTypeStateSmIs(aclTypeConfig, classifierStateDir);
 }
 
-Orin::Ptr<AclStateSm> AclTypeStateSm::aclStateSmIs(const Orin::Ptr<const Acl::AclConfig>& aclConfig,
-                                                   const StateDir& classifierStateDir) {
+const Orin::Ptr<AclStateSm>& AclTypeStateSm::aclStateSmIs(
+    const Orin::Ptr<const Acl::AclConfig>& aclConfig, const StateDir& classifierStateDir) {
     return aclStateSm_.createOrKeep("aclConfig", &Acl::AclConfig::aclName, aclConfig,
                                     classifierStateDir);
 }

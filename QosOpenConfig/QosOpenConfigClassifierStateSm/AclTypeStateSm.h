@@ -27,8 +27,8 @@ public:
         const Orin::Ptr<const Acl::Input::AclTypeConfig>& aclTypeConfig,
         const StateDir& classifierStateDir);
 
-    Orin::Ptr<AclStateSm> aclStateSmIs(const Orin::Ptr<const Acl::AclConfig>& aclConfig,
-                                       const StateDir& classifierStateDir);
+    const Orin::Ptr<AclStateSm>& aclStateSmIs(const Orin::Ptr<const Acl::AclConfig>& aclConfig,
+                                              const StateDir& classifierStateDir);
     Orin::Ptr<AclStateSm> aclStateSmDel(const Orin::String& aclName);
     void aclStateSmDelAll();
 

@@ -66,7 +66,7 @@ Orin::Ptr<ClassifierStateSm> classifierStateSmFactory(
                                                   classifierConfigDir, classifierStateDir);
 }
 
-Orin::Ptr<PmapTypeStatusSm> ClassifierStateSm::pmapTypeStatusSmIs(
+const Orin::Ptr<PmapTypeStatusSm>& ClassifierStateSm::pmapTypeStatusSmIs(
     const Orin::Ptr<const Qos::PolicyMapTypeStatus>& pmapTypeStatus, const QosConfig& qosCliConfig,
     const ConfigDir& classifierConfigDir, const Registry& classifiersWithPmap,
     const StateDir& classifierStateDir) {
@@ -83,7 +83,7 @@ void ClassifierStateSm::pmapTypeStatusSmDelAll() {
     pmapTypeStatusSm_.clear();
 }
 
-Orin::Ptr<CmapTypeStatusSm> ClassifierStateSm::cmapTypeStatusSmIs(
+const Orin::Ptr<CmapTypeStatusSm>& ClassifierStateSm::cmapTypeStatusSmIs(
     const Orin::Ptr<const Qos::ClassMapTypeStatus>& cmapTypeStatus,
     const StateDir& classifierStateDir) {
     return cmapTypeStatusSm_.createOrKeep("cmapTypeStatus", &Qos::ClassMapTypeStatus::mapType,
@@ -98,7 +98,7 @@ void ClassifierStateSm::cmapTypeStatusSmDelAll() {
     cmapTypeStatusSm_.clear();
 }
 
-Orin::Ptr<AclTypeStateSm> ClassifierStateSm::aclTypeStateSmIs(
+const Orin::Ptr<AclTypeStateSm>& ClassifierStateSm::aclTypeStateSmIs(
     const Orin::Ptr<const Acl::Input::AclTypeConfig>& aclTypeConfig,
     const StateDir& classifierStateDir) {
     return aclTypeStateSm_.createOrKeep("aclTypeConfig", &Acl::Input::AclTypeConfig::aclType,
@@ -113,7 +113,7 @@ void ClassifierStateSm::aclTypeStateSmDelAll() {
     aclTypeStateSm_.clear();
 }
 
-Orin::Ptr<ClassifierConfigSm> ClassifierStateSm::classifierConfigSmIs(
+const Orin::Ptr<ClassifierConfigSm>& ClassifierStateSm::classifierConfigSmIs(
     const Orin::Ptr<const Config::Classifier>& classifier, const Registry& classifiersWithPmap,
     const StateDir& classifierStateDir) {
     return classifierConfigSm_.createOrKeep(

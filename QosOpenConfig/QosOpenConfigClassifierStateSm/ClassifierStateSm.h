@@ -47,23 +47,23 @@ public:
                                                             const ConfigDir& classifierConfigDir,
                                                             const StateDir& classifierStateDir);
 
-    Orin::Ptr<PmapTypeStatusSm> pmapTypeStatusSmIs(
+    const Orin::Ptr<PmapTypeStatusSm>& pmapTypeStatusSmIs(
         const Orin::Ptr<const Qos::PolicyMapTypeStatus>& pmapTypeStatus,
         const QosConfig& qosCliConfig, const ConfigDir& classifierConfigDir,
         const Registry& classifiersWithPmap, const StateDir& classifierStateDir);
     Orin::Ptr<PmapTypeStatusSm> pmapTypeStatusSmDel(Qos::MapType mapType);
     void pmapTypeStatusSmDelAll();
-    Orin::Ptr<CmapTypeStatusSm> cmapTypeStatusSmIs(
+    const Orin::Ptr<CmapTypeStatusSm>& cmapTypeStatusSmIs(
         const Orin::Ptr<const Qos::ClassMapTypeStatus>& cmapTypeStatus,
         const StateDir& classifierStateDir);
     Orin::Ptr<CmapTypeStatusSm> cmapTypeStatusSmDel(Qos::MapType mapType);
     void cmapTypeStatusSmDelAll();
-    Orin::Ptr<AclTypeStateSm> aclTypeStateSmIs(
+    const Orin::Ptr<AclTypeStateSm>& aclTypeStateSmIs(
         const Orin::Ptr<const Acl::Input::AclTypeConfig>& aclTypeConfig,
         const StateDir& classifierStateDir);
     Orin::Ptr<AclTypeStateSm> aclTypeStateSmDel(Acl::AclType aclType);
     void aclTypeStateSmDelAll();
-    Orin::Ptr<ClassifierConfigSm> classifierConfigSmIs(
+    const Orin::Ptr<ClassifierConfigSm>& classifierConfigSmIs(
         const Orin::Ptr<const Config::Classifier>& classifier, const Registry& classifiersWithPmap,
         const StateDir& classifierStateDir);
     Orin::Ptr<ClassifierConfigSm> classifierConfigSmDel(const Orin::String& name);

@@ -37,7 +37,7 @@ Orin::Ptr<CmapTypeStatusSm> cmapTypeStatusSmFactory(
     return CmapTypeStatusSm::CmapTypeStatusSmIs(cmapTypeStatus, classifierStateDir);
 }
 
-Orin::Ptr<CmapStatusSm> CmapTypeStatusSm::cmapStatusSmIs(
+const Orin::Ptr<CmapStatusSm>& CmapTypeStatusSm::cmapStatusSmIs(
     const Orin::Ptr<const Qos::ClassMapStatus>& cmapStatus, const StateDir& classifierStateDir) {
     return cmapStatusSm_.createOrKeep("cmapStatus", &Qos::ClassMapStatus::cmapName, cmapStatus,
                                       classifierStateDir);

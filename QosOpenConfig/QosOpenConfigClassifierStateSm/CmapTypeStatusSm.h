@@ -26,8 +26,8 @@ public:
         const Orin::Ptr<const Qos::ClassMapTypeStatus>& cmapTypeStatus,
         const StateDir& classifierStateDir);
 
-    Orin::Ptr<CmapStatusSm> cmapStatusSmIs(const Orin::Ptr<const Qos::ClassMapStatus>& cmapStatus,
-                                           const StateDir& classifierStateDir);
+    const Orin::Ptr<CmapStatusSm>& cmapStatusSmIs(
+        const Orin::Ptr<const Qos::ClassMapStatus>& cmapStatus, const StateDir& classifierStateDir);
     Orin::Ptr<CmapStatusSm> cmapStatusSmDel(const Orin::String& cmapName);
     void cmapStatusSmDelAll();
 

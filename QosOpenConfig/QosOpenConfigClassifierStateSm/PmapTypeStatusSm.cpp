@@ -55,7 +55,7 @@ Orin::Ptr<PmapTypeStatusSm> pmapTypeStatusSmFactory(
                                                 classifiersWithPmap, classifierStateDir);
 }
 
-Orin::Ptr<PmapStatusSm> PmapTypeStatusSm::pmapStatusSmIs(
+const Orin::Ptr<PmapStatusSm>& PmapTypeStatusSm::pmapStatusSmIs(
     const Orin::Ptr<const Qos::PolicyMapStatus>& pmapStatus,
     const Orin::Ptr<const Qos::Input::Config>& cliConfig,
     const Orin::Ptr<const Config::ClassifiersDir>& classifierConfigDir,

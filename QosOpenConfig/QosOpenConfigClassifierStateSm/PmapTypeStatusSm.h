@@ -37,7 +37,7 @@ public:
         const Orin::Ptr<ClassifiersWithPmap>& classifiersWithPmap,
         const StateDir& classifierStateDir);
 
-    Orin::Ptr<PmapStatusSm> pmapStatusSmIs(
+    const Orin::Ptr<PmapStatusSm>& pmapStatusSmIs(
         const Orin::Ptr<const Qos::PolicyMapStatus>& pmapStatus,
         const Orin::Ptr<const Qos::Input::Config>& cliConfig,
         const Orin::Ptr<const Config::ClassifiersDir>& classifierConfigDir,

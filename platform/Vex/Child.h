@@ -20,9 +20,10 @@ public:
     template <class... A>
     Orin::Ptr<Sm> createOrReplace(const A&... given) {
         if (machine_ && machine_->isMadeFrom(given...)) return machine_;
-        const Orin::Ptr<Sm> old = std::exchange(machine_, Sm::create(given...));
+        const Orin::Ptr<Sm> made = Sm::create(given...);
+        const Orin::Ptr<Sm> old = std::exchange(machine_, made);
         if (old) old->hasNotificationActiveIs(false);
-        return machine_;
+        return made;
     }
     /// Takes the child out, silences it and returns it; null if there was none.
     Orin::Ptr<Sm> remove() {
@@ -32,9 +33,10 @@ public:
     }
     /// Lets the child take its state back, then removes it. Nothing happens when there is none.
     void prepareAndRemove() {
-        if (!machine_) return;
-        machine_->doPrepareToDie();
-        remove();
+        const Orin::Ptr<Sm> gone = machine_;
+        if (!gone) return;
+        gone->doPrepareToDie();
+        if (machine_ == gone) remove();
     }
 
     void activeIs(bool active) {
