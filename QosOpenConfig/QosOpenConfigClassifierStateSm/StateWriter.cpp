@@ -40,27 +40,46 @@ inline void traceAddClassifier(const String& name, Classifier::Type type) {
     trace(kAddClassifier, ", classifierName = ", name, ", classifierType = ", type);
 }
 
-inline void traceAddClassifierTerm(const String& name, Classifier::Type type, const String& termId) {
+inline void traceAddClassifierTerm(const String& name, Classifier::Type type,
+                                   const String& termId) {
     trace(kAddClassifierTerm, ", classifierName = ", name, ", classifierType = ", type,
           ", termId = ", termId);
     traceAddClassifier(name, type);
 }
 
-State::Classifier& classifierMade(const StatePlace& place, const String& name,
-                                  Classifier::Type type) {
-    if (State::Classifier* existing = place.classifier(name)) return *existing;
+/// Who is told of a new classifier or term may take it away at once: what is made is held.
+using ClassifierPtr = Orin::Ptr<State::Classifier>;
+
+ClassifierPtr classifierMade(const StatePlace& place, const String& name, Classifier::Type type) {
+    if (State::Classifier* existing = place.classifier(name)) return ClassifierPtr(existing);
     place.forget();
-    State::Classifier& made = place.root().classifierIs(name);
-    made.stateIs({name, type});
+    const State::ClassifierState state{name, type};
+    const ClassifierPtr made = place.root().classifierIs(name);
+    made->stateIs(state);
     return made;
 }
 
+/// Makes a term, and what is above it first; whoever was told of that may have made it already.
+void newTermFromAbove(const StatePlace& place, const String& name, Classifier::Type type,
+                      const String& termId) {
+    const String id = termId;
+    const ClassifierPtr classifier = classifierMade(place, name, type);
+    place.forget();
+    const Orin::Ptr<State::Terms> terms = classifier->termsIs();
+    if (terms->term(id) == nullptr) terms->bareTermIs(id);
+}
+
+/// Makes a term that was not there.
 void newTerm(const StatePlace& place, const String& name, Classifier::Type type,
              const String& termId) {
-    State::Classifier& classifier = classifierMade(place, name, type);
+    const State::Classifier* classifier = place.classifier(name);
+    if (classifier == nullptr || classifier->terms() == nullptr)
+        return newTermFromAbove(place, name, type, termId);
     place.forget();
-    classifier.termsIs().bareTermIs(termId);
+    classifier->terms()->bareTermIs(termId);
 }
+
+std::uint32_t removals = 0;
 
 }  // namespace
 
@@ -69,9 +88,14 @@ void addClassifier(const StatePlace& place, const String& name, Classifier::Type
     classifierMade(place, name, type);
 }
 
+std::uint32_t stateRemovals() noexcept {
+    return removals;
+}
+
 void deleteClassifier(const StatePlace& place, const String& name) {
     trace(kDeleteClassifier, ", classifierName = ", name);
     place.forget();
+    ++removals;
     place.root().classifierDel(name);
 }
 
@@ -84,10 +108,12 @@ void addClassifierTerm(const StatePlace& place, const String& name, Classifier::
 void deleteClassifierTerm(const StatePlace& place, const String& name, const String& termId) {
     trace(kDeleteClassifierTerm, ", classifierName = ", name, ", termId = ", termId);
     place.forget();
-    State::Classifier* classifier = place.root().classifier(name);
+    ++removals;
+    const ClassifierPtr classifier(place.root().classifier(name));
     if (classifier == nullptr || classifier->terms() == nullptr) return;
     classifier->terms()->termDel(termId);
-    if (classifier->terms()->term().empty()) classifier->termsDel();
+    const State::Terms* left = classifier->terms();
+    if (left != nullptr && left->term().empty()) classifier->termsDel();
 }
 
 void addClassifierTermCondition(const StatePlace& place, const String& name, Classifier::Type type,
@@ -99,12 +125,16 @@ void addClassifierTermCondition(const StatePlace& place, const String& name, Cla
         return;
     }
     traceAddClassifierTerm(name, type, termId);
-    State::Term* term = place.term(name, termId);
-    if (term == nullptr) {
-        newTerm(place, name, type, termId);
-        term = place.term(name, termId);
-    }
-    if (place.terms().dscpsAre(*term, type, values)) place.forget();
+    const auto storedIs = [&](const String& of, const String& id) {
+        State::Term* term = place.term(of, id);
+        if (term != nullptr && place.terms().dscpsAre(*term, type, values)) place.forget();
+        return term != nullptr;
+    };
+    if (storedIs(name, termId)) return;
+    const String keptName = name;
+    const String keptId = termId;
+    newTerm(place, name, type, termId);
+    storedIs(keptName, keptId);
 }
 
 void deleteClassifierTermCondition(const StatePlace& place, const String& name,
@@ -123,9 +153,12 @@ void addClassifierTermAction(const StatePlace& place, const String& name, Classi
           ", termId = ", termId, ", targetGroup = ", targetGroup);
     traceAddClassifierTerm(name, type, termId);
     if (storedTermActionIs(place, name, termId, targetGroup)) return;
-    const String kept = targetGroup;  // may go with what is told of the new term
+    // They may go with what is told of the new term.
+    const String keptName = name;
+    const String keptId = termId;
+    const String keptGroup = targetGroup;
     newTerm(place, name, type, termId);
-    storedTermActionIs(place, name, termId, kept);
+    storedTermActionIs(place, keptName, keptId, keptGroup);
 }
 
 void deleteClassifierTermAction(const StatePlace& place, const String& name, const String& termId) {

@@ -57,6 +57,10 @@ void addClassifier(const StatePlace& place, const Orin::String& name, Classifier
 /// Removes the classifier with its terms.
 void deleteClassifier(const StatePlace& place, const Orin::String& name);
 
+/// How often classifiers or terms were taken away so far, from any tree: where it is what it was,
+/// all that was there is still there. Wraps.
+std::uint32_t stateRemovals() noexcept;
+
 /// Makes the term exist, and its classifier; a term that exists keeps what it has.
 void addClassifierTerm(const StatePlace& place, const Orin::String& name, Classifier::Type type,
                        const Orin::String& termId);

@@ -14,9 +14,11 @@ void Classifier::stateIs(const ClassifierState& state) {
     attributeIs(kState.id, state_, state);
 }
 
-Terms& Classifier::termsIs() {
-    if (!terms_) attributeIs(kTerms.id, terms_, Terms::create());
-    return *terms_;
+Orin::Ptr<Terms> Classifier::termsIs() {
+    if (terms_) return terms_;
+    const auto made = Terms::create();
+    attributeIs(kTerms.id, terms_, made);
+    return made;
 }
 
 void Classifier::termsDel() {

@@ -50,7 +50,7 @@ public:
     /// Null when there are none.
     Terms* terms() const noexcept { return terms_.get(); }
     /// The terms, made empty if there are none.
-    Terms& termsIs();
+    Orin::Ptr<Terms> termsIs();
     /// Nothing happens when there are none.
     void termsDel();
 

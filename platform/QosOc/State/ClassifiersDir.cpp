@@ -8,11 +8,11 @@ constinit const Vex::TypeRecord ClassifiersDir::kTypeRecord = Vex::recordOf<Clas
 
 ClassifiersDir::~ClassifiersDir() = default;
 
-Classifier& ClassifiersDir::classifierIs(const Orin::String& name) {
-    if (Classifier* held = classifier(name)) return *held;
+Orin::Ptr<Classifier> ClassifiersDir::classifierIs(const Orin::String& name) {
+    if (Classifier* held = classifier(name)) return Orin::Ptr<Classifier>(held);
     const auto made = Classifier::create(name);
     memberIs(kClassifier.id, classifier_, name, made);
-    return *made;
+    return made;
 }
 
 void ClassifiersDir::classifierDel(const Orin::String& name) {

@@ -27,7 +27,7 @@ public:
         return held == nullptr ? nullptr : held->get();
     }
     /// The classifier of that name, made without state and terms if there is none.
-    Classifier& classifierIs(const Orin::String& name);
+    Orin::Ptr<Classifier> classifierIs(const Orin::String& name);
     /// Removes the classifier with all it holds; nothing happens when there is none.
     void classifierDel(const Orin::String& name);
 

@@ -82,7 +82,7 @@ TEST_F(AddClassifierTermConditionTest, keepsTheAction) {
 TEST_F(AddClassifierTermConditionTest, keepsTheStoredStateId) {
     State::Term term(Orin::String("10"));
     term.stateId = "ten";
-    root->classifierIs("voice").termsIs().termIs(term);
+    root->classifierIs("voice")->termsIs()->termIs(term);
     add("voice", Type::IPV4, {46});
     term.conditions = {Ip(46), Ip()};
     EXPECT_EQ(*root->classifier("voice")->terms()->term("10"), term);

@@ -27,19 +27,19 @@ protected:
 
 TEST_F(FollowerTest, tellsOfClassifiersByTheirState) {
     const Follower follower(db.database.stateTree(), db.out.output());
-    tree->classifierIs("a/b").stateIs({"a/b", QosOc::Classifier::Type::IPV6});
+    tree->classifierIs("a/b")->stateIs({"a/b", QosOc::Classifier::Type::IPV6});
     EXPECT_EQ(db.out.text(), updated("a~1b/state", R"({"name":"a/b","type":"IPV6"})"));
 }
 
 TEST_F(FollowerTest, tellsOfTermsWhole) {
     const Follower follower(db.database.stateTree(), db.out.output());
-    QosOc::State::Terms& terms = tree->classifierIs("C").termsIs();
+    const Orin::Ptr<QosOc::State::Terms> terms = tree->classifierIs("C")->termsIs();
     QosOc::State::Term term("T");
-    terms.termIs(term);
+    terms->termIs(term);
     term.actions.emplace().targetGroup = "g";
-    terms.termIs(term);
-    terms.termIs(term);
-    terms.termDel("T");
+    terms->termIs(term);
+    terms->termIs(term);
+    terms->termDel("T");
     EXPECT_EQ(
         db.out.text(),
         updated("C/terms/term/T", R"({"id":"T","stateId":"T"})") +
@@ -48,19 +48,19 @@ TEST_F(FollowerTest, tellsOfTermsWhole) {
 }
 
 TEST_F(FollowerTest, tellsOfEntitiesThatGoWithoutTheirMembers) {
-    QosOc::State::Classifier& classifier = tree->classifierIs("C");
-    classifier.termsIs().termIs(QosOc::State::Term("T"));
+    const Orin::Ptr<QosOc::State::Classifier> classifier = tree->classifierIs("C");
+    classifier->termsIs()->termIs(QosOc::State::Term("T"));
     const Follower follower(db.database.stateTree(), db.out.output());
-    classifier.termsDel();
+    classifier->termsDel();
     tree->classifierDel("C");
     EXPECT_EQ(db.out.text(), deleted("C/terms") + deleted("C"));
 }
 
 TEST_F(FollowerTest, takesWhatIsThereForNoChange) {
-    tree->classifierIs("C").stateIs({"C", QosOc::Classifier::Type::IPV4});
+    tree->classifierIs("C")->stateIs({"C", QosOc::Classifier::Type::IPV4});
     const Follower follower(db.database.stateTree(), db.out.output());
     EXPECT_EQ(db.out.text(), "");
-    tree->classifierIs("C").stateIs({"C", QosOc::Classifier::Type::IPV6});
+    tree->classifierIs("C")->stateIs({"C", QosOc::Classifier::Type::IPV6});
     EXPECT_EQ(db.out.text(), updated("C/state", R"({"name":"C","type":"IPV6"})"));
 }
 
@@ -77,14 +77,14 @@ TEST_F(FollowerTest, followsAnEntityThatCameBack) {
     const Follower follower(db.database.stateTree(), db.out.output());
     tree->classifierIs("C");
     tree->classifierDel("C");
-    tree->classifierIs("C").termsIs().termIs(QosOc::State::Term("T"));
+    tree->classifierIs("C")->termsIs()->termIs(QosOc::State::Term("T"));
     EXPECT_EQ(db.out.text(),
               deleted("C") + updated("C/terms/term/T", R"({"id":"T","stateId":"T"})"));
 }
 
 TEST_F(FollowerTest, endsWithItself) {
     { const Follower follower(db.database.stateTree(), db.out.output()); }
-    tree->classifierIs("C").stateIs({"C", QosOc::Classifier::Type::IPV4});
+    tree->classifierIs("C")->stateIs({"C", QosOc::Classifier::Type::IPV4});
     EXPECT_EQ(db.out.text(), "");
 }
 

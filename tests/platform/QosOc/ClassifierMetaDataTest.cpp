@@ -104,8 +104,8 @@ TEST(TermConditionsIpConfigTest, isEmptyWithoutAValueAndWithoutASet) {
 
 TEST(StateClassifiersDirTest, makesAClassifierOnce) {
     const auto directory = State::ClassifiersDir::create();
-    State::Classifier& made = directory->classifierIs("voice");
-    EXPECT_EQ(&directory->classifierIs("voice"), &made);
+    const Orin::Ptr<State::Classifier> made = directory->classifierIs("voice");
+    EXPECT_EQ(directory->classifierIs("voice"), made);
     EXPECT_EQ(directory->classifier().size(), 1u);
 }
 
