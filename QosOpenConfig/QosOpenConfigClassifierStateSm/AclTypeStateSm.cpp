@@ -1,5 +1,6 @@
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/AclTypeStateSm.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -47,22 +48,25 @@ private:
     std::vector<NamedClassifier> classifiers_;
 };
 
-/// False if each of the classifier's terms is that of a configured list. The term of every such
-/// list is there, so counting them is enough.
-bool mayHaveStaleConditions(const State::ClassifiersDir& root, const NamedClassifier& named) {
+/// False if each of the classifier's terms is that of a configured list. Counting them is enough
+/// where the terms of all such lists are there.
+bool hasOtherTerms(const State::ClassifiersDir& root, const NamedClassifier& named) {
     const State::Classifier* classifier = root.classifier(named.name);
     return classifier != nullptr && classifier->terms() != nullptr &&
            classifier->terms()->term().size() != named.configured;
 }
 
 /// Takes away the conditions of terms that no list stands for.
-void removeStaleConditions(const StateDir& root, const State::Classifier& classifier,
+void removeStaleConditions(const StateDir& root, State::Classifier& classifier,
                            const AclConfigs& lists) {
-    for (const auto& member : classifier.terms()->term()) {
+    const Orin::Ptr<State::Terms> terms(classifier.terms());
+    if (!terms) return;
+    const String name = classifier.name();
+    for (const auto& member : terms->term()) {
         if (!member.value.conditions) continue;
-        const std::string aclName = configObjName(classifier.name(), member.key);
+        const std::string aclName = configObjName(name, member.key);
         if (lists.find(std::string_view(aclName)) == nullptr)
-            deleteClassifierTermCondition(root, classifier.name(), member.key, true);
+            deleteClassifierTermCondition(root, name, member.key, true);
     }
 }
 
@@ -105,6 +109,7 @@ void AclTypeStateSm::aclStateSmDelAll() {
 void AclTypeStateSm::handleInitialized() {
     traceOf(this, kHandleInitialized);
     NamedClassifiers named;
+    const std::uint32_t removalsBefore = stateRemovals();
     for (const auto& member : aclTypeConfig_->aclConfig()) {
         const ClassifierKey& key = classifierKeyFromConfigObjName(member.key);
         if (!key.isTerm()) continue;
@@ -112,9 +117,10 @@ void AclTypeStateSm::handleInitialized() {
         handleAclConfig(member.key);
     }
     traceOf(this, kHandleInitializedStale, ", removing the stale entries");
+    const bool isComplete = stateRemovals() == removalsBefore;
     std::unordered_set<String> suspects;
     for (const NamedClassifier& classifier : named)
-        if (mayHaveStaleConditions(*classifierStateDir_, classifier))
+        if (!isComplete || hasOtherTerms(*classifierStateDir_, classifier))
             suspects.insert(classifier.name);
     if (suspects.empty()) return;
     for (const auto& member : classifierStateDir_->classifier())

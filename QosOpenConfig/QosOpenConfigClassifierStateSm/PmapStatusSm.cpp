@@ -22,6 +22,9 @@ constexpr auto kHandleForwardingGroupNameToTcMap =
     pmapTracePoint("handleForwardingGroupNameToTcMap",
                    "void QosOc::PmapStatusSm::handleForwardingGroupNameToTcMap()");
 
+/// How often any policy map's actions were written so far.
+std::uint32_t runs = 0;
+
 }  // namespace
 
 constinit const Vex::TypeRecord PmapStatusSm::kTypeRecord = Vex::recordOf<PmapStatusSm>();
@@ -40,8 +43,8 @@ PmapStatusSm::VexVex_CliConfig_ForwardingGroupNameToTcMapIn::
 
 void PmapStatusSm::VexVex_CliConfig_ForwardingGroupNameToTcMapIn::onAttribute(
     Orin::AttributeId attributeId, const void*) {
-    if (attributeId == Qos::ForwardingGroupNameToTcMap::kTc.id && !zombie())
-        owner_.handleForwardingGroupNameToTcMap();
+    if (attributeId != Qos::ForwardingGroupNameToTcMap::kTc.id || zombie()) return;
+    owner_.handle([this] { owner_.handleForwardingGroupNameToTcMap(); });
 }
 
 PmapStatusSm::PmapStatusSm(const Orin::Ptr<const Qos::PolicyMapStatus>& pmapStatus,
@@ -120,52 +123,81 @@ String PmapStatusSm::targetGroupOf(const Qos::PolicyMapClass& policyMapClass) co
     return targetGroupFromTc(*tc, cliConfig->forwardingGroupNameToTcMap());
 }
 
-ClassifierMetaData::Ptr PmapStatusSm::updateClassifierTermActions() {
+template <class Visit>
+void PmapStatusSm::eachTerm(Visit visit) const {
+    if (!pmapStatus_) return;
+    for (const auto& member : pmapStatus_->classes()) {
+        const ClassifierKey& key = classifierKeyFromConfigObjName(member.key);
+        if (key.isTerm()) visit(key, member.key, member.value);
+    }
+}
+
+template <class Fill>
+ClassifierMetaData::Ptr PmapStatusSm::recordFilledBy(Fill fill) const {
     auto metaData = ClassifierMetaData::Ptr::adopt(new ClassifierMetaData);
     metaData->classifierInfoIs(ipv4ClassifierName_);
     metaData->classifierInfoIs(ipv6ClassifierName_);
-    writeTermActions([&](const ClassifierKey& key, const String& targetGroup) {
+    fill([&](const ClassifierKey& key, const String& targetGroup) {
         metaData->classifierInfoIs(key.classifierName)
             .termActionInfoIs({key.termId, key.classifierName, targetGroup});
     });
     return metaData;
 }
 
+ClassifierMetaData::Ptr PmapStatusSm::updateClassifierTermActions() {
+    return recordFilledBy([&](const auto& record) { writeTermActions(record); });
+}
+
+ClassifierMetaData::Ptr PmapStatusSm::termActions() const {
+    return recordFilledBy([&](const auto& record) {
+        eachTerm([&](const ClassifierKey& key, const String&, const Qos::PolicyMapClass& each) {
+            record(key, targetGroupOf(each));
+        });
+    });
+}
+
 // Makes each class a term with its action, and hands the class's key and target group to `record`.
 template <class Record>
 void PmapStatusSm::writeTermActions(Record record) {
     traceOf(this, kUpdateClassifierTermActions, ", pmapName = ", pmapName());
-    if (!pmapStatus_) return;
+    ++runs;
     const StatePlace place(classifierStateDir_);
-    for (const auto& member : pmapStatus_->classes()) {
-        const ClassifierKey& key = classifierKeyFromConfigObjName(member.key);
-        if (!key.isTerm()) continue;
-        const String targetGroup = targetGroupOf(member.value);
+    eachTerm([&](const ClassifierKey& key, const String& cmapName,
+                 const Qos::PolicyMapClass& policyMapClass) {
         // A term that is there needs no more than its action, where no lines are due.
-        if (traceEnabled() ||
-            !storedTermActionIs(place, key.classifierName, key.termId, targetGroup))
-            writeTermAction(place, member.key, key, targetGroup);
+        if (traceEnabled() || place.term(key.classifierName, key.termId) == nullptr) {
+            record(key, writeTermAction(place, key, cmapName, policyMapClass));
+            return;
+        }
+        const String targetGroup = targetGroupOf(policyMapClass);
+        storedTermActionIs(place, key.classifierName, key.termId, targetGroup);
         record(key, targetGroup);
-    }
+    });
 }
 
-void PmapStatusSm::writeTermAction(const StatePlace& place, const String& cmapName,
-                                   const ClassifierKey& key, const String& targetGroup) const {
+String PmapStatusSm::writeTermAction(const StatePlace& place, const ClassifierKey& key,
+                                     const String& cmapName,
+                                     const Qos::PolicyMapClass& policyMapClass) const {
     const auto type =
         key.classifierName == ipv6ClassifierName_ ? Classifier::Type::IPV6 : Classifier::Type::IPV4;
     addClassifierTerm(place, key.classifierName, type, key.termId);
+    const String targetGroup = targetGroupOf(policyMapClass);
     traceOf(this, kUpdateClassifierTermActions, ", cmapName = ", cmapName,
             ", targetGroup = ", targetGroup);
     if (targetGroup.empty())
         deleteClassifierTermAction(place, key.classifierName, key.termId);
     else
         addClassifierTermAction(place, key.classifierName, type, key.termId, targetGroup);
+    return targetGroup;
 }
 
 void PmapStatusSm::handlePmapStatusVersionUpdate() {
     traceOf(this, kHandlePmapStatusVersionUpdate, ", pmapName = ", pmapName(),
             ", pmapStatusVersion = ", pmapStatus_ ? pmapStatus_->version() : 0);
-    if (!traceEnabled() && !writeAndFindStale()) return;
+    if (!traceEnabled()) {
+        if (writeAndFindStale()) removeStaleTermActions(*termActions());
+        return;
+    }
     const ClassifierMetaData::Ptr metaData = updateClassifierTermActions();
     traceOf(this, kHandlePmapStatusVersionUpdate,
             ", removing the stale classifier term action paths");
@@ -173,8 +205,11 @@ void PmapStatusSm::handlePmapStatusVersionUpdate() {
 }
 
 // No record is needed to see that nothing is stale: every class that has a target group has a term
-// with it, so there is no other term with an action where both are equally many.
+// with it, so there is no other term with an action where both are equally many. That is not so
+// where somebody who was told took terms away, or had us look at our groups again.
 bool PmapStatusSm::writeAndFindStale() {
+    const std::uint32_t removalsBefore = stateRemovals();
+    const std::uint32_t run = runs + 1;
     std::size_t ipv4Actions = 0;
     std::size_t ipv6Actions = 0;
     writeTermActions([&](const ClassifierKey& key, const String& targetGroup) {
@@ -184,7 +219,8 @@ bool PmapStatusSm::writeAndFindStale() {
         else if (key.classifierName == ipv6ClassifierName_)
             ++ipv6Actions;
     });
-    return storedActions(ipv4ClassifierName_) != ipv4Actions ||
+    return stateRemovals() != removalsBefore || runs != run ||
+           storedActions(ipv4ClassifierName_) != ipv4Actions ||
            (!(ipv6ClassifierName_ == ipv4ClassifierName_) &&
             storedActions(ipv6ClassifierName_) != ipv6Actions);
 }
@@ -199,22 +235,31 @@ std::size_t PmapStatusSm::storedActions(const String& classifierName) const {
     return count;
 }
 
+// The members that are named like our classifiers, in the order of a walk.
+template <class Members, class Visit>
+void PmapStatusSm::eachOwn(const Members& members, Visit visit) const {
+    const bool isIpv6First = members.isBefore(ipv6ClassifierName_, ipv4ClassifierName_);
+    const String first = isIpv6First ? ipv6ClassifierName_ : ipv4ClassifierName_;
+    const String second = isIpv6First ? ipv4ClassifierName_ : ipv6ClassifierName_;
+    if (const auto* member = members.find(first)) visit(*member);
+    if (first == second) return;
+    if (const auto* member = members.find(second)) visit(*member);
+}
+
 // The classifiers of others are passed over with a line each; where no lines are due, our own are
 // looked up instead of walking past all the others.
 void PmapStatusSm::removeStaleTermActions(const ClassifierMetaData& metaData) {
-    const auto removeIn = [&](const String& name) {
-        const State::Classifier* classifier = classifierStateDir_->classifier(name);
-        if (classifier != nullptr)
-            removeStaleTermActions(*classifier, *metaData.classifierInfo(name));
+    const auto& classifiers = classifierStateDir_->classifier();
+    const auto removeIn = [&](const Orin::Ptr<State::Classifier>& classifier) {
+        removeStaleTermActions(*classifier, *metaData.classifierInfo(classifier->name()));
     };
     if (!traceEnabled()) {
-        removeIn(ipv4ClassifierName_);
-        if (!(ipv6ClassifierName_ == ipv4ClassifierName_)) removeIn(ipv6ClassifierName_);
+        eachOwn(classifiers, removeIn);
         return;
     }
-    for (const auto& member : classifierStateDir_->classifier()) {
+    for (const auto& member : classifiers) {
         if (isOwn(member.key))
-            removeIn(member.key);
+            removeIn(member.value);
         else
             traceOf(this, kHandlePmapStatusVersionUpdate, ", classifier: ", member.key,
                     " does not belong to the pmap, skipping");
@@ -223,12 +268,15 @@ void PmapStatusSm::removeStaleTermActions(const ClassifierMetaData& metaData) {
 
 void PmapStatusSm::removeStaleTermActions(const State::Classifier& classifier,
                                           const ClassifierInfo& info) {
-    if (classifier.terms() == nullptr) return;
+    // They may go with what is told.
+    const Orin::Ptr<State::Terms> terms(classifier.terms());
+    if (!terms) return;
+    const String name = classifier.name();
     const StatePlace place(classifierStateDir_);
-    for (const auto& member : classifier.terms()->term()) {
+    for (const auto& member : terms->term()) {
         const TermActionInfo* recorded = info.termActionInfo(member.key);
         if (recorded == nullptr || recorded->targetGroup.empty())
-            deleteClassifierTermAction(place, classifier.name(), member.key);
+            deleteClassifierTermAction(place, name, member.key);
     }
 }
 
@@ -241,30 +289,27 @@ void PmapStatusSm::handleForwardingGroupNameToTcMap() {
 void PmapStatusSm::doPrepareToDie() {
     traceOf(this, kDoPrepareToDie, ", pmapName = ", pmapName());
     const auto& configured = classifierConfigDir_->classifier();
-    const auto giveBackNamed = [&](const String& name) {
-        if (const auto* classifier = configured.find(name)) giveBack(**classifier);
-    };
     if (!traceEnabled()) {
-        giveBackNamed(ipv4ClassifierName_);
-        if (!(ipv6ClassifierName_ == ipv4ClassifierName_)) giveBackNamed(ipv6ClassifierName_);
+        eachOwn(configured, [&](const auto& classifier) { giveBack(classifier); });
         return;
     }
     for (const auto& member : configured) {
         if (isOwn(member.key))
-            giveBack(*member.value);
+            giveBack(member.value);
         else
             traceOf(this, kDoPrepareToDie, ", the classifier: ", member.key,
                     " does not belong to the pmap: ", pmapName(), ", skipping");
     }
 }
 
-void PmapStatusSm::giveBack(const Config::Classifier& configured) {
-    const String& name = configured.name();
-    const auto type = configured.config().type.value_or(Classifier::Type::IPV4);
+void PmapStatusSm::giveBack(const Orin::Ptr<const Config::Classifier> configured) {
+    const String& name = configured->name();
+    const auto type = configured->config().type.value_or(Classifier::Type::IPV4);
     const StatePlace place(classifierStateDir_);
     addClassifier(place, name, type);
-    if (!configured.terms()) return;
-    for (const auto& member : configured.terms()->term()) {
+    const Orin::Ptr<const Config::Terms> terms = configured->terms();
+    if (!terms) return;
+    for (const auto& member : terms->term()) {
         addClassifierTerm(place, name, type, member.key);
         const auto& actions = member.value.actions;
         if (actions && !actions->targetGroup.empty())

@@ -84,16 +84,26 @@ private:
     const Orin::String& pmapName() const noexcept;
     bool isOwn(const Orin::String& classifierName) const noexcept;
     Orin::String targetGroupOf(const Qos::PolicyMapClass& policyMapClass) const;
+    template <class Visit>
+    void eachTerm(Visit visit) const;
+    template <class Fill>
+    ClassifierMetaData::Ptr recordFilledBy(Fill fill) const;
+    /// What the classes say now, written or not.
+    ClassifierMetaData::Ptr termActions() const;
     template <class Record>
     void writeTermActions(Record record);
-    void writeTermAction(const StatePlace& place, const Orin::String& cmapName,
-                         const ClassifierKey& key, const Orin::String& targetGroup) const;
+    /// Returns the class's target group.
+    Orin::String writeTermAction(const StatePlace& place, const ClassifierKey& key,
+                                 const Orin::String& cmapName,
+                                 const Qos::PolicyMapClass& policyMapClass) const;
     /// Writes the terms of all classes and their actions; true when others have actions left.
     bool writeAndFindStale();
     std::size_t storedActions(const Orin::String& classifierName) const;
+    template <class Members, class Visit>
+    void eachOwn(const Members& members, Visit visit) const;
     void removeStaleTermActions(const ClassifierMetaData& metaData);
     void removeStaleTermActions(const State::Classifier& classifier, const ClassifierInfo& info);
-    void giveBack(const Config::Classifier& configured);
+    void giveBack(Orin::Ptr<const Config::Classifier> configured);
 
     Vex::Watched<Qos::PolicyMapStatus> pmapStatus_;
     Vex::Nested<VexCliConfig> cliConfig_;
