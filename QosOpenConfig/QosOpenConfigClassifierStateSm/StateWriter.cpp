@@ -52,7 +52,6 @@ using ClassifierPtr = Orin::Ptr<State::Classifier>;
 
 ClassifierPtr classifierMade(const StatePlace& place, const String& name, Classifier::Type type) {
     if (State::Classifier* existing = place.classifier(name)) return ClassifierPtr(existing);
-    place.forget();
     const State::ClassifierState state{name, type};
     const ClassifierPtr made = place.root().classifierIs(name);
     made->stateIs(state);

@@ -40,15 +40,12 @@ public:
     }
     /// Where the term is that was looked up last; there must be one.
     State::Terms& terms() const noexcept { return *classifier_->terms(); }
-    void forget() const noexcept {
-        classifier_ = nullptr;
-        term_ = nullptr;
-    }
+    void forget() const noexcept { classifier_ = nullptr; }
 
 private:
     State::ClassifiersDir& root_;
     mutable State::Classifier* classifier_ = nullptr;
-    mutable State::Term* term_ = nullptr;
+    mutable State::Term* term_ = nullptr;  // of `classifier_`
 };
 
 /// Makes the classifier exist. One that exists keeps everything, the type it was first created

@@ -1,0 +1,90 @@
+#include <functional>
+#include <utility>
+
+#include "tests/QosOpenConfig/StateTest.h"
+
+namespace QosOc {
+namespace {
+
+using Type = Classifier::Type;
+
+/// Acts once, during the first change of a classifier's terms.
+class OnTerm {
+public:
+    OnTerm(const State::Terms& terms, std::function<void()> act) : act_(std::move(act)) {
+        record_.owner = this;
+        record_.dispatch = [](Orin::Publisher& publisher, Orin::Subscriber& record,
+                              Orin::AttributeId, const void*) noexcept {
+            publisher.subscriberDel(record);
+            static_cast<OnTerm*>(record.owner)->act_();
+        };
+        terms.publisher()->subscriberAdd(record_);
+    }
+
+private:
+    std::function<void()> act_;
+    Orin::Subscriber record_;
+};
+
+/// Two classifiers with a term of the same id, and a place in which both may be looked up.
+class StatePlaceTest : public StateTest {
+protected:
+    StatePlaceTest() {
+        addClassifierTermAction(root, "voice", Type::IPV4, "10", "gold");
+        addClassifierTermAction(root, "video", Type::IPV4, "10", "silver");
+    }
+    /// The term of "voice" is gone, though the place had it, once somebody takes its classifier
+    /// away while `write` is told of.
+    void expectForgotten(const std::function<void()>& write) {
+        ASSERT_NE(place.term("voice", "10"), nullptr);
+        const OnTerm change(*root->classifier("voice")->terms(),
+                            [this] { root->classifierDel("voice"); });
+        write();
+        EXPECT_EQ(place.term("voice", "10"), nullptr);
+        EXPECT_EQ(state(), "video IPV4 {10 to silver}");
+    }
+
+    const StatePlace place{root};
+};
+
+TEST_F(StatePlaceTest, findsWhatWasAskedForWhateverItFoundBefore) {
+    EXPECT_EQ(place.term("voice", "10")->actions->targetGroup, "gold");
+    EXPECT_EQ(place.term("video", "10")->actions->targetGroup, "silver");
+    EXPECT_EQ(place.classifier("voice")->name(), "voice");
+    EXPECT_EQ(place.classifier("voice")->name(), "voice");
+    EXPECT_EQ(place.term("voice", "20"), nullptr);
+    EXPECT_EQ(place.classifier("none"), nullptr);
+}
+
+TEST_F(StatePlaceTest, knowsNoClassifierThatWasDeleted) {
+    ASSERT_NE(place.term("voice", "10"), nullptr);
+    deleteClassifier(place, "voice");
+    EXPECT_EQ(place.classifier("voice"), nullptr);
+    EXPECT_EQ(place.term("voice", "10"), nullptr);
+}
+
+TEST_F(StatePlaceTest, knowsNoTermThatWasDeleted) {
+    ASSERT_NE(place.term("voice", "10"), nullptr);
+    deleteClassifierTerm(place, "voice", "10");
+    EXPECT_EQ(place.term("voice", "10"), nullptr);
+}
+
+TEST_F(StatePlaceTest, forgetsWhatItFoundWhenATermComes) {
+    expectForgotten([this] { addClassifierTerm(place, "voice", Type::IPV4, "20"); });
+}
+
+TEST_F(StatePlaceTest, forgetsWhatItFoundWhenConditionsChange) {
+    Orin::Vector<unsigned char> values{46};
+    expectForgotten([&] { addClassifierTermCondition(place, "voice", Type::IPV4, "10", values); });
+}
+
+TEST_F(StatePlaceTest, forgetsWhatItFoundWhenConditionsGo) {
+    expectForgotten([this] { deleteClassifierTermCondition(place, "voice", "10", false); });
+}
+
+TEST_F(StatePlaceTest, forgetsWhatItFoundWhenAnActionChanges) {
+    expectForgotten([this] { storedTermActionIs(place, "voice", "10", "lead"); });
+}
+
+}  // namespace
+}  // namespace QosOc
