@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <initializer_list>
 #include <type_traits>
 #include <utility>
@@ -74,13 +73,14 @@ private:
     }
     void assign(const T* values, std::size_t count) {
         if (count > capacity_) grow(static_cast<std::uint32_t>(count));
-        if (count != 0) std::memcpy(begin(), values, count * sizeof(T));
+        std::copy_n(values, count, begin());
         size_ = static_cast<std::uint32_t>(count);
     }
+    /// `atLeast` is more than there is room for.
     void grow(std::uint32_t atLeast) {
-        const std::uint32_t capacity = std::max({atLeast, 2 * capacity_, kInline + 1});
+        const std::uint32_t capacity = std::max(atLeast, 2 * capacity_);
         T* grown = new T[capacity];
-        if (size_ != 0) std::memcpy(grown, begin(), size_ * sizeof(T));
+        std::copy_n(begin(), size_, grown);
         release();
         heap_ = grown;
         capacity_ = capacity;

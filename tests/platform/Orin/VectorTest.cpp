@@ -59,6 +59,24 @@ TEST(VectorTest, holdsValuesWiderThanItsOwnRoom) {
     EXPECT_TRUE((copy[1] == Wide{3, 4}));
 }
 
+TEST(VectorTest, makesRoomForValuesThatAreWrittenInPlace) {
+    Vector<std::uint8_t> bytes{7, 8};
+    std::uint8_t* end = bytes.roomFor(20);
+    EXPECT_TRUE(bytes.empty());
+    for (std::uint8_t value = 0; value < 20; ++value)
+        *end++ = value;
+    bytes.endIs(end);
+    EXPECT_EQ(bytes, counted<std::uint8_t>(20));
+}
+
+TEST(VectorTest, allocatesNothingWhereThereIsRoomAlready) {
+    Vector<std::uint8_t> bytes;
+    const std::size_t before = TestSupport::allocations();
+    bytes.endIs(bytes.roomFor(8) + 8);
+    EXPECT_EQ(TestSupport::allocations(), before);
+    EXPECT_EQ(bytes.size(), 8u);
+}
+
 TEST(VectorTest, allocatesSeldomWhileItGrows) {
     const std::size_t before = TestSupport::allocations();
     const auto bytes = counted<std::uint8_t>(200);

@@ -70,6 +70,20 @@ TEST_F(WalkListTest, knowsWhatIsLinked) {
     EXPECT_TRUE(list->empty());
 }
 
+TEST_F(WalkListTest, knowsWhetherItHasOneLink) {
+    EXPECT_FALSE(list->hasOne());
+    appendFirst(1);
+    EXPECT_TRUE(list->hasOne());
+    list->append(links[1]);
+    EXPECT_FALSE(list->hasOne());
+}
+
+TEST_F(WalkListTest, knowsWhatIsBehindALink) {
+    appendFirst(2);
+    EXPECT_EQ(list->after(links[0]), &links[1]);
+    EXPECT_EQ(list->after(links[1]), nullptr);
+}
+
 TEST_F(WalkListTest, goesOnWhenTheCurrentLinkLeaves) {
     appendFirst(3);
     EXPECT_EQ(walk([&](std::size_t at) { list->remove(links[at]); }), (Visited{0, 1, 2}));
