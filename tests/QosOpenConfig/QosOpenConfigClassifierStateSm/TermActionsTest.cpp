@@ -130,6 +130,54 @@ TEST_F(TermActionsTest, clearsActionsOfItsClassifiersThatOthersWrote) {
     EXPECT_EQ(written(), "foreign IPV4 {90 to lead}; v4 IPV4 {90 to ''}; v6 IPV6");
 }
 
+TEST_F(TermActionsTest, clearsAStaleActionOfEitherFamilyAlone) {
+    start({{"openconfig:v4:10", toTc(0)}, {"openconfig:v6:10", toTc(1)}});
+    pmap->classDel("openconfig:v6:10");
+    raiseVersion(pmap);
+    EXPECT_EQ(written(), "v4 IPV4 {10 to gold}; v6 IPV6 {10 to ''}");
+}
+
+TEST_F(TermActionsTest, clearsAStaleActionThoughAClassWithoutAGroupStandsForAnotherTerm) {
+    start({{"openconfig:v4:10", {}}, {"openconfig:v4:20", toTc(0)}});
+    pmap->classDel("openconfig:v4:20");
+    raiseVersion(pmap);
+    EXPECT_EQ(written(), "v4 IPV4 {10 to '', 20 to ''}; v6 IPV6");
+}
+
+TEST_F(TermActionsTest, clearsStaleActionsThoughAThirdClassifierHasAsMany) {
+    start({{"openconfig:v4:10", toTc(0)}, {"openconfig:third:10", toTc(1)}});
+    pmap->classDel("openconfig:v4:10");
+    raiseVersion(pmap);
+    EXPECT_EQ(written(), "third IPV4 {10 to silver}; v4 IPV4 {10 to ''}; v6 IPV6");
+    pmap->classIs("openconfig:v6:10", toTc(2));
+    raiseVersion(pmap);
+    pmap->classDel("openconfig:v6:10");
+    raiseVersion(pmap);
+    EXPECT_EQ(written(), "third IPV4 {10 to silver}; v4 IPV4 {10 to ''}; v6 IPV6 {10 to ''}");
+}
+
+TEST_F(TermActionsTest, givesATermThatHasNoClassAnEmptyAction) {
+    start({{"openconfig:v4:10", toTc(0)}});
+    addClassifierTerm(state, "v4", Classifier::Type::IPV4, "20");
+    raiseVersion(pmap);
+    EXPECT_EQ(written(), "v4 IPV4 {10 to gold, 20 to ''}; v6 IPV6");
+}
+
+TEST_F(TermActionsTest, clearsStaleActionsWhereTheOtherClassifierIsGone) {
+    start({{"openconfig:v4:10", toTc(0)}});
+    deleteClassifier(state, "v6");
+    pmap->classDel("openconfig:v4:10");
+    raiseVersion(pmap);
+    EXPECT_EQ(written(), "v4 IPV4 {10 to ''}");
+}
+
+TEST_F(TermActionsTest, tellsNamesOfClassifiersTermsAndGroupsApart) {
+    addClassifierTermAction(state, "10", Classifier::Type::IPV4, "v4", "lead");
+    addClassifierTermAction(state, "v4", Classifier::Type::IPV4, "gold", "lead");
+    start({{"openconfig:v4:10", toTc(0)}, {"openconfig:v4:gold", toTc(1)}});
+    EXPECT_EQ(written(), "10 IPV4 {v4 to lead}; v4 IPV4 {10 to gold, gold to silver}; v6 IPV6");
+}
+
 TEST_F(TermActionsTest, rewritesCurrentActionsOnAChangeOfTheMapWithoutAStalePass) {
     start({{"openconfig:v4:10", toTc(0)}, {"openconfig:v4:20", toTc(0)}});
     pmap->classDel("openconfig:v4:20");

@@ -32,14 +32,18 @@ TEST(HashMap2018CollisionTest, tellsKeysOfEqualHashApart) {
     EXPECT_EQ(map.find(Colliding{20}), nullptr);
 }
 
-/// A key that counts how often it is compared.
+/// A key that counts how often it is hashed and compared.
 struct Compared {
     std::uint32_t value;
-    std::uint32_t hash(std::uint32_t) const noexcept { return value; }
+    std::uint32_t hash(std::uint32_t) const noexcept {
+        ++hashes;
+        return value;
+    }
     friend bool operator==(const Compared& a, const Compared& b) {
         ++comparisons;
         return a.value == b.value;
     }
+    static inline int hashes = 0;
     static inline int comparisons = 0;
 };
 
@@ -54,11 +58,34 @@ TEST(HashMap2018CollisionTest, comparesOnlyKeysOfEqualHash) {
     EXPECT_EQ(Compared::comparisons, 2);
 }
 
+TEST(HashMap2018FinderTest, hashesNoKeyThatIsAskedForInOrderOfEntry) {
+    HashMap2018<Compared, std::uint32_t> map;
+    for (std::uint32_t key = 1; key < 4; ++key)
+        map.enter({key}, key * 10);
+    HashMap2018<Compared, std::uint32_t>::Finder finder(map);
+    Compared::hashes = 0;
+    for (std::uint32_t key = 1; key < 4; ++key)
+        EXPECT_EQ(*finder.find(Compared{key}), key * 10);
+    EXPECT_EQ(Compared::hashes, 0);
+    EXPECT_EQ(*finder.find(Compared{1}), 10u);
+    EXPECT_EQ(finder.find(Compared{9}), nullptr);
+    EXPECT_EQ(Compared::hashes, 2);
+}
+
+TEST(HashMap2018FinderTest, findsNothingWhereNothingIs) {
+    const HashMap2018<Compared, std::uint32_t> map;
+    EXPECT_EQ((HashMap2018<Compared, std::uint32_t>::Finder(map).find(Compared{0})), nullptr);
+}
+
 TEST(HashMap2018TableTest, doublesWheneverItIsFull) {
     const std::size_t before = memberTracker.total();
     HashMap2018<std::uint32_t, std::uint32_t> map;
-    for (std::uint32_t key = 0; key < 1000; ++key)
+    for (std::uint32_t key = 0; key < 1000; ++key) {
         map.enter(key, key);
+        if (key == 4) {
+            EXPECT_EQ(memberTracker.total() - before, 5u + 2) << "tables of 4 and 8";
+        }
+    }
     EXPECT_EQ(memberTracker.total() - before, 1000u + 9) << "tables of 4, 8, ... 1024";
 }
 
