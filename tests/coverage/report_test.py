@@ -85,7 +85,8 @@ class ReportTest(unittest.TestCase):
 
     def test_counts_a_constexpr_function_that_runs(self):
         found, text = self.reported(
-            lambda f: [function(f, 2, 5, 1, [(3, 9, 10, 1, 1)]), function(f, 6, 8, 1)], {3: 1, 7: 0})
+            lambda f: [function(f, 2, 5, 1, [(3, 9, 10, 1, 1)]), function(f, 6, 8, 1)],
+            {3: 1, 7: 0})
         self.assertIn("platform/f.h: lines 7\n", text)
         self.assertEqual(found, ["platform: 50.00% reached, the goal is 100%"])
 

@@ -33,6 +33,7 @@ MAY_INCLUDE = {
     "tests/plugin/": ("platform/", "agent/", "tests/agent/", "tests/support/"),
     "tests/fuzz/": ("platform/", "agent/", "tests/agent/", "tests/support/"),
     "tests/model/": ("platform/", "agent/"),
+    "tests/mutation/": ("tests/support/",),
     **{alone: ("platform/",) for alone in ("tests/codegen/", "tests/coverage/", "tests/memory/")},
     "bench/floor/": ("platform/", "bench/platform/"),
     "bench/platform/": ("platform/", "bench/Event.h"),

@@ -1,0 +1,32 @@
+"""What a mutant is: one small change of one source."""
+
+import re
+from dataclasses import dataclass
+
+COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/", re.DOTALL)
+# What a place holds: any value, a truth, a whole statement; or text is put in front of the place.
+VALUE, TRUTH, STATEMENT, INSERTED = range(4)
+
+
+@dataclass(frozen=True)
+class Mutant:
+    """In `file`, what stands from `start` to `end` becomes `text`, in each of its places."""
+    file: str
+    function: str
+    operator: str
+    line: int
+    was: str
+    becomes: str
+    level: int
+    places: tuple  # of (start, end, text)
+    ordinal: int = 1
+
+    @property
+    def key(self):
+        """Names the mutant by what it changes, wherever that moves to."""
+        again = f" #{self.ordinal}" if self.ordinal > 1 else ""
+        return f"{self.file} {self.function} {self.operator}: {self.was} -> {self.becomes}{again}"
+
+
+def flat(text):
+    return " ".join(COMMENT.sub(" ", text).split())
