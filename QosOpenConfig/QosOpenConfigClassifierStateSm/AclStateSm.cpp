@@ -35,7 +35,7 @@ Orin::Ptr<AclStateSm> aclStateSmFactory(const Orin::Ptr<const Acl::AclConfig>& a
     return AclStateSm::AclStateSmIs(aclConfig, classifierStateDir);
 }
 
-Orin::Ptr<AclSubStateSm> AclStateSm::aclSubStateSmIs(
+const Orin::Ptr<AclSubStateSm>& AclStateSm::aclSubStateSmIs(
     const Orin::Ptr<const Acl::AclSubConfig>& aclSubConfig,
     const Orin::Ptr<const AclNameAndType>& aclNameAndType, const StateDir& classifierStateDir) {
     if (!aclSubConfig) Vex::throwMutatorArgNullPointerException("aclSubConfig");
@@ -60,7 +60,7 @@ void AclStateSm::handleInitialized() {
 void AclStateSm::handleAclSubConfig() {
     traceOf(this, kHandleAclSubConfig);
     if (aclConfig_->aclSubConfig())
-        aclSubStateSmIs(aclConfig_->aclSubConfig(), aclNameAndType_, classifierStateDir_);
+        aclSubStateSmIs(aclConfig_->aclSubConfig().asConst(), aclNameAndType_, classifierStateDir_);
     else
         aclSubStateSm_.prepareAndRemove();
 }

@@ -27,9 +27,9 @@ public:
 
     /// A child made from other inputs is replaced: the old one falls silent and takes nothing back.
     /// Throws the null-argument error when the first input is null.
-    Orin::Ptr<AclSubStateSm> aclSubStateSmIs(const Orin::Ptr<const Acl::AclSubConfig>& aclSubConfig,
-                                             const Orin::Ptr<const AclNameAndType>& aclNameAndType,
-                                             const StateDir& classifierStateDir);
+    const Orin::Ptr<AclSubStateSm>& aclSubStateSmIs(
+        const Orin::Ptr<const Acl::AclSubConfig>& aclSubConfig,
+        const Orin::Ptr<const AclNameAndType>& aclNameAndType, const StateDir& classifierStateDir);
     Orin::Ptr<AclSubStateSm> aclSubStateSmDel();
 
     void handleInitialized();

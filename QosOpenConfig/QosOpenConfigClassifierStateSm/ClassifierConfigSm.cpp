@@ -46,7 +46,7 @@ Orin::Ptr<ClassifierConfigSm> classifierConfigSmFactory(
                                                     classifierStateDir);
 }
 
-Orin::Ptr<ClassifierTermsSm> ClassifierConfigSm::classifierTermsSmIs(
+const Orin::Ptr<ClassifierTermsSm>& ClassifierConfigSm::classifierTermsSmIs(
     const Orin::Ptr<const Config::Terms>& terms, const String& name, Classifier::Type type,
     const Orin::Ptr<const ClassifiersWithPmap>& classifiersWithPmap,
     const StateDir& classifierStateDir) {
@@ -68,7 +68,7 @@ void ClassifierConfigSm::handleClassifierTerms() {
     const Config::ClassifierConfig& config = classifierConfig_->config();
     traceOf(this, kHandleClassifierTerms, ", classifierName = ", config.name);
     if (classifierConfig_->terms())
-        classifierTermsSmIs(classifierConfig_->terms(), config.name,
+        classifierTermsSmIs(classifierConfig_->terms().asConst(), config.name,
                             config.type.value_or(Classifier::Type::IPV4), classifiersWithPmap_,
                             classifierStateDir_);
     else

@@ -31,7 +31,7 @@ public:
 
     /// A child made from other inputs is replaced: the old one falls silent and takes nothing back.
     /// Throws the null-argument error when the first input is null.
-    Orin::Ptr<ClassifierTermsSm> classifierTermsSmIs(
+    const Orin::Ptr<ClassifierTermsSm>& classifierTermsSmIs(
         const Orin::Ptr<const Config::Terms>& terms, const Orin::String& name,
         Classifier::Type type, const Orin::Ptr<const ClassifiersWithPmap>& classifiersWithPmap,
         const StateDir& classifierStateDir);

@@ -16,14 +16,14 @@ public:
     explicit operator bool() const noexcept { return static_cast<bool>(machine_); }
 
     /// The child made from these inputs: the one that is there, or a new one, which takes the
-    /// place of the old one and silences it.
+    /// place of the old one and silences it. The reference is good while the child is there.
     template <class... A>
-    Orin::Ptr<Sm> createOrReplace(const A&... given) {
+    const Orin::Ptr<Sm>& createOrReplace(const A&... given) {
         if (machine_ && machine_->isMadeFrom(given...)) return machine_;
-        const Orin::Ptr<Sm> made = Sm::create(given...);
-        const Orin::Ptr<Sm> old = std::exchange(machine_, made);
+        Orin::Ptr<Sm> made = Sm::create(given...);
+        const Orin::Ptr<Sm> old = std::exchange(machine_, std::move(made));
         if (old) old->hasNotificationActiveIs(false);
-        return made;
+        return machine_;
     }
     /// Takes the child out, silences it and returns it; null if there was none.
     Orin::Ptr<Sm> remove() {
