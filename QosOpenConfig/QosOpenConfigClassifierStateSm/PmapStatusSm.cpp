@@ -43,8 +43,8 @@ PmapStatusSm::VexVex_CliConfig_ForwardingGroupNameToTcMapIn::
 
 void PmapStatusSm::VexVex_CliConfig_ForwardingGroupNameToTcMapIn::onAttribute(
     Orin::AttributeId attributeId, const void*) {
-    if (attributeId != Qos::ForwardingGroupNameToTcMap::kTc.id || zombie()) return;
-    owner_.handle([this] { owner_.handleForwardingGroupNameToTcMap(); });
+    if (attributeId == Qos::ForwardingGroupNameToTcMap::kTc.id)
+        owner_.handle([this] { owner_.handleForwardingGroupNameToTcMap(); });
 }
 
 PmapStatusSm::PmapStatusSm(const Orin::Ptr<const Qos::PolicyMapStatus>& pmapStatus,
