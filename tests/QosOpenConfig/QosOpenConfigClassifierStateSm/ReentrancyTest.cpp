@@ -1,4 +1,5 @@
 #include <functional>
+#include <string>
 #include <utility>
 
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/ClassifierStateSm.h"
@@ -240,18 +241,51 @@ TEST_F(ReentrancyTest, clearsStaleActionsWhenGroupsGoMeanwhile) {
     EXPECT_EQ(state(), "voice IPV4 {10 to '', 20 to ''}");
 }
 
+TEST_F(ReentrancyTest, clearsStaleActionsWhenTheClassifierGoesMeanwhile) {
+    const auto pmap = addPolicyMap("openconfig:voice:10");
+    addClassMap("voice");
+    start();
+    const Once once(
+        terms(),
+        [&] {
+            cmaps->cmapStatusDel("voice");
+            addClassifierTermAction(root, "voice", Type::IPV4, "30", "lead");
+        },
+        [&] { return root->classifier("voice")->terms()->term("20") != nullptr; });
+    pmap->classIs("openconfig:voice:20", classTo(1));
+    pmap->versionIs(1);
+    EXPECT_EQ(state(), "voice IPV4 {20 to gold, 30 to ''}");
+}
+
+TEST_F(ReentrancyTest, clearsStaleActionsInTheOrderOfTheTree) {
+    addClassifierTermAction(root, "video", Type::IPV6, "10", "lead");
+    addClassifierTermAction(root, "voice", Type::IPV4, "10", "lead");
+    std::string then;
+    const Once once(root->classifier("video")->terms()->publisher(), [&] { then = state(); });
+    pmaps->pmapStatusIs(Qos::PolicyMapStatus::create(String("openconfig:voice:video")));
+    start();
+    EXPECT_EQ(then, "video IPV6 {10 to ''}; voice IPV4 {10 to lead}");
+    EXPECT_EQ(state(), "video IPV6 {10 to ''}; voice IPV4 {10 to ''}");
+}
+
 TEST_F(ReentrancyTest, sweepsStaleConditionsWhenTermsGoMeanwhile) {
     writeStale("stale");
-    addClassMap("openconfig:voice:10");
-    addList("openconfig:voice:10");
+    for (const char* name : {"openconfig:data:10", "openconfig:voice:10"}) {
+        addClassMap(name);
+        addList(name);
+    }
     const Once once(
-        terms(), [&] { cmaps->cmapStatusDel("openconfig:voice:10"); },
+        terms(),
+        [&] {
+            cmaps->cmapStatusDel("openconfig:data:10");
+            cmaps->cmapStatusDel("openconfig:voice:10");
+        },
         [&] {
             const State::Term* term = root->classifier("voice")->terms()->term("10");
             return term != nullptr && term->conditions;
         });
     start();
-    EXPECT_EQ(state(), "voice IPV4 {stale}");
+    EXPECT_EQ(state(), "data IPV4; voice IPV4 {stale}");
 }
 
 TEST_F(ReentrancyTest, survivesTheEndOfAListThatIsTakingItsStateBack) {

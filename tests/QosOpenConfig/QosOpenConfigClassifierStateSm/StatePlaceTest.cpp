@@ -8,17 +8,17 @@ namespace {
 
 using Type = Classifier::Type;
 
-/// Acts once, during the first change of a classifier's terms.
-class OnTerm {
+/// Acts once, during the first change of an entity.
+class OnChange {
 public:
-    OnTerm(const State::Terms& terms, std::function<void()> act) : act_(std::move(act)) {
+    OnChange(const Vex::PublishingNode& entity, std::function<void()> act) : act_(std::move(act)) {
         record_.owner = this;
         record_.dispatch = [](Orin::Publisher& publisher, Orin::Subscriber& record,
                               Orin::AttributeId, const void*) noexcept {
             publisher.subscriberDel(record);
-            static_cast<OnTerm*>(record.owner)->act_();
+            static_cast<OnChange*>(record.owner)->act_();
         };
-        terms.publisher()->subscriberAdd(record_);
+        entity.publisher()->subscriberAdd(record_);
     }
 
 private:
@@ -37,8 +37,8 @@ protected:
     /// away while `write` is told of.
     void expectForgotten(const std::function<void()>& write) {
         ASSERT_NE(place.term("voice", "10"), nullptr);
-        const OnTerm change(*root->classifier("voice")->terms(),
-                            [this] { root->classifierDel("voice"); });
+        const OnChange change(*root->classifier("voice")->terms(),
+                              [this] { root->classifierDel("voice"); });
         write();
         EXPECT_EQ(place.term("voice", "10"), nullptr);
         EXPECT_EQ(state(), "video IPV4 {10 to silver}");
@@ -71,6 +71,14 @@ TEST_F(StatePlaceTest, knowsNoTermThatWasDeleted) {
 
 TEST_F(StatePlaceTest, forgetsWhatItFoundWhenATermComes) {
     expectForgotten([this] { addClassifierTerm(place, "voice", Type::IPV4, "20"); });
+}
+
+TEST_F(StatePlaceTest, forgetsWhatItFoundWhenAFirstTermComes) {
+    addClassifier(root, "data", Type::IPV4);
+    ASSERT_NE(place.classifier("data"), nullptr);
+    const OnChange change(*root->classifier("data"), [this] { root->classifierDel("data"); });
+    addClassifierTerm(place, "data", Type::IPV4, "10");
+    EXPECT_EQ(place.classifier("data"), nullptr);
 }
 
 TEST_F(StatePlaceTest, forgetsWhatItFoundWhenConditionsChange) {
