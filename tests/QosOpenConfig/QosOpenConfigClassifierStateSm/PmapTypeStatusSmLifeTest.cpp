@@ -155,7 +155,7 @@ TEST_F(PmapTypeStatusSmLifeTest, leavesNoMachineBehindWhenAnAllocationFails) {
         EXPECT_FALSE(cliConfig->publisher()->hasSubscribers());
         EXPECT_FALSE(groups->publisher()->hasSubscribers());
     };
-    EXPECT_GT(TestSupport::failEachAllocation(attempt, isClean), 10u);
+    EXPECT_GT(TestSupport::failEachAllocation(attempt, isClean), 5u);
 }
 
 TEST_F(PmapTypeStatusSmLifeTest, describesItself) {
