@@ -31,6 +31,8 @@ OFFERS = {
     PLATFORM: f"(?:{OWN}|std::)",
     PLUG_IN: COUNTERS,
 }
+# The plug-in's copies are of sizes known when it is compiled, or of none that a compiler knows.
+MAY_LACK = {PLUG_IN: {"no call is fortified"}}
 
 
 def output_of(*command):
@@ -66,7 +68,8 @@ class InstalledFilesTest(unittest.TestCase):
     def test_is_hardened(self):
         for file, offers in OFFERS.items():
             with self.subTest(file=file.name):
-                self.assertEqual(elf_faults(file, offers, [ROOT]), [])
+                faults = set(elf_faults(file, offers, [ROOT]))
+                self.assertEqual(faults - MAY_LACK.get(file, set()), set())
 
 
 if __name__ == "__main__":
