@@ -59,9 +59,11 @@ bool hasOtherTerms(const State::ClassifiersDir& root, const NamedClassifier& nam
 /// Takes away the conditions of terms that no list stands for.
 void removeStaleConditions(const StateDir& root, State::Classifier& classifier,
                            const AclConfigs& lists) {
+    // They may go with what is told.
+    const Orin::Ptr<const State::Classifier> held(&classifier);
     const Orin::Ptr<State::Terms> terms(classifier.terms());
     if (!terms) return;
-    const String name = classifier.name();
+    const String& name = classifier.name();
     for (const auto& member : terms->term()) {
         if (!member.value.conditions) continue;
         const std::string aclName = configObjName(name, member.key);

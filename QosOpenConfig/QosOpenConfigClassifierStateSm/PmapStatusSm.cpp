@@ -269,9 +269,10 @@ void PmapStatusSm::removeStaleTermActions(const ClassifierMetaData& metaData) {
 void PmapStatusSm::removeStaleTermActions(const State::Classifier& classifier,
                                           const ClassifierInfo& info) {
     // They may go with what is told.
+    const Orin::Ptr<const State::Classifier> held(&classifier);
     const Orin::Ptr<State::Terms> terms(classifier.terms());
     if (!terms) return;
-    const String name = classifier.name();
+    const String& name = classifier.name();
     const StatePlace place(classifierStateDir_);
     for (const auto& member : terms->term()) {
         const TermActionInfo* recorded = info.termActionInfo(member.key);
@@ -290,24 +291,25 @@ void PmapStatusSm::doPrepareToDie() {
     traceOf(this, kDoPrepareToDie, ", pmapName = ", pmapName());
     const auto& configured = classifierConfigDir_->classifier();
     if (!traceEnabled()) {
-        eachOwn(configured, [&](const auto& classifier) { giveBack(classifier); });
+        eachOwn(configured, [&](const auto& classifier) { giveBack(*classifier); });
         return;
     }
     for (const auto& member : configured) {
         if (isOwn(member.key))
-            giveBack(member.value);
+            giveBack(*member.value);
         else
             traceOf(this, kDoPrepareToDie, ", the classifier: ", member.key,
                     " does not belong to the pmap: ", pmapName(), ", skipping");
     }
 }
 
-void PmapStatusSm::giveBack(const Orin::Ptr<const Config::Classifier> configured) {
-    const String& name = configured->name();
-    const auto type = configured->config().type.value_or(Classifier::Type::IPV4);
+void PmapStatusSm::giveBack(const Config::Classifier& configured) {
+    const Orin::Ptr<const Config::Classifier> held(&configured);
+    const String& name = configured.name();
+    const auto type = configured.config().type.value_or(Classifier::Type::IPV4);
     const StatePlace place(classifierStateDir_);
     addClassifier(place, name, type);
-    const Orin::Ptr<const Config::Terms> terms = configured->terms();
+    const Orin::Ptr<const Config::Terms> terms = configured.terms();
     if (!terms) return;
     for (const auto& member : terms->term()) {
         addClassifierTerm(place, name, type, member.key);

@@ -103,7 +103,7 @@ private:
     void eachOwn(const Members& members, Visit visit) const;
     void removeStaleTermActions(const ClassifierMetaData& metaData);
     void removeStaleTermActions(const State::Classifier& classifier, const ClassifierInfo& info);
-    void giveBack(Orin::Ptr<const Config::Classifier> configured);
+    void giveBack(const Config::Classifier& configured);
 
     Vex::Watched<Qos::PolicyMapStatus> pmapStatus_;
     Vex::Nested<VexCliConfig> cliConfig_;

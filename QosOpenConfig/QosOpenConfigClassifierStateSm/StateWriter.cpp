@@ -58,14 +58,21 @@ ClassifierPtr classifierMade(const StatePlace& place, const String& name, Classi
     return made;
 }
 
+/// What is asked for, kept: it may go with what is told.
+struct Kept {
+    String name;
+    String termId;
+    String targetGroup{};
+};
+
 /// Makes a term, and what is above it first; whoever was told of that may have made it already.
 void newTermFromAbove(const StatePlace& place, const String& name, Classifier::Type type,
                       const String& termId) {
-    const String id = termId;
+    const Kept kept{name, termId};
     const ClassifierPtr classifier = classifierMade(place, name, type);
     place.forget();
     const Orin::Ptr<State::Terms> terms = classifier->termsIs();
-    if (terms->term(id) == nullptr) terms->bareTermIs(id);
+    if (terms->term(kept.termId) == nullptr) terms->bareTermIs(kept.termId);
 }
 
 /// Makes a term that was not there.
@@ -130,10 +137,9 @@ void addClassifierTermCondition(const StatePlace& place, const String& name, Cla
         return term != nullptr;
     };
     if (storedIs(name, termId)) return;
-    const String keptName = name;
-    const String keptId = termId;
+    const Kept kept{name, termId};
     newTerm(place, name, type, termId);
-    storedIs(keptName, keptId);
+    storedIs(kept.name, kept.termId);
 }
 
 void deleteClassifierTermCondition(const StatePlace& place, const String& name,
@@ -152,12 +158,9 @@ void addClassifierTermAction(const StatePlace& place, const String& name, Classi
           ", termId = ", termId, ", targetGroup = ", targetGroup);
     traceAddClassifierTerm(name, type, termId);
     if (storedTermActionIs(place, name, termId, targetGroup)) return;
-    // They may go with what is told of the new term.
-    const String keptName = name;
-    const String keptId = termId;
-    const String keptGroup = targetGroup;
+    const Kept kept{name, termId, targetGroup};
     newTerm(place, name, type, termId);
-    storedTermActionIs(place, keptName, keptId, keptGroup);
+    storedTermActionIs(place, kept.name, kept.termId, kept.targetGroup);
 }
 
 void deleteClassifierTermAction(const StatePlace& place, const String& name, const String& termId) {
