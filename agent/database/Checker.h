@@ -4,7 +4,7 @@
 
 #include "agent/database/Form.h"
 #include "agent/database/Interner.h"
-#include "agent/json/Faults.h"
+#include "agent/json/JsonReader.h"
 
 namespace QosAgent {
 
@@ -14,16 +14,14 @@ class Checker {
 public:
     explicit Checker(Interner& interner) : interner_(interner) {}
 
-    /// Returns the first fault in the value, if any. `keys` are those that the value may repeat.
+    /// The first fault in the value, if any. `keys` are those that the thing may repeat.
     std::optional<Fault> check(const Form& form, const Keys& keys, const JsonValue& value);
-    /// Adds the faults in the value, in the order of the text, until `faults` is full.
-    void checkAll(const Form& form, const Keys& keys, const JsonValue& value, Faults& faults);
 
 private:
-    void checkNamed(const Form& form, const Keys& keys, const JsonValue& value, Faults& faults);
-    void checkKeyed(const Form& form, const Keys& keys, const JsonValue& value, Faults& faults);
-    void checkList(const Vex::Type& type, const JsonValue& value, Faults& faults);
-    void checkScalar(const Form& form, const Keys& keys, const JsonValue& value, Faults& faults);
+    std::optional<Fault> checkNamed(const Form& form, const Keys& keys, const JsonValue& value);
+    std::optional<Fault> checkKeyed(const Form& form, const Keys& keys, const JsonValue& value);
+    std::optional<Fault> checkList(const Vex::Type& type, const JsonValue& value);
+    std::optional<Fault> checkScalar(const Form& form, const Keys& keys, const JsonValue& value);
 
     Interner& interner_;
 };

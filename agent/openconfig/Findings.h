@@ -1,12 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
 
-#include "agent/json/Faults.h"
+#include "agent/json/JsonReader.h"
 
 namespace QosAgent {
 
@@ -21,23 +22,17 @@ struct Warning {
 /// What reading a document brings to light besides what it says.
 class Findings {
 public:
-    /// Keeps the first `mostFaults` faults.
-    explicit Findings(std::size_t mostFaults = 1) : faults_(mostFaults) {}
-
-    /// Adds a fault, which refuses the document.
+    /// The first fault refuses the document; what comes after it does not count.
     void refuse(std::size_t offset, std::string message);
-    /// Makes each warning a fault, behind the others.
-    void refuseWarnings();
     /// The warning if it is the first of its kind, to be added to; else null. Valid until the next.
     Warning* passOver(std::size_t offset, const std::string& kind);
 
-    /// In the order in which they were found.
-    const Faults& faults() const { return faults_; }
+    const std::optional<Fault>& fault() const { return fault_; }
     /// In ascending order of place.
     std::vector<Warning> warnings() const;
 
 private:
-    Faults faults_;
+    std::optional<Fault> fault_;
     std::vector<Warning> warnings_;
     std::unordered_set<std::string> kinds_;
 };

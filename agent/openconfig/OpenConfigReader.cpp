@@ -2,12 +2,10 @@
 
 #include <algorithm>
 #include <bitset>
-#include <span>
 #include <utility>
 
 #include "agent/database/Scalars.h"
 #include "agent/json/Excerpt.h"
-#include "agent/json/Suggestion.h"
 #include "platform/QosOc/Naming.h"
 
 namespace QosAgent {
@@ -22,18 +20,13 @@ constexpr std::uint64_t kMaxDscp = 63;
 constexpr const char* kOtherTypes = "classifiers of types other than IPV4 and IPV6";
 constexpr const char* kOtherFamily = "conditions of another family than the classifier's";
 
-/// The types of the model, which the agent carries in part.
-constexpr std::string_view kClassifierTypes[] = {"IPV4", "IPV6", "MPLS", "ETHERNET"};
-constexpr std::string_view kAttachmentTypes[] = {"IPV4", "IPV6", "MPLS", "IPV4_MULTICAST",
-                                                 "IPV6_MULTICAST"};
+/// What the model knows besides the types that are carried.
+constexpr std::string_view kOtherClassifierTypes[] = {"MPLS", "ETHERNET"};
+constexpr std::string_view kOtherAttachmentTypes[] = {"MPLS", "IPV4_MULTICAST", "IPV6_MULTICAST"};
 
-/// The fault of a type that the model does not have; empty if it has it.
-std::string typeFault(std::span<const std::string_view> known, std::string_view name) {
-    if (std::find(known.begin(), known.end(), name) != known.end()) return {};
-    std::string fault = "unknown type " + excerpt(name) + ", expected one of ";
-    for (const std::string_view type : known)
-        fault.append(type).append(type == known.back() ? "" : ", ");
-    return fault;
+template <class Names>
+bool isAmong(const Names& names, std::string_view name) {
+    return std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
 std::optional<Type> carriedType(std::string_view name) {
@@ -52,29 +45,17 @@ Type otherFamily(Type family) {
 
 }  // namespace
 
-bool isTopMember(std::string_view name) {
-    constexpr std::string_view known[] = {kTopMember};
-    return name.starts_with(kModule) || name == kTopMember.substr(kModule.size()) ||
-           !suggestion(name, known).empty();
-}
-
 bool isOpenConfig(const JsonValue& document) {
     const auto members = document.members();
-    const bool isEmpty = members.begin() == members.end();
-    return (!isEmpty && isTopMember((*members.begin()).key)) || document.find(kTopMember);
+    const bool isMeant =
+        members.begin() != members.end() && (*members.begin()).key.starts_with(kModule);
+    return isMeant || document.find(kTopMember);
 }
 
 std::variant<OpenConfigDocument, Fault> OpenConfigReader::read(const JsonValue& document) {
     readTop(document);
-    if (strictness_ == Strictness::refuses) findings_.refuseWarnings();
-    if (!findings_.faults().empty()) return findings_.faults().found().front();
+    if (findings_.fault()) return *findings_.fault();
     return std::move(document_);
-}
-
-std::vector<Fault> OpenConfigReader::faults() const {
-    std::vector<Fault> sorted = findings_.faults().found();
-    std::ranges::stable_sort(sorted, {}, &Fault::offset);
-    return sorted;
 }
 
 void OpenConfigReader::readTop(const JsonValue& document) {
@@ -83,7 +64,7 @@ void OpenConfigReader::readTop(const JsonValue& document) {
     for (const JsonMember& member : document.members()) {
         if (member.key == kTopMember) {
             readQos(ModelNode(member.value, findings_));
-        } else if (isTopMember(member.key) || member.key.find(':') == std::string::npos) {
+        } else if (member.key.starts_with(kModule) || member.key.find(':') == std::string::npos) {
             // A top member has its module's prefix, and this module has but one.
             findings_.refuse(member.keyOffset, "unknown member " + excerpt(member.key) +
                                                    ", expected " + excerpt(kTopMember));
@@ -125,26 +106,20 @@ void OpenConfigReader::readClassifier(const ModelNode& entry) {
     if (document_.classifiers.contains(classifier.name) ||
         otherClassifiers_.contains(classifier.name))
         findings_.refuse(name->offset(), "a second classifier " + excerpt(name->text()));
-    if (config && !readType(*config, classifier)) return;
+    if (const auto type = config->text("type")) {
+        classifier.type = carriedType(type->text());
+        if (!classifier.type) {
+            if (!isAmong(kOtherClassifierTypes, type->text()))
+                findings_.refuse(type->offset(), "unknown type " + excerpt(type->text()));
+            findings_.passOver(type->offset(), kOtherTypes);
+            otherClassifiers_.insert(classifier.name);
+            return;
+        }
+    }
     entry.carries({"name", "config", "terms"});
-    if (config) config->carries({"name", "type"});
+    config->carries({"name", "type"});
     entry.eachEntry("terms", "term", [&](const ModelNode& term) { readTerm(term, classifier); });
     document_.classifiers.add(std::move(classifier));
-}
-
-bool OpenConfigReader::readType(const ModelNode& config, ConfiguredClassifier& classifier) {
-    const auto type = config.text("type");
-    if (!type) return true;
-    classifier.type = carriedType(type->text());
-    if (classifier.type) return true;
-    otherClassifiers_.insert(classifier.name);
-    if (std::string fault = typeFault(kClassifierTypes, type->text()); fault.empty()) {
-        findings_.passOver(type->offset(), kOtherTypes);
-    } else {
-        findings_.refuse(type->offset(), std::move(fault));
-        unreadClassifiers_.insert(classifier.name);
-    }
-    return false;
 }
 
 void OpenConfigReader::readTerm(const ModelNode& entry, ConfiguredClassifier& classifier) {
@@ -183,7 +158,7 @@ void OpenConfigReader::readDscpSet(const JsonValue& list, Orin::Vector<std::uint
     std::bitset<kMaxDscp + 1> given;
     for (const JsonValue& element : list.elements()) {
         const auto dscp = readDscp(element);
-        if (!dscp) continue;
+        if (!dscp) return;
         if (given.test(*dscp))
             findings_.refuse(element.offset(), "a second value " + std::to_string(*dscp));
         given.set(*dscp);
@@ -248,14 +223,12 @@ void OpenConfigReader::readAttachment(const ModelNode& entry,
         findings_.refuse(type->offset(), "a second classifier of type " + excerpt(type->text()));
     const auto family = carriedType(type->text());
     if (!family) {
-        if (std::string fault = typeFault(kAttachmentTypes, type->text()); fault.empty())
-            findings_.passOver(type->offset(), kOtherTypes);
-        else
-            findings_.refuse(type->offset(), std::move(fault));
+        if (!isAmong(kOtherAttachmentTypes, type->text()))
+            findings_.refuse(type->offset(), "unknown type " + excerpt(type->text()));
+        findings_.passOver(type->offset(), kOtherTypes);
         return;
     }
     entry.carries({"type", "config"});
-    if (!config) return;
     config->carries({"type", "name"});
     const auto name = config->text("name");
     if (!name) return;
@@ -267,8 +240,6 @@ String OpenConfigReader::attachable(const JsonValue& name, Type family) {
     String classifierName = interner_(name.text());
     const ConfiguredClassifier* classifier = document_.classifiers.find(classifierName);
     if (classifier != nullptr && classifier->family() == family) return classifierName;
-    // The fault of its type says enough.
-    if (unreadClassifiers_.contains(classifierName)) return {};
     const bool isConfigured = classifier != nullptr || otherClassifiers_.contains(classifierName);
     findings_.refuse(name.offset(), "the classifier " + excerpt(name.text()) +
                                         (isConfigured ? " is of another type than its attachment"

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include "agent/output/Journal.h"
 #include "agent/output/Terminal.h"
 
 namespace QosAgent {
@@ -61,10 +60,7 @@ std::string oneLine(std::string_view text) {
 }
 
 void report(const Diagnostic& diagnostic) {
-    std::string line = diagnostic.line(terminalOn(STDERR_FILENO).hasColour);
-    if (isJournal(STDERR_FILENO))
-        line.insert(0, diagnostic.kind == Kind::warning ? kJournalWarning : kJournalError);
-    Output(STDERR_FILENO).line(line);
+    Output(STDERR_FILENO).line(diagnostic.line(terminalOn(STDERR_FILENO).hasColour));
 }
 
 bool reportFault(const Output& standardOutput) {

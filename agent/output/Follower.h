@@ -1,24 +1,24 @@
 #pragma once
 
-#include <memory>
-
-#include "agent/database/Database.h"
+#include "agent/feed/Feed.h"
 #include "agent/output/Output.h"
 
 namespace QosAgent {
 
-class FollowedEntity;
-
-/// Prints each change of a subtree as a change-stream line, from construction to destruction: an
-/// `update` with the whole value, or a `delete`. What is there at the beginning is no change.
-class Follower {
+/// Prints each published change as a change-stream line, from construction to destruction.
+class Follower : private ChangeListener {
 public:
-    /// The output outlives the follower.
-    Follower(const Subtree& subtree, Output& output);
-    ~Follower();
+    /// Feed and output must outlive the follower.
+    Follower(Feed& feed, Output& output) : feed_(feed), output_(output) { feed_.listenerIs(*this); }
+    ~Follower() override { feed_.listenerDel(*this); }
+    Follower(const Follower&) = delete;
+    Follower& operator=(const Follower&) = delete;
 
 private:
-    std::unique_ptr<FollowedEntity> root_;
+    void changed(const Change& change) override { output_.line(change.line()); }
+
+    Feed& feed_;
+    Output& output_;
 };
 
 }  // namespace QosAgent

@@ -9,6 +9,7 @@
 #include "agent/json/Suggestion.h"
 #include "agent/openconfig/StatePrinter.h"
 #include "agent/output/Machines.h"
+#include "agent/output/Table.h"
 #include "platform/Vex/Escape.h"
 #include "platform/Vex/Trace.h"
 
@@ -21,23 +22,26 @@ struct Verb {
     std::string_view name;
     Apply apply;
     bool takesValue = false;
-    static const Verb all[8];
+    bool mayChange = true;
+    static const Verb all[9];
 };
 
-const Verb Verb::all[8] = {
+const Verb Verb::all[9] = {
     {"update", &Operations::update, true},
     {"replace", &Operations::replace, true},
     {"delete", &Operations::remove},
     {"touch", &Operations::touch},
     {"openconfig", &Operations::openconfig},
-    {"print", &Operations::print},
-    {"echo", &Operations::echo},
+    {"print", &Operations::print, false, false},
+    {"echo", &Operations::echo, false, false},
     {"restart", &Operations::restart},
+    {"follow", &Operations::follow, false, false},
 };
 
 namespace {
 
-constexpr std::string_view kWhats[] = {"state", "database", "openconfig", "machines"};
+constexpr std::string_view kWhats[] = {"state",    "database", "openconfig",
+                                       "machines", "table",    "entities"};
 
 bool isPassedOver(std::string_view line) {
     return line.starts_with('#') || line.find_first_not_of(" \t\r\n") == std::string_view::npos;
@@ -49,19 +53,7 @@ const Verb* verbNamed(std::string_view name) {
     return at == std::end(Verb::all) ? nullptr : at;
 }
 
-constexpr std::string_view kDocumentHint =
-    "; a document is an INPUT of its own, FILE.json or /dev/stdin";
-
-/// Whether a line that breaks off there looks like the first of a document over several lines.
-bool beginsDocument(std::string_view line, const Fault& fault) {
-    const std::size_t last = line.find_last_not_of(" \t\r\n");
-    return fault.offset == line.size() && (line[last] == '{' || line[last] == '[');
-}
-
 std::string unknownOperation(std::string_view name) {
-    const auto isMounted = [name](const MountPoint& mount) { return mount.path == name; };
-    if (isTopMember(name) || std::ranges::any_of(mountPoints(), isMounted))
-        return "unknown operation " + excerpt(name).append(kDocumentHint);
     std::vector<std::string_view> known{"value"};
     for (const Verb& verb : Verb::all)
         known.push_back(verb.name);
@@ -123,23 +115,19 @@ std::string_view fixedFault(const Form& form) {
 
 }  // namespace
 
-Operations::Operations(Database& database, Configuration& configuration, PluginHost& host,
-                       Output& output)
+Operations::Operations(Database& database, Configuration& configuration, PluginHost& host)
     : database_(database),
       configuration_(configuration),
       host_(host),
-      output_(output),
       checker_(database.interner()),
       editor_(database) {}
 
-std::optional<Fault> Operations::apply(std::string_view line) {
+std::optional<Fault> Operations::apply(std::string_view line, StreamOutput& output) {
+    mayChange_ = false;
     if (isPassedOver(line)) return {};
+    output_ = &output;
     const JsonResult json = parseJsonLine(line);
-    if (const auto* fault = std::get_if<Fault>(&json)) {
-        Fault refused = *fault;
-        if (beginsDocument(line, refused)) refused.message += kDocumentHint;
-        return refused;
-    }
+    if (const auto* fault = std::get_if<Fault>(&json)) return *fault;
     return applyOperation(std::get<Json>(json).root());
 }
 
@@ -150,6 +138,7 @@ Operations::Result Operations::applyOperation(const JsonValue& operation) {
     if (const auto* fault = std::get_if<Fault>(&parts)) return *fault;
     const Line& line = std::get<Line>(parts);
     if (auto fault = lineFault(line, operation)) return fault;
+    mayChange_ = line.verb->mayChange;
     return (this->*line.verb->apply)(line.operand->value,
                                      line.value ? &line.value->value : nullptr);
 }
@@ -214,11 +203,24 @@ Operations::Result Operations::print(const JsonValue& what, const JsonValue*) {
     if (std::find(std::begin(kWhats), std::end(kWhats), what.text()) == std::end(kWhats))
         return Fault{what.offset(), "cannot print " + excerpt(what.text()) + ", expected one of " +
                                         listed(kWhats, [](std::string_view name) { return name; })};
-    std::string line;
-    JsonWriter writer(line);
-    writeDocument(writer, what.text());
-    output_.line(line);
+    std::string text;
+    writePrinted(text, what.text());
+    output_->line(text);
     return {};
+}
+
+void Operations::writePrinted(std::string& text, std::string_view what) const {
+    if (what == "table") {
+        text =
+            stateTable(*Vex::entityCast<QosOc::State::ClassifiersDir>(database_.stateTree().root));
+        return;
+    }
+    const bool isIndented = what == "entities";
+    JsonWriter writer(text, isIndented ? JsonWriter::Style::indented : JsonWriter::Style::compact);
+    if (isIndented)
+        writeDatabase(writer, database_);
+    else
+        writeDocument(writer, what);
 }
 
 void Operations::writeDocument(JsonWriter& writer, std::string_view what) const {
@@ -238,7 +240,7 @@ Operations::Result Operations::echo(const JsonValue& text, const JsonValue*) {
         return Fault{text.offset(), unexpected("a string", text.kind())};
     std::string line = "# ";
     Vex::appendEscaped(line, text.text());
-    output_.line(line);
+    output_->line(line);
     Vex::writeTraceLine(line);
     return {};
 }
@@ -248,6 +250,13 @@ Operations::Result Operations::restart(const JsonValue& plugin, const JsonValue*
         return Fault{plugin.offset(), unexpected("a string", plugin.kind())};
     if (host_.restart(plugin.text())) return {};
     return Fault{plugin.offset(), "no plug-in is called " + excerpt(plugin.text())};
+}
+
+Operations::Result Operations::follow(const JsonValue& isWanted, const JsonValue*) {
+    if (!isWanted.is(JsonKind::boolean))
+        return Fault{isWanted.offset(), unexpected("true or false", isWanted.kind())};
+    output_->followIs(isWanted.boolean());
+    return {};
 }
 
 }  // namespace QosAgent

@@ -14,7 +14,7 @@
 #include "agent/json/JsonReader.h"
 #include "agent/json/JsonWriter.h"
 #include "agent/openconfig/Configuration.h"
-#include "agent/output/Output.h"
+#include "agent/streams/StreamOutput.h"
 
 namespace QosAgent {
 
@@ -25,11 +25,13 @@ struct Verb;
 class Operations {
 public:
     /// What is passed outlives the operations.
-    Operations(Database& database, Configuration& configuration, PluginHost& host, Output& output);
+    Operations(Database& database, Configuration& configuration, PluginHost& host);
 
-    /// Applies a line, or passes over one that is empty or a comment. Returns the fault of a line
-    /// that is refused; nothing has changed then.
-    std::optional<Fault> apply(std::string_view line);
+    /// Applies a line, or passes over one that is empty or a comment. What it prints goes to
+    /// `output`. Returns the fault of a line that is refused; nothing has changed then.
+    std::optional<Fault> apply(std::string_view line, StreamOutput& output);
+    /// Whether the last line applied was an operation that may change something, unlike `print`.
+    bool mayChange() const { return mayChange_; }
     /// What the last line said that was passed over.
     std::vector<Warning> takeWarnings() { return std::exchange(warnings_, {}); }
 
@@ -46,17 +48,20 @@ private:
     Result print(const JsonValue& what, const JsonValue* value);
     Result echo(const JsonValue& text, const JsonValue* value);
     Result restart(const JsonValue& plugin, const JsonValue* value);
+    Result follow(const JsonValue& isWanted, const JsonValue* value);
 
     /// The place to work on, with the value checked if there is one.
     std::variant<Path, Fault> place(const JsonValue& path, const JsonValue* value);
+    void writePrinted(std::string& text, std::string_view what) const;
     void writeDocument(JsonWriter& writer, std::string_view what) const;
 
     Database& database_;
     Configuration& configuration_;
     PluginHost& host_;
-    Output& output_;
+    StreamOutput* output_ = nullptr;  ///< of the line that is being applied
     Checker checker_;
     Editor editor_;
+    bool mayChange_ = false;
     std::vector<Warning> warnings_;
 };
 

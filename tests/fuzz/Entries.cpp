@@ -236,12 +236,13 @@ void fuzzStream(std::string_view bytes) {
     const auto base = baseDatabase();
     TextDatabase& db = *base;
     const TestSupport::TraceCapture trace;
-    const Follower follower(db.database.stateTree(), db.out.output());
+    Feed feed(db.database);
+    const Follower follower(feed, db.out.output());
     start(db);
     const MemoryFile file(bytes);
     LineReader lines(file.fd(), Limits{}.lineBytes, stop);
     while (lines.next()) {
-        requireAllOrNothing(db, lines.line(), [&](auto line) { return db.operations.apply(line); });
+        requireAllOrNothing(db, lines.line(), [&](auto line) { return db.applyLine(line); });
         requireWarnings(db.operations.takeWarnings(), lines.line());
     }
     requireOutput(db.out.text());

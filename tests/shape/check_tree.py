@@ -15,6 +15,11 @@ from pathlib import Path
 RUNTIME = ("platform/Orin/", "platform/OvSlab/", "platform/Ovk/", "platform/Vex/")
 SERVICES = ("platform/Strata/", "platform/Plugin/", "platform/Agent/")
 
+# All that a door, which is a library of its own, sees of the program.
+SEEN_BY_DOORS = ("agent/service/Service.h", "agent/service/Door.h", "agent/feed/StateMap.h",
+                 "agent/feed/StateValue.h", "agent/feed/Snapshot.h", "agent/feed/ChangeSet.h",
+                 "agent/feed/Subscription.h", "agent/configuration/", "agent/json/")
+
 # A folder of the tree, and the folders besides itself from which it may include. Of folders within
 # each other the inner one stands first.
 MAY_INCLUDE = {
@@ -25,6 +30,12 @@ MAY_INCLUDE = {
     **{service: RUNTIME + SERVICES for service in SERVICES},
     **{schema: ("platform/",) for schema in ("platform/Qos/", "platform/Acl/", "platform/QosOc/")},
     "QosOpenConfig/": ("platform/",),
+    "agent/loop/": (),
+    "agent/json/": (),
+    "agent/feed/": ("platform/", "agent/database/", "agent/json/"),
+    **{door: SEEN_BY_DOORS for door in ("agent/gnmi/", "agent/http/")},
+    "agent/service/Service.h": ("agent/feed/",),
+    "agent/service/Door.h": ("agent/service/Service.h",),
     "agent/": ("platform/",),
     "tests/support/": ("platform/",),
     "tests/platform/": ("platform/", "tests/support/"),
@@ -44,7 +55,7 @@ SCRIPTS = ("run", "test", ".ci/run")
 SCRIPT_TREES = ("scripts", "packaging", "tests")
 
 # Beside the headers of the language and of the system, which lie in no folder or in `sys`.
-LIBRARIES = {"agent/": ("nlohmann/", "CLI/"), "tests/": ("gtest/", "gmock/", "CLI/"),
+LIBRARIES = {"agent/loop/": ("systemd/",), "agent/": ("nlohmann/", "CLI/"), "tests/": ("gtest/", "gmock/", "CLI/"),
              "bench/": ("benchmark/", "valgrind/")}
 SYSTEM = re.compile(r"(sys/)?\w+(\.h)?")
 

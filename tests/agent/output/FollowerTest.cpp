@@ -19,20 +19,22 @@ std::string deleted(const std::string& path) {
 class FollowerTest : public ::testing::Test {
 protected:
     FollowerTest()
-        : tree(Vex::entityCast<QosOc::State::ClassifiersDir>(db.database.stateTree().root)) {}
+        : tree(Vex::entityCast<QosOc::State::ClassifiersDir>(db.database.stateTree().root)),
+          feed(db.database) {}
 
     TextDatabase db;
     Orin::Ptr<QosOc::State::ClassifiersDir> tree;
+    Feed feed;
 };
 
 TEST_F(FollowerTest, tellsOfClassifiersByTheirState) {
-    const Follower follower(db.database.stateTree(), db.out.output());
+    const Follower follower(feed, db.out.output());
     tree->classifierIs("a/b")->stateIs({"a/b", QosOc::Classifier::Type::IPV6});
     EXPECT_EQ(db.out.text(), updated("a~1b/state", R"({"name":"a/b","type":"IPV6"})"));
 }
 
 TEST_F(FollowerTest, tellsOfTermsWhole) {
-    const Follower follower(db.database.stateTree(), db.out.output());
+    const Follower follower(feed, db.out.output());
     const Orin::Ptr<QosOc::State::Terms> terms = tree->classifierIs("C")->termsIs();
     QosOc::State::Term term("T");
     terms->termIs(term);
@@ -50,7 +52,7 @@ TEST_F(FollowerTest, tellsOfTermsWhole) {
 TEST_F(FollowerTest, tellsOfEntitiesThatGoWithoutTheirMembers) {
     const Orin::Ptr<QosOc::State::Classifier> classifier = tree->classifierIs("C");
     classifier->termsIs()->termIs(QosOc::State::Term("T"));
-    const Follower follower(db.database.stateTree(), db.out.output());
+    const Follower follower(feed, db.out.output());
     classifier->termsDel();
     tree->classifierDel("C");
     EXPECT_EQ(db.out.text(), deleted("C/terms") + deleted("C"));
@@ -58,14 +60,14 @@ TEST_F(FollowerTest, tellsOfEntitiesThatGoWithoutTheirMembers) {
 
 TEST_F(FollowerTest, takesWhatIsThereForNoChange) {
     tree->classifierIs("C")->stateIs({"C", QosOc::Classifier::Type::IPV4});
-    const Follower follower(db.database.stateTree(), db.out.output());
+    const Follower follower(feed, db.out.output());
     EXPECT_EQ(db.out.text(), "");
     tree->classifierIs("C")->stateIs({"C", QosOc::Classifier::Type::IPV6});
     EXPECT_EQ(db.out.text(), updated("C/state", R"({"name":"C","type":"IPV6"})"));
 }
 
 TEST_F(FollowerTest, tellsAllOfAnEntityThatComesFull) {
-    const Follower follower(db.database.stateTree(), db.out.output());
+    const Follower follower(feed, db.out.output());
     ASSERT_EQ(db.load(R"({"qos/openconfig/state/classifiers":{"classifier":
         {"C":{"terms":{"term":{"T":{}}}}}}})"),
               "");
@@ -74,7 +76,7 @@ TEST_F(FollowerTest, tellsAllOfAnEntityThatComesFull) {
 }
 
 TEST_F(FollowerTest, followsAnEntityThatCameBack) {
-    const Follower follower(db.database.stateTree(), db.out.output());
+    const Follower follower(feed, db.out.output());
     tree->classifierIs("C");
     tree->classifierDel("C");
     tree->classifierIs("C")->termsIs()->termIs(QosOc::State::Term("T"));
@@ -83,7 +85,7 @@ TEST_F(FollowerTest, followsAnEntityThatCameBack) {
 }
 
 TEST_F(FollowerTest, endsWithItself) {
-    { const Follower follower(db.database.stateTree(), db.out.output()); }
+    { const Follower follower(feed, db.out.output()); }
     tree->classifierIs("C")->stateIs({"C", QosOc::Classifier::Type::IPV4});
     EXPECT_EQ(db.out.text(), "");
 }

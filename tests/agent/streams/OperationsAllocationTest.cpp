@@ -34,7 +34,7 @@ protected:
         untroubled.load(kDocument);
         ASSERT_EQ(untroubled.apply(line), "") << line;
         const std::size_t failures =
-            TestSupport::failEachAllocation([&] { text.operations.apply(line); }, [] {});
+            TestSupport::failEachAllocation([&] { text.applyLine(line); }, [] {});
         EXPECT_GT(failures, 0u) << line;
         EXPECT_EQ(text.all(), untroubled.all()) << line;
     }
@@ -44,7 +44,7 @@ protected:
         text.load(kDocument);
         const std::string before = text.all();
         const std::size_t failures = TestSupport::failEachAllocation(
-            [&] { text.operations.apply(line); }, [&] { EXPECT_EQ(text.all(), before) << line; });
+            [&] { text.applyLine(line); }, [&] { EXPECT_EQ(text.all(), before) << line; });
         EXPECT_GT(failures, 0u) << line;
         EXPECT_EQ(text.all(), before) << line;
     }
@@ -78,7 +78,7 @@ TEST_F(OperationsAllocationTest, noticesEachFailureWhereAConfigurationIsApplied)
     const std::string line = R"({"openconfig": )" + documentOf(bigConfiguration(2, 1, 2)) + "}";
     auto text = std::make_unique<TextDatabase>();
     const std::size_t failures = TestSupport::failEachAllocation(
-        [&] { text->operations.apply(line); }, [&] { text = std::make_unique<TextDatabase>(); });
+        [&] { text->applyLine(line); }, [&] { text = std::make_unique<TextDatabase>(); });
     TextDatabase untroubled;
     ASSERT_EQ(untroubled.apply(line), "");
     EXPECT_EQ(text->all(), untroubled.all());

@@ -1,5 +1,7 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "agent/output/Table.h"
 #include "agent/streams/Operations.h"
 #include "platform/Vex/Trace.h"
 #include "tests/agent/support/TextDatabase.h"
@@ -34,7 +36,7 @@ TEST_F(OperationsTest, refusesWhatIsNoOperation) {
     expectRefused("@[]", "expected an object, found an array");
     expectRefused("  @{}",
                   "no operation, expected one of update, replace, delete, touch, openconfig, "
-                  "print, echo, restart");
+                  "print, echo, restart, follow");
     expectRefused(R"({@"updat":"qos/status"})",
                   R"(unknown operation "updat", did you mean "update"?)");
     expectRefused(R"({"update":"qos/status","value":{},@"x":1})", R"(unknown operation "x")");
@@ -44,18 +46,8 @@ TEST_F(OperationsTest, refusesWhatIsNoOperation) {
     expectRefused(R"({"echo":"a"} @{})", "expected the end of the text, found '{'");
 }
 
-TEST_F(OperationsTest, tellsHowToGiveADocument) {
-    const std::string hint = "; a document is an INPUT of its own, FILE.json or /dev/stdin";
-    for (const std::string name : {"openconfig-qos:qos", "qos", "qos/status"})
-        expectRefused("{@\"" + name + "\":{}}", "unknown operation \"" + name + '"' + hint);
-    expectRefused("{ @", "expected a key or '}', found the end of the text" + hint);
-    expectRefused(R"({"openconfig-qos:qos": {@)",
-                  "expected a key or '}', found the end of the text" + hint);
-    expectRefused(R"({"delete":@)", "expected a value, found the end of the text");
-}
-
 TEST_F(OperationsTest, refusesAValueWhereNoneBelongs) {
-    for (const char* verb : {"delete", "touch", "openconfig", "print", "echo", "restart"})
+    for (const char* verb : {"delete", "touch", "openconfig", "print", "echo", "restart", "follow"})
         expectRefused(std::string("{\"") + verb + R"(":"a",@"value":1})",
                       std::string("the operation \"") + verb + "\" takes no value");
 }
@@ -134,9 +126,44 @@ TEST_F(OperationsTest, printsOneCompactLine) {
                                  db.all() + "\n");
 }
 
+TEST_F(OperationsTest, printsTheTableAndTheEntitiesOverSeveralLines) {
+    EXPECT_EQ(db.apply(R"({"print":"entities"})"), "");
+    EXPECT_EQ(db.out.text(),
+              "{\n  \"qos/status\": {},\n  \"qos/input/config/cli\": {},\n"
+              "  \"acl/config/cli\": {},\n  \"qos/openconfig/config/classifiers\": {},\n"
+              "  \"qos/openconfig/state/classifiers\": {}\n}\n");
+    const auto tree = Vex::entityCast<QosOc::State::ClassifiersDir>(db.database.stateTree().root);
+    tree->classifierIs("edge")->stateIs({"edge", QosOc::Classifier::Type::IPV4});
+    EXPECT_EQ(db.apply(R"({"print":"table"})"), "");
+    EXPECT_THAT(db.out.text(), ::testing::EndsWith("}\n" + stateTable(*tree) + "\n"));
+}
+
+TEST_F(OperationsTest, turnsFollowingOnAndOff) {
+    EXPECT_EQ(db.apply(R"({"follow":true})"), "");
+    EXPECT_EQ(db.follows, true);
+    EXPECT_EQ(db.apply(R"({"follow":false})"), "");
+    EXPECT_EQ(db.follows, false);
+    expectRefused(R"({"follow":@"yes"})", "expected true or false, found a string");
+}
+
+TEST_F(OperationsTest, tellsWhichLinesMayChangeSomething) {
+    for (const char* line : {R"({"print":"state"})", R"({"echo":"a"})", R"({"follow":true})", "# x",
+                             R"({"updat":1})"}) {
+        db.apply(line);
+        EXPECT_FALSE(db.operations.mayChange()) << line;
+    }
+    for (const char* line : {R"({"update":"qos/status","value":{}})",
+                             R"({"delete":"qos/status/cmapTypeStatus/mapQos/cmapStatus/a"})",
+                             R"({"openconfig":{"openconfig-qos:qos":{}}})"}) {
+        EXPECT_EQ(db.apply(line), "");
+        EXPECT_TRUE(db.operations.mayChange()) << line;
+    }
+}
+
 TEST_F(OperationsTest, refusesToPrintAnythingElse) {
     expectRefused(R"({"print":@"x"})",
-                  R"(cannot print "x", expected one of state, database, openconfig, machines)");
+                  R"(cannot print "x", expected one of state, database, openconfig, machines, )"
+                  "table, entities");
     expectRefused(R"({"print":@null})", "expected a string, found null");
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "agent/database/Document.h"
+#include "agent/output/Output.h"
 #include "agent/streams/Operations.h"
 #include "tests/agent/support/ChangeRecorder.h"
 
@@ -35,10 +36,9 @@ private:
 };
 
 /// A database without a plug-in, worked on by text.
-class TextDatabase {
+class TextDatabase : private StreamOutput {
 public:
-    TextDatabase()
-        : host(database.entityManager()), operations(database, configuration, host, out.output()) {}
+    TextDatabase() : host(database.entityManager()), operations(database, configuration, host) {}
 
     /// Merges a state document.
     std::optional<Fault> merge(std::string_view text) {
@@ -52,7 +52,8 @@ public:
     /// `COLUMN: MESSAGE` of a refused document; empty when it was merged.
     std::string load(std::string_view text) { return shown(merge(text)); }
     /// The same for a change-stream line.
-    std::string apply(std::string_view line) { return shown(operations.apply(line)); }
+    std::string apply(std::string_view line) { return shown(applyLine(line)); }
+    std::optional<Fault> applyLine(std::string_view line) { return operations.apply(line, *this); }
     std::string update(const std::string& path, const std::string& value) {
         return apply(R"({"update":")" + path + R"(","value":)" + value + "}");
     }
@@ -83,6 +84,12 @@ public:
     PluginHost host;
     OutputFile out;
     Operations operations;
+    /// What the last `follow` line asked for.
+    std::optional<bool> follows;
+
+private:
+    void line(std::string_view text) override { out.output().line(text); }
+    void followIs(bool isWanted) override { follows = isWanted; }
 };
 
 using Changes = std::vector<std::string>;

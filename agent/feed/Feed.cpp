@@ -1,0 +1,113 @@
+#include "agent/feed/Feed.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "agent/feed/StateValues.h"
+
+namespace QosAgent {
+namespace {
+
+class MailboxSubscription final : public Subscription {
+public:
+    MailboxSubscription(Snapshot start, std::shared_ptr<Mailbox> mailbox)
+        : start_(std::move(start)), mailbox_(std::move(mailbox)) {}
+    ~MailboxSubscription() override { mailbox_->close(); }
+
+    const Snapshot& start() const override { return start_; }
+    std::vector<ChangeSetPtr> take() override { return mailbox_->take(); }
+
+private:
+    Snapshot start_;
+    std::shared_ptr<Mailbox> mailbox_;
+};
+
+}  // namespace
+
+Feed::~Feed() = default;
+
+void Feed::listenerIs(ChangeListener& listener) {
+    if (std::ranges::count(listeners_, &listener) != 0) return;
+    listeners_.push_back(&listener);
+    watch();
+}
+
+void Feed::listenerDel(ChangeListener& listener) {
+    std::erase(listeners_, &listener);
+    if (listeners_.empty() && !keepsState_) watch_.reset();
+}
+
+void Feed::keepState() {
+    if (std::exchange(keepsState_, true)) return;
+    // The listeners know already what the new watch notifies of.
+    const auto listeners = std::exchange(listeners_, {});
+    watch_.reset();
+    watch_.emplace(subtree_, static_cast<ChangeListener&>(*this), StateWatch::Beginning::notified);
+    listeners_ = listeners;
+    endRequest();
+}
+
+void Feed::watch() {
+    if (!watch_) watch_.emplace(subtree_, static_cast<ChangeListener&>(*this));
+}
+
+std::string_view Feed::below(const Change& change) const {
+    return std::string_view(change.path()).substr(subtree_.mount->path.size() + 1);
+}
+
+void Feed::changed(const Change& change) {
+    for (ChangeListener* listener : listeners_)
+        listener->changed(change);
+    if (keepsState_) record(change);
+}
+
+void Feed::record(const Change& change) {
+    const std::string path(below(change));
+    if (change.isDelete()) {
+        state_ = state_.without(path);
+        collector_.removed(path);
+    } else {
+        state_ = state_.with(path, stateValue(path, change));
+        collector_.updated(path);
+    }
+}
+
+void Feed::endRequest() {
+    if (!keepsState_) return;
+    ChangeSetPtr changes;
+    std::vector<std::shared_ptr<Mailbox>> readers;
+    {
+        const std::lock_guard lock(mutex_);
+        Snapshot next{latest_.sequence + 1,
+                      std::max(latest_.time, std::chrono::system_clock::now()), state_};
+        changes = collector_.take(latest_, next);
+        latest_ = std::move(next);
+        readers = mailboxes();
+    }
+    for (const std::shared_ptr<Mailbox>& reader : readers)
+        if (!changes->isEmpty()) reader->put(changes);
+}
+
+/// Those whose subscriptions are alive.
+std::vector<std::shared_ptr<Mailbox>> Feed::mailboxes() const {
+    std::vector<std::shared_ptr<Mailbox>> alive;
+    std::erase_if(mailboxes_, [&alive](const std::weak_ptr<Mailbox>& mailbox) {
+        if (auto held = mailbox.lock()) alive.push_back(std::move(held));
+        return mailbox.expired();
+    });
+    return alive;
+}
+
+Snapshot Feed::snapshot() const {
+    const std::lock_guard lock(mutex_);
+    return latest_;
+}
+
+std::unique_ptr<Subscription> Feed::subscribe(std::function<void()> wake) {
+    auto mailbox = std::make_shared<Mailbox>(std::move(wake));
+    const std::lock_guard lock(mutex_);
+    mailboxes_.push_back(mailbox);
+    return std::make_unique<MailboxSubscription>(latest_, std::move(mailbox));
+}
+
+}  // namespace QosAgent

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "agent/database/Database.h"
+#include "agent/feed/ChangeCollector.h"
+#include "agent/feed/Mailbox.h"
+#include "agent/feed/StateWatch.h"
+#include "agent/feed/Subscription.h"
+
+namespace QosAgent {
+
+/// Passes the published changes of the state tree on to whoever asked for them: each single change
+/// to listeners on the event thread, the outcome of each request to subscribers on any thread. The
+/// state tree is watched only while somebody asked.
+class Feed : private ChangeListener {
+public:
+    /// The database must outlive the feed.
+    explicit Feed(const Database& database) : subtree_(database.stateTree()) {}
+    ~Feed() override;
+
+    // Event thread only.
+
+    /// Notifies the listener of each change until it is removed. No-op if it is there already.
+    /// Neither function may be called within a change.
+    void listenerIs(ChangeListener& listener);
+    void listenerDel(ChangeListener& listener);
+    /// From now on keeps the state as an immutable map, which snapshots and subscriptions need.
+    void keepState();
+    /// The state as it is now; empty unless it is kept. During the notification of a change, the
+    /// state before that change.
+    const StateMap& state() const { return state_; }
+    /// The path of a change, below the root of the state tree.
+    std::string_view below(const Change& change) const;
+    /// A request has been applied: makes its outcome the latest snapshot and tells subscribers.
+    void endRequest();
+
+    // Any thread. Precondition: the state is kept.
+
+    Snapshot snapshot() const;
+    /// Begins a subscription; `wake` as `Mailbox` describes it. The subscription may outlive the
+    /// feed.
+    std::unique_ptr<Subscription> subscribe(std::function<void()> wake);
+
+private:
+    void changed(const Change& change) override;
+    void record(const Change& change);
+    void watch();
+    std::vector<std::shared_ptr<Mailbox>> mailboxes() const;
+
+    const Subtree& subtree_;
+    std::vector<ChangeListener*> listeners_;
+    bool keepsState_ = false;
+    StateMap state_;
+    ChangeCollector collector_;
+    std::optional<StateWatch> watch_;
+    mutable std::mutex mutex_;  ///< guards what follows
+    Snapshot latest_;
+    mutable std::vector<std::weak_ptr<Mailbox>> mailboxes_;
+};
+
+}  // namespace QosAgent

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+
+#include "agent/feed/StateMap.h"
+
+namespace QosAgent {
+
+/// The published state as it is after one request: immutable, shared, cheap to copy. Any thread may
+/// keep and read it.
+struct Snapshot {
+    /// How many requests were applied before.
+    std::uint64_t sequence = 0;
+    /// When the last of them was applied. Never decreases from one snapshot to a later one.
+    std::chrono::system_clock::time_point time;
+    StateMap state;
+};
+
+}  // namespace QosAgent

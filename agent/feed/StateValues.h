@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+#include "agent/feed/Change.h"
+#include "agent/feed/StateValue.h"
+
+namespace QosAgent {
+
+/// The plain data of an update of the state tree. `path` is below the tree's root, of the form
+/// `classifier/C/state` or `classifier/C/terms/term/T`.
+StateValuePtr stateValue(std::string_view path, const Change& update);
+
+}  // namespace QosAgent

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "agent/feed/Snapshot.h"
+#include "agent/feed/Subscription.h"
+
+/// The one interface of the core that doors see: plain data, callable from any thread.
+namespace QosAgent {
+
+/// One operation, as the text of a change-stream line.
+struct Request {
+    std::string line;
+    /// Where the request came from, for the record: `socket`, `gnmi`, `redis`, `-` for standard
+    /// input, or the name of a file.
+    std::string door;
+};
+
+/// A remark about the text of a request.
+struct Remark {
+    std::size_t column;  ///< in bytes, from 1
+    std::string message;
+    /// Of `configure` only: which edit the remark is about, from 0.
+    std::optional<std::size_t> edit = {};
+
+    friend bool operator==(const Remark&, const Remark&) = default;
+};
+
+/// What became of a request.
+struct Answer {
+    /// What the request printed: pieces of text without their last line end, which may hold several
+    /// lines each.
+    std::vector<std::string> lines;
+    std::vector<Remark> warnings;
+    /// Why the request was refused; nothing was applied then.
+    std::optional<Remark> refused;
+    /// The request was never tried: too many are waiting, or the service is stopping.
+    bool isBusy = false;
+    /// A `follow` line asked to begin (true) or end (false) following on its stream.
+    std::optional<bool> follows;
+
+    friend bool operator==(const Answer&, const Answer&) = default;
+};
+
+class Service {
+public:
+    using Done = std::function<void(Answer)>;
+
+    virtual ~Service() = default;
+
+    /// Applies the request on the event thread, whole, after those submitted before it. Calls
+    /// `done` there exactly once, when the request is applied or refused. `done` must not wait.
+    /// When the service stops, requests that were not begun are answered as busy.
+    virtual void submit(Request request, Done done) = 0;
+
+    /// The published state as it is after some request, no earlier than the last one answered.
+    virtual Snapshot snapshot() = 0;
+
+    /// Begins a subscription that starts with the latest snapshot. `wake` is called on the event
+    /// thread whenever changes begin to wait: it must only post a notice to the reader's thread; it
+    /// must neither wait nor call the subscription. The subscription may outlive the service.
+    virtual std::unique_ptr<Subscription> subscribe(std::function<void()> wake) = 0;
+};
+
+}  // namespace QosAgent
