@@ -12,6 +12,7 @@
 
 #include "agent/database/Document.h"
 #include "agent/database/Printer.h"
+#include "agent/documents/DocumentCheck.h"
 #include "agent/feed/Feed.h"
 #include "agent/host/File.h"
 #include "agent/host/PluginHost.h"
@@ -47,11 +48,18 @@ std::string unknownHandle(const std::string& name, const std::vector<std::string
     return message;
 }
 
+Strictness strictnessOf(const Options& options) {
+    return options.isStrict ? Strictness::refuses : Strictness::warns;
+}
+
 /// What the command line asked for, step by step.
 class AgentRun : private StreamOutput {
 public:
     explicit AgentRun(const Options& options)
-        : options_(options), out_(STDOUT_FILENO), host_(database_.entityManager()) {}
+        : options_(options),
+          out_(STDOUT_FILENO),
+          configuration_(database_, strictnessOf(options)),
+          host_(database_.entityManager()) {}
 
     int run() {
         if (const Refusal refused = start()) {
@@ -72,10 +80,10 @@ public:
 
 private:
     Refusal start() {
-        const ToggleFolder toggles(options_.toggleFolder);
+        ToggleFolder toggles(options_.toggleFolder);
         const auto read = toggles.read(kToggleFile);
         if (const auto* refused = std::get_if<Diagnostic>(&read)) return *refused;
-        ::Agent::toggleReaderIs([toggles](auto toggle, auto file, bool fallback) {
+        ::Agent::toggleReaderIs([toggles](auto toggle, auto file, bool fallback) mutable {
             return toggles.state(toggle, file, fallback);
         });
         for (const std::string& document : options_.documents)
@@ -94,30 +102,18 @@ private:
                 report(warning("qos-agent", unknownHandle(setting.handle, known)));
     }
     Refusal loadDocument(const std::string& name) {
-        const Limits limits;
         std::optional<Progress> progress(name);
-        const FileText read = readFile(name, limits.documentBytes);
-        if (read.error != 0) return refusal(name, std::strerror(read.error));
-        const JsonResult json = parseJson(read.text, limits);
-        if (const auto* fault = std::get_if<Fault>(&json)) return refusal(name, read.text, *fault);
-        const auto applied = applyDocument(std::get<Json>(json).root(), [&](std::size_t offset) {
-            progress->doneIs(offset, read.text.size());
+        const auto read = readDocument(name);
+        if (const auto* refused = std::get_if<Diagnostic>(&read)) return *refused;
+        const auto& document = std::get<DocumentFile>(read);
+        const auto applied = applyDocument(document.json.root(), [&](std::size_t offset) {
+            progress->doneIs(offset, document.text.size());
         });
         progress.reset();
         if (const auto* fault = std::get_if<Fault>(&applied))
-            return refusal(name, read.text, *fault);
-        reportWarnings(name, read.text, std::get<std::vector<Warning>>(applied));
+            return refusal(name, document.text, *fault);
+        reportAll(document, std::get<std::vector<Warning>>(applied), Diagnostic::Kind::warning);
         return {};
-    }
-    static void reportWarnings(const std::string& name, std::string_view text,
-                               const std::vector<Warning>& warnings) {
-        TextPlace place = kTextBegin;
-        std::size_t passed = 0;
-        for (const auto& [offset, message] : warnings) {
-            place = placeAfter(place, text.substr(passed, offset - passed));
-            passed = offset;
-            report(warning(name, place, message));
-        }
     }
     std::variant<std::vector<Warning>, Fault> applyDocument(const JsonValue& document,
                                                             const Editor::Progress& progress) {
@@ -137,7 +133,10 @@ private:
             for (const Warning& passed : operations.takeWarnings())
                 report(warning(name, {lines.number(), passed.offset + 1}, passed.message));
             if (!fault) continue;
-            report(refusal(name, TextPlace{lines.number(), fault->offset + 1}, fault->message));
+            report(refusal(name, TextPlace{lines.number(), fault->offset + 1},
+                           file.isKept() ? fault->message
+                                         : fault->message + " in: " +
+                                               excerptAround(lines.line(), fault->offset)));
             if (!options_.keepsGoing) return false;
             isSomeRefused_ = true;
         }
@@ -183,12 +182,23 @@ private:
     const Options& options_;
     Output out_;
     Database database_;
-    Configuration configuration_{database_};
+    Configuration configuration_;
     Feed feed_{database_};
     PluginHost host_;
     std::optional<Follower> follower_;
     bool isSomeRefused_ = false;
 };
+
+/// What `--check` asks for; returns the exit status.
+int check(const Options& options) {
+    for (const std::string& stream : options.streams)
+        report(warning(stream, "not checked: --check reads documents only"));
+    DocumentCheck documents(strictnessOf(options));
+    bool isGood = true;
+    for (const std::string& document : options.documents)
+        isGood = documents.check(document) && isGood;
+    return isGood ? kAllApplied : kUnusable;
+}
 
 }  // namespace
 
@@ -212,7 +222,8 @@ int runProgram(int argc, const char* const* argv) {
     try {
         const auto options = parseOptions(argc, argv);
         if (const auto* ended = std::get_if<ExitStatus>(&options)) return ended->status;
-        return run(std::get<Options>(options));
+        const auto& asked = std::get<Options>(options);
+        return asked.checksOnly ? check(asked) : run(asked);
     } catch (const std::bad_alloc&) {
         // Composing a line would need memory.
         constexpr std::string_view line = "qos-agent: out of memory\n";

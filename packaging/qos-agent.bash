@@ -31,7 +31,7 @@ _qos_agent() {
         *)
             if [[ $word == -* ]]; then
                 mapfile -t COMPREPLY < <(compgen -W '--plugin --toggle-dir --output --follow
-                    --machines --trace --trace-file --keep-going --help --version' -- "$word")
+                    --machines --trace --trace-file --keep-going --strict --check --help --version' -- "$word")
             else
                 _qos_agent_files "$word" .json .jsonl
             fi ;;

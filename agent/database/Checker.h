@@ -4,7 +4,7 @@
 
 #include "agent/database/Form.h"
 #include "agent/database/Interner.h"
-#include "agent/json/JsonReader.h"
+#include "agent/json/Faults.h"
 
 namespace QosAgent {
 
@@ -14,14 +14,16 @@ class Checker {
 public:
     explicit Checker(Interner& interner) : interner_(interner) {}
 
-    /// The first fault in the value, if any. `keys` are those that the thing may repeat.
+    /// Returns the first fault in the value, if any. `keys` are those that the value may repeat.
     std::optional<Fault> check(const Form& form, const Keys& keys, const JsonValue& value);
+    /// Adds the faults in the value, in the order of the text, until `faults` is full.
+    void checkAll(const Form& form, const Keys& keys, const JsonValue& value, Faults& faults);
 
 private:
-    std::optional<Fault> checkNamed(const Form& form, const Keys& keys, const JsonValue& value);
-    std::optional<Fault> checkKeyed(const Form& form, const Keys& keys, const JsonValue& value);
-    std::optional<Fault> checkList(const Vex::Type& type, const JsonValue& value);
-    std::optional<Fault> checkScalar(const Form& form, const Keys& keys, const JsonValue& value);
+    void checkNamed(const Form& form, const Keys& keys, const JsonValue& value, Faults& faults);
+    void checkKeyed(const Form& form, const Keys& keys, const JsonValue& value, Faults& faults);
+    void checkList(const Vex::Type& type, const JsonValue& value, Faults& faults);
+    void checkScalar(const Form& form, const Keys& keys, const JsonValue& value, Faults& faults);
 
     Interner& interner_;
 };

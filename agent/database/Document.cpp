@@ -8,15 +8,22 @@
 namespace QosAgent {
 
 std::optional<Fault> checkDocument(Database& database, const JsonValue& document) {
+    Faults faults;
+    checkDocument(database, document, faults);
+    if (faults.empty()) return {};
+    return faults.found().front();
+}
+
+void checkDocument(Database& database, const JsonValue& document, Faults& faults) {
     if (!document.is(JsonKind::object))
-        return Fault{document.offset(), unexpected("an object", document.kind())};
+        faults.add(document.offset(), unexpected("an object", document.kind()));
     Checker checker(database.interner());
     for (const JsonMember& member : document.members()) {
-        const Subtree* subtree = database.subtreeAt(member.key);
-        if (subtree == nullptr) return Fault{member.keyOffset, noSubtree(member.key)};
-        if (auto fault = checker.check(rootForm(subtree->type), {}, member.value)) return fault;
+        if (const Subtree* subtree = database.subtreeAt(member.key))
+            checker.checkAll(rootForm(subtree->type), {}, member.value, faults);
+        else
+            faults.add(member.keyOffset, noSubtree(member.key));
     }
-    return {};
 }
 
 void mergeDocument(Database& database, const JsonValue& document, Editor::Progress progress) {

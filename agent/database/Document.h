@@ -3,13 +3,15 @@
 #include <optional>
 
 #include "agent/database/Editor.h"
-#include "agent/json/JsonReader.h"
+#include "agent/json/Faults.h"
 
 namespace QosAgent {
 
-/// The first fault of a state document, an object of subtrees by mounted path; nothing if it can be
-/// merged as a whole.
+/// Returns the first fault of a state document, if any.
 std::optional<Fault> checkDocument(Database& database, const JsonValue& document);
+/// Checks a state document, an object of subtrees by mounted path, and adds its faults in the order
+/// of the text until `faults` is full. A document without a fault can be merged as a whole.
+void checkDocument(Database& database, const JsonValue& document, Faults& faults);
 
 /// Merges a document that has been checked into the database.
 void mergeDocument(Database& database, const JsonValue& document, Editor::Progress progress = {});

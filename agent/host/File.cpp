@@ -1,6 +1,7 @@
 #include "agent/host/File.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -26,6 +27,11 @@ File File::toRead(const std::string& name) {
 
 File File::toWrite(const std::string& name) {
     return File(::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666));
+}
+
+bool File::isKept() const {
+    struct stat status {};
+    return ::isatty(fd_) != 0 || (::fstat(fd_, &status) == 0 && S_ISREG(status.st_mode));
 }
 
 bool isSpecialFile(const std::string& name) {

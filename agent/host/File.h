@@ -22,6 +22,10 @@ public:
     /// `errno` if it is not.
     int error() const { return error_; }
 
+    /// Returns whether people can look up later what was read: it is a regular file, or they typed
+    /// it. What came through a pipe or a socket is gone.
+    bool isKept() const;
+
 private:
     explicit File(int fd);
 

@@ -28,7 +28,7 @@ std::variant<Toggles, Fault> togglesIn(const JsonValue& json) {
 
 std::variant<Toggles, Diagnostic> ToggleFolder::read(std::string_view file) const {
     if (folder_.empty()) return Toggles{};
-    const std::string name = folder_ + '/' + std::string(file);
+    const std::string name = nameOf(file);
     if (isSpecialFile(name)) return refusal(name, kSpecialFile);
     const Limits limits;
     const FileText read = readFile(name, limits.lineBytes);
@@ -41,12 +41,16 @@ std::variant<Toggles, Diagnostic> ToggleFolder::read(std::string_view file) cons
     return std::get<Toggles>(std::move(toggles));
 }
 
-bool ToggleFolder::state(std::string_view toggle, std::string_view file, bool fallback) const {
+bool ToggleFolder::state(std::string_view toggle, std::string_view file, bool fallback) {
     const auto read = this->read(file);
     const auto* toggles = std::get_if<Toggles>(&read);
     if (toggles == nullptr) return fallback;
     const auto at = toggles->find(toggle);
-    return at == toggles->end() ? fallback : at->second;
+    if (at == toggles->end()) return fallback;
+    if (!at->second && warnedOf_.emplace(toggle).second)
+        report(warning(nameOf(file),
+                       "the toggle " + excerpt(toggle) + " is off: what it enables does not run"));
+    return at->second;
 }
 
 }  // namespace QosAgent

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <map>
-#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -20,11 +20,15 @@ public:
 
     /// What a file says, none if it is missing; or why it is refused.
     std::variant<Toggles, Diagnostic> read(std::string_view file) const;
-    /// The state of one toggle; `fallback` where the file says nothing of it, or is refused.
-    bool state(std::string_view toggle, std::string_view file, bool fallback) const;
+    /// The state of one toggle; `fallback` where the file says nothing of it, or is refused. The
+    /// first time that the file says false, warns of it: nothing else tells why nothing happens.
+    bool state(std::string_view toggle, std::string_view file, bool fallback);
 
 private:
+    std::string nameOf(std::string_view file) const { return folder_ + '/' + std::string(file); }
+
     std::string folder_;
+    std::set<std::string, std::less<>> warnedOf_;  ///< toggles
 };
 
 }  // namespace QosAgent

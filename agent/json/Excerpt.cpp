@@ -1,5 +1,7 @@
 #include "agent/json/Excerpt.h"
 
+#include <algorithm>
+
 #include "agent/json/JsonWriter.h"
 
 namespace QosAgent {
@@ -51,6 +53,22 @@ std::string excerpt(std::string_view text, std::size_t mostBytes) {
     appendQuoted(quoted, kept);
     std::string out = withoutControls(quoted);
     if (kept.size() < text.size()) out += "...";
+    return out;
+}
+
+std::string excerptAround(std::string_view line, std::size_t offset) {
+    constexpr std::size_t kMostBytes = 160;
+    constexpr std::size_t kBytesBefore = 60;
+    std::size_t begin = 0;
+    if (line.size() > kMostBytes)
+        begin = std::min(offset - std::min(offset, kBytesBefore), line.size() - kMostBytes);
+    while (begin > 0 && continuesCharacter(line[begin]))
+        --begin;
+    const std::string_view rest = line.substr(begin);
+    const std::string_view kept = cutBetweenCharacters(rest, kMostBytes);
+    std::string out = begin == 0 ? "" : "...";
+    out += kept;
+    if (kept.size() < rest.size()) out += "...";
     return out;
 }
 

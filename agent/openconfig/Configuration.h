@@ -12,7 +12,7 @@ namespace QosAgent {
 class Configuration {
 public:
     /// The database outlives the configuration.
-    explicit Configuration(Database& database);
+    explicit Configuration(Database& database, Strictness strictness = Strictness::warns);
 
     /// Makes the configuration what the document says, by the differences. Returns what of the
     /// document was passed over, or why it is refused; nothing has changed then.
@@ -20,6 +20,7 @@ public:
 
 private:
     Interner& interner_;
+    Strictness strictness_;
     OpenConfigTranslator translator_;
 };
 

@@ -6,7 +6,12 @@
 namespace QosAgent {
 
 void Findings::refuse(std::size_t offset, std::string message) {
-    if (!fault_) fault_ = Fault{offset, std::move(message)};
+    faults_.add(offset, std::move(message));
+}
+
+void Findings::refuseWarnings() {
+    for (const Warning& warning : warnings())
+        refuse(warning.offset, warning.message + " (refused under --strict)");
 }
 
 Warning* Findings::passOver(std::size_t offset, const std::string& kind) {

@@ -1,13 +1,12 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
 
-#include "agent/json/JsonReader.h"
+#include "agent/json/Faults.h"
 
 namespace QosAgent {
 
@@ -22,17 +21,23 @@ struct Warning {
 /// What reading a document brings to light besides what it says.
 class Findings {
 public:
-    /// The first fault refuses the document; what comes after it does not count.
+    /// Keeps the first `mostFaults` faults.
+    explicit Findings(std::size_t mostFaults = 1) : faults_(mostFaults) {}
+
+    /// Adds a fault, which refuses the document.
     void refuse(std::size_t offset, std::string message);
+    /// Makes each warning a fault, behind the others.
+    void refuseWarnings();
     /// The warning if it is the first of its kind, to be added to; else null. Valid until the next.
     Warning* passOver(std::size_t offset, const std::string& kind);
 
-    const std::optional<Fault>& fault() const { return fault_; }
+    /// In the order in which they were found.
+    const Faults& faults() const { return faults_; }
     /// In ascending order of place.
     std::vector<Warning> warnings() const;
 
 private:
-    std::optional<Fault> fault_;
+    Faults faults_;
     std::vector<Warning> warnings_;
     std::unordered_set<std::string> kinds_;
 };

@@ -82,17 +82,15 @@ std::optional<JsonValue> ModelNode::listKey(std::string_view name,
     }
     const auto key = text(name);
     if (!key) return {};
+    // A `config` that is no container has been refused.
+    if (!config && member("config")) return key;
     if (!config || !config->member(name)) {
         findings_.refuse(key->offset(), "no member " + excerpt("config/" + std::string(name)) +
                                             " repeats the list key");
-        return {};
-    }
-    const auto repeated = config->text(name);
-    if (!repeated) return {};
-    if (repeated->text() != key->text()) {
+    } else if (const auto repeated = config->text(name);
+               repeated && repeated->text() != key->text()) {
         findings_.refuse(repeated->offset(),
                          "differs from the list key, which is " + excerpt(key->text()));
-        return {};
     }
     return key;
 }

@@ -45,7 +45,8 @@ public:
             if (node.isObject()) visit(node);
         }
     }
-    /// The key of a list entry, which its `config` must repeat. Nothing if it is refused.
+    /// Returns the key of a list entry, and refuses it where `config`, which may be missing, does
+    /// not repeat it. Nothing if there is no key.
     std::optional<JsonValue> listKey(std::string_view name,
                                      const std::optional<ModelNode>& config) const;
     /// The same for a key that names something in the database, and cannot be empty there.

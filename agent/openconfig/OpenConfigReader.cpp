@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <bitset>
+#include <span>
 #include <utility>
 
 #include "agent/database/Scalars.h"
 #include "agent/json/Excerpt.h"
+#include "agent/json/Suggestion.h"
 #include "platform/QosOc/Naming.h"
 
 namespace QosAgent {
@@ -20,13 +22,18 @@ constexpr std::uint64_t kMaxDscp = 63;
 constexpr const char* kOtherTypes = "classifiers of types other than IPV4 and IPV6";
 constexpr const char* kOtherFamily = "conditions of another family than the classifier's";
 
-/// What the model knows besides the types that are carried.
-constexpr std::string_view kOtherClassifierTypes[] = {"MPLS", "ETHERNET"};
-constexpr std::string_view kOtherAttachmentTypes[] = {"MPLS", "IPV4_MULTICAST", "IPV6_MULTICAST"};
+/// The types of the model, which the agent carries in part.
+constexpr std::string_view kClassifierTypes[] = {"IPV4", "IPV6", "MPLS", "ETHERNET"};
+constexpr std::string_view kAttachmentTypes[] = {"IPV4", "IPV6", "MPLS", "IPV4_MULTICAST",
+                                                 "IPV6_MULTICAST"};
 
-template <class Names>
-bool isAmong(const Names& names, std::string_view name) {
-    return std::find(std::begin(names), std::end(names), name) != std::end(names);
+/// The fault of a type that the model does not have; empty if it has it.
+std::string typeFault(std::span<const std::string_view> known, std::string_view name) {
+    if (std::find(known.begin(), known.end(), name) != known.end()) return {};
+    std::string fault = "unknown type " + excerpt(name) + ", expected one of ";
+    for (const std::string_view type : known)
+        fault.append(type).append(type == known.back() ? "" : ", ");
+    return fault;
 }
 
 std::optional<Type> carriedType(std::string_view name) {
@@ -45,17 +52,29 @@ Type otherFamily(Type family) {
 
 }  // namespace
 
+bool isTopMember(std::string_view name) {
+    constexpr std::string_view known[] = {kTopMember};
+    return name.starts_with(kModule) || name == kTopMember.substr(kModule.size()) ||
+           !suggestion(name, known).empty();
+}
+
 bool isOpenConfig(const JsonValue& document) {
     const auto members = document.members();
-    const bool isMeant =
-        members.begin() != members.end() && (*members.begin()).key.starts_with(kModule);
-    return isMeant || document.find(kTopMember);
+    const bool isEmpty = members.begin() == members.end();
+    return (!isEmpty && isTopMember((*members.begin()).key)) || document.find(kTopMember);
 }
 
 std::variant<OpenConfigDocument, Fault> OpenConfigReader::read(const JsonValue& document) {
     readTop(document);
-    if (findings_.fault()) return *findings_.fault();
+    if (strictness_ == Strictness::refuses) findings_.refuseWarnings();
+    if (!findings_.faults().empty()) return findings_.faults().found().front();
     return std::move(document_);
+}
+
+std::vector<Fault> OpenConfigReader::faults() const {
+    std::vector<Fault> sorted = findings_.faults().found();
+    std::ranges::stable_sort(sorted, {}, &Fault::offset);
+    return sorted;
 }
 
 void OpenConfigReader::readTop(const JsonValue& document) {
@@ -64,7 +83,7 @@ void OpenConfigReader::readTop(const JsonValue& document) {
     for (const JsonMember& member : document.members()) {
         if (member.key == kTopMember) {
             readQos(ModelNode(member.value, findings_));
-        } else if (member.key.starts_with(kModule) || member.key.find(':') == std::string::npos) {
+        } else if (isTopMember(member.key) || member.key.find(':') == std::string::npos) {
             // A top member has its module's prefix, and this module has but one.
             findings_.refuse(member.keyOffset, "unknown member " + excerpt(member.key) +
                                                    ", expected " + excerpt(kTopMember));
@@ -106,20 +125,26 @@ void OpenConfigReader::readClassifier(const ModelNode& entry) {
     if (document_.classifiers.contains(classifier.name) ||
         otherClassifiers_.contains(classifier.name))
         findings_.refuse(name->offset(), "a second classifier " + excerpt(name->text()));
-    if (const auto type = config->text("type")) {
-        classifier.type = carriedType(type->text());
-        if (!classifier.type) {
-            if (!isAmong(kOtherClassifierTypes, type->text()))
-                findings_.refuse(type->offset(), "unknown type " + excerpt(type->text()));
-            findings_.passOver(type->offset(), kOtherTypes);
-            otherClassifiers_.insert(classifier.name);
-            return;
-        }
-    }
+    if (config && !readType(*config, classifier)) return;
     entry.carries({"name", "config", "terms"});
-    config->carries({"name", "type"});
+    if (config) config->carries({"name", "type"});
     entry.eachEntry("terms", "term", [&](const ModelNode& term) { readTerm(term, classifier); });
     document_.classifiers.add(std::move(classifier));
+}
+
+bool OpenConfigReader::readType(const ModelNode& config, ConfiguredClassifier& classifier) {
+    const auto type = config.text("type");
+    if (!type) return true;
+    classifier.type = carriedType(type->text());
+    if (classifier.type) return true;
+    otherClassifiers_.insert(classifier.name);
+    if (std::string fault = typeFault(kClassifierTypes, type->text()); fault.empty()) {
+        findings_.passOver(type->offset(), kOtherTypes);
+    } else {
+        findings_.refuse(type->offset(), std::move(fault));
+        unreadClassifiers_.insert(classifier.name);
+    }
+    return false;
 }
 
 void OpenConfigReader::readTerm(const ModelNode& entry, ConfiguredClassifier& classifier) {
@@ -158,7 +183,7 @@ void OpenConfigReader::readDscpSet(const JsonValue& list, Orin::Vector<std::uint
     std::bitset<kMaxDscp + 1> given;
     for (const JsonValue& element : list.elements()) {
         const auto dscp = readDscp(element);
-        if (!dscp) return;
+        if (!dscp) continue;
         if (given.test(*dscp))
             findings_.refuse(element.offset(), "a second value " + std::to_string(*dscp));
         given.set(*dscp);
@@ -223,12 +248,14 @@ void OpenConfigReader::readAttachment(const ModelNode& entry,
         findings_.refuse(type->offset(), "a second classifier of type " + excerpt(type->text()));
     const auto family = carriedType(type->text());
     if (!family) {
-        if (!isAmong(kOtherAttachmentTypes, type->text()))
-            findings_.refuse(type->offset(), "unknown type " + excerpt(type->text()));
-        findings_.passOver(type->offset(), kOtherTypes);
+        if (std::string fault = typeFault(kAttachmentTypes, type->text()); fault.empty())
+            findings_.passOver(type->offset(), kOtherTypes);
+        else
+            findings_.refuse(type->offset(), std::move(fault));
         return;
     }
     entry.carries({"type", "config"});
+    if (!config) return;
     config->carries({"type", "name"});
     const auto name = config->text("name");
     if (!name) return;
@@ -240,6 +267,8 @@ String OpenConfigReader::attachable(const JsonValue& name, Type family) {
     String classifierName = interner_(name.text());
     const ConfiguredClassifier* classifier = document_.classifiers.find(classifierName);
     if (classifier != nullptr && classifier->family() == family) return classifierName;
+    // The fault of its type says enough.
+    if (unreadClassifiers_.contains(classifierName)) return {};
     const bool isConfigured = classifier != nullptr || otherClassifiers_.contains(classifierName);
     findings_.refuse(name.offset(), "the classifier " + excerpt(name.text()) +
                                         (isConfigured ? " is of another type than its attachment"

@@ -10,18 +10,30 @@
 
 namespace QosAgent {
 
-/// Whether a document is meant as an OpenConfig configuration: its member at the top tells, even if
-/// it is misspelt.
+/// Returns whether a document is meant as an OpenConfig configuration: whether it has the member
+/// `openconfig-qos:qos`, or a name close to it as its first member (`qos`, a misspelt name), so
+/// that the reader can say what was expected.
 bool isOpenConfig(const JsonValue& document);
+/// Returns whether `name` is that member or close to it.
+bool isTopMember(std::string_view name);
+
+/// What becomes of a document that says something which the agent does not carry.
+enum class Strictness { warns, refuses };
 
 /// Reads an OpenConfig QoS configuration (RFC 7951), and checks of it all that the agent carries.
 /// What it passes can be applied as a whole. One reader reads one document.
 class OpenConfigReader {
 public:
-    explicit OpenConfigReader(Interner& interner) : interner_(interner) {}
+    /// The interner must outlive the reader, which keeps the first `mostFaults` faults.
+    explicit OpenConfigReader(Interner& interner, Strictness strictness = Strictness::warns,
+                              std::size_t mostFaults = 1)
+        : interner_(interner), strictness_(strictness), findings_(mostFaults) {}
 
-    /// What the document says, or why it is refused. The empty object configures nothing.
+    /// Returns what the document says, or the first fault found. The empty object configures
+    /// nothing.
     std::variant<OpenConfigDocument, Fault> read(const JsonValue& document);
+    /// Returns all faults that were kept, in ascending order of place.
+    std::vector<Fault> faults() const;
     /// What was passed over; in ascending order of place.
     std::vector<Warning> warnings() const { return findings_.warnings(); }
 
@@ -32,6 +44,8 @@ private:
     void readQos(const ModelNode& qos);
     void readGroup(const ModelNode& entry);
     void readClassifier(const ModelNode& entry);
+    /// Returns false if the classifier is passed over or refused for its type.
+    bool readType(const ModelNode& config, ConfiguredClassifier& classifier);
     void readTerm(const ModelNode& entry, ConfiguredClassifier& classifier);
     void readConditions(const ModelNode& term, Type family,
                         QosOc::Config::TermConditionsIpConfig& conditions);
@@ -45,10 +59,13 @@ private:
     Orin::String attachable(const JsonValue& name, Type family);
 
     Interner& interner_;
+    Strictness strictness_;
     Findings findings_;
     OpenConfigDocument document_;
     /// Classifiers of types that are not carried.
     std::unordered_set<Orin::String> otherClassifiers_;
+    /// Those among them whose type the model does not have.
+    std::unordered_set<Orin::String> unreadClassifiers_;
     std::unordered_set<std::string_view> interfaceIds_;
 };
 

@@ -3,9 +3,11 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <sstream>
+#include <system_error>
 
 #include "agent/host/InstalledFiles.h"
 #include "agent/json/Excerpt.h"
@@ -65,8 +67,14 @@ bool isStream(const std::string& input) {
     return input == "-" || input.ends_with(".jsonl");
 }
 
+/// Files of other names than `*.json` that the shell hands over as documents: standard input, and
+/// the output of a command in `<(COMMAND)`.
+bool isDescriptor(const std::string& input) {
+    return input == "/dev/stdin" || input.starts_with("/dev/fd/");
+}
+
 std::string inputFault(const std::string& input) {
-    if (isStream(input) || input.ends_with(".json")) return {};
+    if (isStream(input) || isDescriptor(input) || input.ends_with(".json")) return {};
     return "an input ends in .json or .jsonl, or is -, found " + excerpt(input);
 }
 
@@ -89,6 +97,14 @@ std::string formatFault(const std::string& text) {
     return "expected table, openconfig, entities or none, found " + excerpt(text);
 }
 
+/// The installed folder may be missing; one that somebody names must be there.
+std::string folderFault(const std::string& name) {
+    std::error_code error;
+    const bool isFolder = std::filesystem::is_directory(name, error);
+    if (error) return excerpt(name) + ": " + error.message();
+    return isFolder ? "" : excerpt(name) + " is not a directory";
+}
+
 CLI::Validator check(std::string (*fault)(const std::string&)) {
     return CLI::Validator([fault](std::string& text) { return fault(text); }, "");
 }
@@ -99,12 +115,14 @@ void describe(CLI::App& app, Given& given, Options& options) {
     app.footer(kHelpEnd);
     app.get_formatter()->column_width(25);
     app.add_option("INPUT", given.inputs,
-                   "A document (.json) or a change stream (.jsonl, or - for\n"
-                   "standard input); several are taken in order")
+                   "A document (.json, or /dev/stdin) or a change stream\n"
+                   "(.jsonl, or - for standard input); several are taken\n"
+                   "in order")
         ->type_name("");
     app.add_option("--plugin", given.plugin, "The plug-in's shared library")->type_name("FILE");
     app.add_option("--toggle-dir", given.toggleFolder, "The folder that holds QosOpenConfig.json")
-        ->type_name("DIR");
+        ->type_name("DIR")
+        ->check(check(folderFault));
     app.add_option("--output", given.format,
                    "What to print at the end: table (the default on\n"
                    "a terminal), openconfig (otherwise), entities or none")
@@ -125,6 +143,12 @@ void describe(CLI::App& app, Given& given, Options& options) {
         ->type_name("FILE");
     app.add_flag("--keep-going", options.keepsGoing,
                  "Report a bad change-stream line and go on with the next")
+        ->disable_flag_override();
+    app.add_flag("--strict", options.isStrict, "Refuse documents and lines that would be warned of")
+        ->disable_flag_override();
+    app.add_flag("--check", options.checksOnly,
+                 "Check the documents, report every fault (at most 20\n"
+                 "of a document), and apply nothing")
         ->disable_flag_override();
 }
 
@@ -200,6 +224,8 @@ std::variant<Options, ExitStatus> parseOptions(int argc, const char* const* argv
     try {
         app.parse(argc, argv);
         checkInputs(given.inputs);
+        if (options.checksOnly && std::ranges::all_of(given.inputs, isStream))
+            throw CLI::ValidationError("--check", "no document is given");
     } catch (const CLI::ParseError& answer) {
         if (answer.get_exit_code() == 0) return ExitStatus{print(app, answer)};
         report(refusal(kProgram, wordsFor(answer, app)));

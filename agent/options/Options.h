@@ -27,6 +27,8 @@ struct Options {
     std::vector<TraceSetting> traces;  ///< in the order given
     std::string traceFile;             ///< empty: standard error
     bool keepsGoing = false;
+    bool isStrict = false;  ///< what would be warned of is refused
+    bool checksOnly = false;
 };
 
 /// The command line was answered already, or refused: the program ends with this status.

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include "agent/output/Journal.h"
 #include "agent/output/Terminal.h"
 
 namespace QosAgent {
@@ -60,7 +61,10 @@ std::string oneLine(std::string_view text) {
 }
 
 void report(const Diagnostic& diagnostic) {
-    Output(STDERR_FILENO).line(diagnostic.line(terminalOn(STDERR_FILENO).hasColour));
+    std::string line = diagnostic.line(terminalOn(STDERR_FILENO).hasColour);
+    if (isJournal(STDERR_FILENO))
+        line.insert(0, diagnostic.kind == Kind::warning ? kJournalWarning : kJournalError);
+    Output(STDERR_FILENO).line(line);
 }
 
 bool reportFault(const Output& standardOutput) {

@@ -33,7 +33,8 @@ Diagnostic warning(std::string_view file, const TextPlace& place, std::string_vi
 /// The text with `?` for each control character, so that it stays on its line.
 std::string oneLine(std::string_view text);
 
-/// Writes the line to standard error, in colour if that is a terminal that has it.
+/// Writes the line to standard error: in colour if that is a terminal that has it, with its
+/// severity before it if that is the journal.
 void report(const Diagnostic& diagnostic);
 /// Reports that a write to standard output failed; false if none did.
 bool reportFault(const Output& standardOutput);

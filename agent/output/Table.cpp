@@ -6,9 +6,11 @@
 #include <numeric>
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-#include "agent/openconfig/SortedState.h"
+#include "agent/output/MatchText.h"
+#include "agent/output/NaturalOrder.h"
 #include "platform/Vex/Escape.h"
 
 namespace QosAgent {
@@ -21,20 +23,28 @@ using QosOc::Config::TermConditionsIpConfig;
 constexpr std::size_t kColumns = 5;
 constexpr std::size_t kGap = 2;
 constexpr std::size_t kMatchColumn = 3;
-/// Of the column of matches, which leaves room for names.
+/// A wider column of matches is folded to this width before any name is folded.
 constexpr std::size_t kMatchWidth = 24;
+/// No column is folded to less, even where the row does not fit then.
 constexpr std::size_t kLeastWidth = 8;
+/// Where nothing is folded, a wider cell moves what follows it and no other row: one name must not
+/// make every row as long as itself.
+constexpr std::size_t kAlignedWidth = 128;
 constexpr std::string_view kNothing = "-";
+constexpr std::string_view kNoClassifiers = "no classifier is published";
 constexpr std::string_view kBold = "\033[1m";
 constexpr std::string_view kPlain = "\033[0m";
 
 using Widths = std::array<std::size_t, kColumns>;
 
-constexpr Widths kWidest{SIZE_MAX, SIZE_MAX, SIZE_MAX, kMatchWidth, SIZE_MAX};
+/// Signs after which a text may go on in the next line.
+constexpr std::string_view kNameSigns = ",-_.:/ ";
+constexpr std::string_view kValueSigns = ", ";
 
 struct Cell {
     std::string text;
     std::size_t indent = 0;  ///< of the lines after the first
+    std::string_view signs = kNameSigns;
 };
 
 using Row = std::array<Cell, kColumns>;
@@ -62,85 +72,97 @@ std::string_view firstCharacters(std::string_view text, std::size_t count) {
     return text.substr(0, end);
 }
 
-/// What of the text fills a line of that width: up to a sign between words if there is one.
-std::string_view lineOf(std::string_view text, std::size_t width) {
+/// Returns the beginning of the text that fits a line of that width: up to the last of the signs,
+/// or as much as fits if there is none.
+std::string_view lineOf(std::string_view text, std::string_view signs, std::size_t width) {
     const std::string_view most = firstCharacters(text, width);
     if (most.size() == text.size()) return text;
-    const std::size_t sign = most.find_last_of(",-_.:/ ");
+    const std::size_t sign = most.find_last_of(signs);
     return sign == std::string_view::npos ? most : most.substr(0, sign + 1);
 }
 
 std::vector<std::string> linesOf(const Cell& cell, std::size_t width) {
-    std::vector<std::string> lines{std::string(lineOf(cell.text, width))};
+    std::vector<std::string> lines{std::string(lineOf(cell.text, cell.signs, width))};
     std::string_view rest = std::string_view(cell.text).substr(lines[0].size());
     const std::size_t indent = std::min(cell.indent, width / 2);
     while (!rest.empty()) {
-        const std::string_view line = lineOf(rest, width - indent);
+        const std::string_view line = lineOf(rest, cell.signs, width - indent);
         lines.push_back(std::string(indent, ' ').append(line));
         rest.remove_prefix(line.size());
     }
     return lines;
 }
 
-std::string valuesOf(const TermConditionsIpConfig& family) {
-    std::string values;
-    if (family.dscp) values = std::to_string(*family.dscp);
-    for (const std::uint8_t dscp : family.dscpSet)
-        values.append(values.empty() ? "" : ",").append(std::to_string(dscp));
+std::vector<std::uint8_t> valuesOf(const TermConditionsIpConfig& family) {
+    std::vector<std::uint8_t> values;
+    if (family.dscp) values.push_back(*family.dscp);
+    values.insert(values.end(), family.dscpSet.begin(), family.dscpSet.end());
     return values;
 }
 
-void appendFamily(std::vector<Cell>& matches, const std::string& title,
-                  const TermConditionsIpConfig& family) {
-    const std::string values = valuesOf(family);
-    if (!values.empty()) matches.push_back({title + values, title.size()});
+template <class Map>
+std::vector<const typename Map::Member*> naturallySorted(const Map& map) {
+    std::vector<const typename Map::Member*> members;
+    members.reserve(map.size());
+    for (const auto& member : map)
+        members.push_back(&member);
+    std::ranges::sort(members, naturallyBelow,
+                      [](const auto* member) { return member->key.view(); });
+    return members;
 }
 
-/// A family other than the classifier's own is named.
-std::vector<Cell> matchesOf(Type type, const std::optional<TermConditions>& conditions) {
-    std::vector<Cell> matches;
-    if (conditions) {
-        appendFamily(matches, type == Type::IPV4 ? "dscp " : "ipv4 dscp ", conditions->ipv4);
-        appendFamily(matches, type == Type::IPV6 ? "dscp " : "ipv6 dscp ", conditions->ipv6);
-    }
-    if (matches.empty()) matches.push_back(shown(""));
-    return matches;
+Cell matchOf(Type type, const std::optional<TermConditions>& conditions) {
+    if (!conditions) return shown("");
+    std::string text =
+        matchText(Vex::enumText(type), valuesOf(conditions->ipv4), valuesOf(conditions->ipv6));
+    if (text.empty()) return shown("");
+    const std::size_t indent = text.find(kDscpTitle) + kDscpTitle.size();
+    return {std::move(text), indent, kValueSigns};
 }
 
-void appendTerm(std::vector<Row>& rows, const QosOc::State::Classifier& classifier,
-                const QosOc::State::Term& term) {
+Row rowOf(const QosOc::State::Classifier& classifier, const QosOc::State::Term& term) {
     const Type type = classifier.state().type;
-    const std::vector<Cell> matches = matchesOf(type, term.conditions);
-    rows.push_back({shown(classifier.name()), shown(Vex::enumText(type)), shown(term.id),
-                    matches[0], shown(term.actions ? term.actions->targetGroup.view() : "")});
-    for (std::size_t i = 1; i < matches.size(); ++i)
-        rows.emplace_back()[kMatchColumn] = matches[i];
+    return {shown(classifier.name()), shown(Vex::enumText(type)), shown(term.id),
+            matchOf(type, term.conditions),
+            shown(term.actions ? term.actions->targetGroup.view() : "")};
 }
 
 void appendClassifier(std::vector<Row>& rows, const QosOc::State::Classifier& classifier) {
     const QosOc::State::Terms* terms = classifier.terms();
     if (terms != nullptr && !terms->term().empty()) {
-        for (const auto* member : sortedByKey(terms->term()))
-            appendTerm(rows, classifier, member->value);
+        for (const auto* member : naturallySorted(terms->term()))
+            rows.push_back(rowOf(classifier, member->value));
         return;
     }
     rows.push_back({shown(classifier.name()), shown(Vex::enumText(classifier.state().type)),
                     shown(""), shown(""), shown("")});
 }
 
-Widths widthsOf(const std::vector<Row>& rows) {
+/// How the rows are laid out: the columns' widths, and whether wider cells are folded to them.
+struct Layout {
+    Widths widths{};
+    bool folds = false;
+};
+
+Widths widthsOf(const std::vector<Row>& rows, std::size_t most) {
     Widths widths{};
     for (const Row& row : rows)
         for (std::size_t i = 0; i < kColumns; ++i)
-            for (const std::string& line : linesOf(row[i], kWidest[i]))
-                widths[i] = std::max(widths[i], widthOf(line));
+            if (const std::size_t width = widthOf(row[i].text); width <= most)
+                widths[i] = std::max(widths[i], width);
     return widths;
 }
 
-/// Takes from the widest column until the row fits, as long as that leaves columns to speak of.
+/// Narrows the columns until the row fits: the matches first, then the widest column each time.
 void fit(Widths& widths, std::size_t room) {
     const std::size_t gaps = kGap * (kColumns - 1);
     std::size_t total = std::accumulate(widths.begin(), widths.end(), gaps);
+    std::size_t& match = widths[kMatchColumn];
+    if (total > room && match > kMatchWidth) {
+        const std::size_t taken = std::min(match - kMatchWidth, total - room);
+        match -= taken;
+        total -= taken;
+    }
     for (; total > room; --total) {
         auto* const widest = std::max_element(widths.begin(), widths.end());
         if (*widest <= kLeastWidth) return;
@@ -155,38 +177,46 @@ std::string joined(const std::array<std::vector<std::string>, kColumns>& cells, 
     for (std::size_t i = 0; i < kColumns; ++i) {
         const std::string line = number < cells[i].size() ? cells[i][number] : "";
         joined += line;
-        joined.append(widths[i] - widthOf(line) + kGap, ' ');
+        const std::size_t width = widthOf(line);
+        joined.append(widths[i] - std::min(widths[i], width) + kGap, ' ');
     }
     joined.erase(joined.find_last_not_of(' ') + 1);
     return joined;
 }
 
-std::string textOf(const Row& row, const Widths& widths) {
+Layout layoutOf(const std::vector<Row>& rows, const Terminal& terminal) {
+    if (!terminal.isThere()) return {widthsOf(rows, kAlignedWidth), false};
+    Layout layout{widthsOf(rows, SIZE_MAX), true};
+    fit(layout.widths, terminal.columns);
+    return layout;
+}
+
+std::string textOf(const Row& row, const Layout& layout) {
     std::array<std::vector<std::string>, kColumns> cells;
     std::size_t height = 0;
     for (std::size_t i = 0; i < kColumns; ++i) {
-        cells[i] = linesOf(row[i], widths[i]);
+        cells[i] = linesOf(row[i], layout.folds ? layout.widths[i] : SIZE_MAX);
         height = std::max(height, cells[i].size());
     }
-    std::string text = joined(cells, 0, widths);
+    std::string text = joined(cells, 0, layout.widths);
     for (std::size_t number = 1; number < height; ++number)
-        text.append("\n").append(joined(cells, number, widths));
+        text.append("\n").append(joined(cells, number, layout.widths));
     return text;
 }
 
 }  // namespace
 
 std::string stateTable(const QosOc::State::ClassifiersDir& state, const Terminal& terminal) {
+    if (state.classifier().empty()) return std::string(kNoClassifiers);
     const Row head{{{"CLASSIFIER"}, {"TYPE"}, {"TERM"}, {"MATCH"}, {"TARGET GROUP"}}};
     std::vector<Row> rows{head};
-    for (const auto* member : sortedByKey(state.classifier()))
+    for (const auto* member : naturallySorted(state.classifier()))
         appendClassifier(rows, *member->value);
-    Widths widths = widthsOf(rows);
-    if (terminal.isThere()) fit(widths, terminal.columns);
-    std::string table = textOf(head, widths);
+    const Layout layout = layoutOf(rows, terminal);
+    std::string table = textOf(head, layout);
     if (terminal.hasColour) table.insert(0, kBold).append(kPlain);
     for (auto row = rows.begin() + 1; row != rows.end(); ++row)
-        table.append("\n").append(textOf(*row, widths));
+        table.append("\n").append(textOf(*row, layout));
     return table;
 }
 

@@ -53,7 +53,19 @@ const Verb* verbNamed(std::string_view name) {
     return at == std::end(Verb::all) ? nullptr : at;
 }
 
+constexpr std::string_view kDocumentHint =
+    "; a document is an INPUT of its own, FILE.json or /dev/stdin";
+
+/// Whether a line that breaks off there looks like the first of a document over several lines.
+bool beginsDocument(std::string_view line, const Fault& fault) {
+    const std::size_t last = line.find_last_not_of(" \t\r\n");
+    return fault.offset == line.size() && (line[last] == '{' || line[last] == '[');
+}
+
 std::string unknownOperation(std::string_view name) {
+    const auto isMounted = [name](const MountPoint& mount) { return mount.path == name; };
+    if (isTopMember(name) || std::ranges::any_of(mountPoints(), isMounted))
+        return "unknown operation " + excerpt(name).append(kDocumentHint);
     std::vector<std::string_view> known{"value"};
     for (const Verb& verb : Verb::all)
         known.push_back(verb.name);
@@ -127,7 +139,11 @@ std::optional<Fault> Operations::apply(std::string_view line, StreamOutput& outp
     if (isPassedOver(line)) return {};
     output_ = &output;
     const JsonResult json = parseJsonLine(line);
-    if (const auto* fault = std::get_if<Fault>(&json)) return *fault;
+    if (const auto* fault = std::get_if<Fault>(&json)) {
+        Fault refused = *fault;
+        if (beginsDocument(line, refused)) refused.message += kDocumentHint;
+        return refused;
+    }
     return applyOperation(std::get<Json>(json).root());
 }
 

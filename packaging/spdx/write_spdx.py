@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
 """Writes what qos-agent is built from, as an SPDX 2.3 document.
 
-    write_spdx.py VERSION FILE
+    write_spdx.py VERSION COMPILER FILE
 
-The parts stand in parts.json; their versions are those that this machine has. The document's date is
-that of the package's changelog, so that equal builds give equal documents.
+VERSION is the program's, COMPILER the major version of GCC. parts.json lists the parts; their
+versions are those of this machine's packages. What is used for tests and benches alone, and is not
+installed, was not used. The document's date is that of the package's changelog, so that equal builds
+give equal documents.
 """
 
 import email.utils
@@ -17,6 +19,7 @@ from pathlib import Path
 HERE = Path(__file__).resolve().parent
 CHANGELOG = HERE.parent / "debian/changelog"
 SELF = "SPDXRef-qos-agent"
+MAY_LACK = ("TEST_DEPENDENCY_OF", "DEV_DEPENDENCY_OF")
 
 
 def installed_version(package):
@@ -46,7 +49,7 @@ def package_of(name, version, license_name, **more):
 def part_of(part):
     locator = f"pkg:deb/debian/{part['package'].replace('+', '%2B')}"
     return package_of(
-        part["name"], installed_version(part["package"]), part["license"], comment=part["comment"],
+        part["name"], part["version"], part["license"], comment=part["comment"],
         externalRefs=[{"referenceCategory": "PACKAGE-MANAGER", "referenceType": "purl",
                        "referenceLocator": locator}])
 
@@ -57,8 +60,15 @@ def relation_of(package, relation):
     return {"spdxElementId": ends[0], "relationshipType": relation, "relatedSpdxElement": ends[1]}
 
 
-def document(version):
+def parts_of_build(compiler):
     parts = json.loads((HERE / "parts.json").read_text(encoding="utf-8"))
+    for part in parts:
+        part["package"] = part["package"].format(compiler=compiler)
+        part["version"] = installed_version(part["package"])
+    return [part for part in parts if part["version"] or part["relation"] not in MAY_LACK]
+
+
+def document(version, parts):
     packages = [part_of(part) for part in parts]
     return {
         "spdxVersion": "SPDX-2.3", "dataLicense": "CC0-1.0", "SPDXID": "SPDXRef-DOCUMENT",
@@ -76,8 +86,9 @@ def document(version):
 
 
 def main():
-    version, file = sys.argv[1:]
-    Path(file).write_text(json.dumps(document(version), indent=2) + "\n", encoding="utf-8")
+    version, compiler, file = sys.argv[1:]
+    made = document(version, parts_of_build(compiler))
+    Path(file).write_text(json.dumps(made, indent=2) + "\n", encoding="utf-8")
 
 
 if __name__ == "__main__":

@@ -16,7 +16,7 @@ class Vector {
     static_assert(std::is_trivially_copyable_v<T>);
 
 public:
-    static constexpr std::uint32_t kInline = sizeof(T*) / sizeof(T);
+    static constexpr std::uint32_t kInline = sizeof(std::uint64_t) / sizeof(T);
 
     Vector() noexcept = default;
     Vector(std::initializer_list<T> values) { assign(values.begin(), values.size()); }

@@ -82,10 +82,16 @@ class File:
                 outcomes - len(self.missed_outcomes()), outcomes)
 
 
+def newest(program):
+    script = Path(__file__).resolve().parents[2] / "scripts/clang"
+    return subprocess.run([script, program], check=True, capture_output=True,
+                          text=True).stdout.strip()
+
+
 def measured(source, build):
     """The files of the tree by name."""
     profile = build / "tests.profdata"
-    subprocess.run(["llvm-profdata-14", "merge", "-sparse", "-o", profile,
+    subprocess.run([newest("llvm-profdata"), "merge", "-sparse", "-o", profile,
                     *(build / "profiles").glob("*.profraw")], check=True)
     binaries = [*sorted((build / "bin").glob("*.so")), build / "bin/qos-agent",
                 *sorted((build / "tests").glob("*_tests"))]
@@ -100,7 +106,7 @@ def measured(source, build):
 
 
 def llvm_cov(arguments):
-    return subprocess.run(["llvm-cov-14", *arguments], check=True, stdout=subprocess.PIPE,
+    return subprocess.run([newest("llvm-cov"), *arguments], check=True, stdout=subprocess.PIPE,
                           stderr=subprocess.DEVNULL, text=True).stdout
 
 

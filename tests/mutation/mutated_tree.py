@@ -15,7 +15,8 @@ from schemata import Written
 from sites import Sites
 
 HERE = Path(__file__).resolve().parent
-COMPILER = "clang++-14"
+COMPILER = subprocess.run([HERE.parents[1] / "scripts/clang", "clang++"], check=True, capture_output=True,
+                          text=True).stdout.strip()
 FLAGS = ("-O0 -w -Wno-c++11-narrowing -ferror-limit=0 -ftemplate-backtrace-limit=0"
          " -fbracket-depth=2048 -mllvm -asan-globals=0")
 DIAGNOSTIC = re.compile(r"^(\S+?):(\d+):(\d+): (fatal error|error|note): (.*)", re.MULTILINE)

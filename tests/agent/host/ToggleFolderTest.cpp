@@ -25,7 +25,7 @@ protected:
 };
 
 TEST_F(ToggleFolderTest, readsTheStateOfAToggleAtEachCall) {
-    const ToggleFolder toggles(folder.path());
+    ToggleFolder toggles(folder.path());
     write(R"({"a":true,"b":false})");
     EXPECT_TRUE(toggles.state("a", kFile, false));
     EXPECT_FALSE(toggles.state("b", kFile, true));
@@ -39,6 +39,18 @@ TEST_F(ToggleFolderTest, fallsBackWhereNothingIsSaid) {
     EXPECT_TRUE(ToggleFolder("").state("a", kFile, true));
     write(R"({"b":true})");
     EXPECT_FALSE(ToggleFolder(folder.path()).state("a", kFile, false));
+}
+
+TEST_F(ToggleFolderTest, warnsOnceOfEachToggleThatIsOff) {
+    ToggleFolder toggles(folder.path());
+    write(R"({"a":false,"b":false,"c":true})");
+    ::testing::internal::CaptureStderr();
+    for (const char* toggle : {"a", "a", "b", "c", "absent"})
+        toggles.state(toggle, kFile, false);
+    const std::string warning = (folder / kFile).string() + ": warning: the toggle ";
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              warning + "\"a\" is off: what it enables does not run\n" + warning +
+                  "\"b\" is off: what it enables does not run\n");
 }
 
 TEST_F(ToggleFolderTest, refusesMalformedFilesWithTheirPlace) {

@@ -39,5 +39,29 @@ TEST(ExcerptTest, describesAByte) {
     EXPECT_EQ(describeByte('\xff'), "byte 0xff");
 }
 
+TEST(ExcerptTest, showsAllOfAShortLineAroundAPlace) {
+    const std::string line(160, 'x');
+    for (const std::size_t offset : {0, 80, 160})
+        EXPECT_EQ(excerptAround(line, offset), line);
+    EXPECT_EQ(excerptAround("", 0), "");
+}
+
+TEST(ExcerptTest, showsAWindowOfALongLineAroundAPlace) {
+    const std::string line = std::string(200, 'a') + '!' + std::string(200, 'b');
+    EXPECT_EQ(excerptAround(line, 0), std::string(160, 'a') + "...");
+    EXPECT_EQ(excerptAround(line, 200),
+              "..." + std::string(60, 'a') + '!' + std::string(99, 'b') + "...");
+    EXPECT_EQ(excerptAround(line, 401), "..." + std::string(160, 'b'));
+}
+
+TEST(ExcerptTest, cutsAroundAPlaceBetweenCharacters) {
+    std::string line = "x";
+    for (int i = 0; i < 200; ++i)
+        line += "\xc3\xa9";
+    const std::string shown = excerptAround(line, 200);
+    EXPECT_TRUE(shown.starts_with("...\xc3\xa9")) << shown;
+    EXPECT_TRUE(shown.ends_with("\xc3\xa9...")) << shown;
+}
+
 }  // namespace
 }  // namespace QosAgent

@@ -280,6 +280,8 @@ TEST_F(OpenConfigReaderTest, refusesATopMemberThatTheModuleDoesNotHave) {
     expectRefused(R"({@"openconfig-qos:qoss":{}})",
                   R"(unknown member "openconfig-qos:qoss")" + expected);
     expectRefused(R"({"openconfig-qos:qos":{},@"qos":{}})", R"(unknown member "qos")" + expected);
+    expectRefused(R"({@"openconfig_qos:qos":{}})",
+                  R"(unknown member "openconfig_qos:qos")" + expected);
 }
 
 TEST_F(OpenConfigReaderTest, refusesWhatIsNoObject) {
@@ -396,14 +398,15 @@ TEST_F(OpenConfigReaderTest, refusesATargetGroupThatIsNotConfigured) {
 
 TEST_F(OpenConfigReaderTest, refusesATypeThatTheModelDoesNotHave) {
     expectRefused(qos(classifiers(entry("name", "C", "", R"("type":@"IPV5")"))),
-                  R"(unknown type "IPV5")");
+                  R"(unknown type "IPV5", expected one of IPV4, IPV6, MPLS, ETHERNET)");
     expectRefused(qos(classifiers(entry("name", "C", "", R"("type":@"IPV4_MULTICAST")"))),
-                  R"(unknown type "IPV4_MULTICAST")");
+                  R"(unknown type "IPV4_MULTICAST", expected one of IPV4, IPV6, MPLS, ETHERNET)");
     expectRefused(qos(classifiers(entry("name", "C", "", R"("type":@4)"))),
                   "expected a string, found a number");
     expectRefused(
         qos(interfaces(interface("1", R"({"type":@"ETHERNET","config":{"type":"ETHERNET"}})"))),
-        R"(unknown type "ETHERNET")");
+        R"(unknown type "ETHERNET", expected one of IPV4, IPV6, MPLS, IPV4_MULTICAST, )"
+        "IPV6_MULTICAST");
 }
 
 TEST_F(OpenConfigReaderTest, refusesAnAttachedClassifierThatIsNotConfigured) {

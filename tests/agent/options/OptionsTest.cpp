@@ -27,17 +27,20 @@ TEST(OptionsTest, tellsDocumentsFromStreams) {
 }
 
 TEST(OptionsTest, readsAllOptions) {
-    const Options given = options({"--plugin", "p.so", "--toggle-dir", "t", "--output", "entities",
-                                   "--follow", "--machines", "--trace", "A/0", "--trace", "*/9",
-                                   "--trace-file", "f", "--keep-going", "a.json"});
+    const Options given =
+        options({"--plugin", "p.so", "--toggle-dir", "/", "--output", "entities", "--follow",
+                 "--machines", "--trace", "A/0", "--trace", "*/9", "--trace-file", "f",
+                 "--keep-going", "--strict", "--check", "a.json"});
     EXPECT_EQ(given.pluginFile, "p.so");
-    EXPECT_EQ(given.toggleFolder, "t");
+    EXPECT_EQ(given.toggleFolder, "/");
     EXPECT_EQ(given.output, OutputFormat::entities);
     EXPECT_TRUE(given.follows);
     EXPECT_TRUE(given.showsMachines);
     EXPECT_EQ(given.traces, (std::vector<TraceSetting>{{"A", 0}, {"*", 9}}));
     EXPECT_EQ(given.traceFile, "f");
     EXPECT_TRUE(given.keepsGoing);
+    EXPECT_TRUE(given.isStrict);
+    EXPECT_TRUE(given.checksOnly);
     EXPECT_EQ(given.documents, std::vector<std::string>{"a.json"});
 }
 
@@ -53,6 +56,8 @@ TEST(OptionsTest, asksForNothingByDefault) {
     EXPECT_FALSE(given.follows);
     EXPECT_FALSE(given.showsMachines);
     EXPECT_FALSE(given.keepsGoing);
+    EXPECT_FALSE(given.isStrict);
+    EXPECT_FALSE(given.checksOnly);
     EXPECT_TRUE(given.traces.empty());
     EXPECT_TRUE(given.traceFile.empty());
 }

@@ -14,50 +14,62 @@ std::string tableOf(const std::string& classifiers, const Terminal& terminal = {
                       terminal);
 }
 
-TEST(TableTest, hasARowForEachTermInOrder) {
+TEST(TableTest, hasARowForEachTermInNaturalOrder) {
     EXPECT_EQ(tableOf(R"({"voice":{"state":{"type":"IPV6"},"terms":{"term":{
-        "t2":{"conditions":{"ipv6":{"dscp":46}},"actions":{"targetGroup":"gold"}},
-        "t1":{"conditions":{"ipv4":{"dscp":1},"ipv6":{"dscpSet":[10,12]}}}}}},
+        "t10":{"conditions":{"ipv6":{"dscp":46}},"actions":{"targetGroup":"gold"}},
+        "t2":{"conditions":{"ipv4":{"dscp":1},"ipv6":{"dscpSet":[11,7]}}}}}},
         "data":{}})"),
-              "CLASSIFIER  TYPE  TERM  MATCH        TARGET GROUP\n"
-              "data        IPV4  -     -            -\n"
-              "voice       IPV6  t1    ipv4 dscp 1  -\n"
-              "                        dscp 10,12\n"
-              "voice       IPV6  t2    dscp 46      gold");
+              "CLASSIFIER  TYPE  TERM  MATCH                   TARGET GROUP\n"
+              "data        IPV4  -     -                       -\n"
+              "voice       IPV6  t2    ipv4 dscp 1; dscp 11,7  -\n"
+              "voice       IPV6  t10   dscp 46(EF)             gold");
 }
 
-TEST(TableTest, hasOnlyItsHeadWhenTheTreeIsEmpty) {
-    EXPECT_EQ(tableOf("{}"), "CLASSIFIER  TYPE  TERM  MATCH  TARGET GROUP");
-}
-
-TEST(TableTest, goesOnInTheNextLineWithALongSet) {
-    EXPECT_EQ(tableOf(R"({"C":{"terms":{"term":{"T":{"conditions":{"ipv4":
-        {"dscpSet":[10,11,12,13,14,15,16,17,18]}}}}}}})"),
-              "CLASSIFIER  TYPE  TERM  MATCH                    TARGET GROUP\n"
-              "C           IPV4  T     dscp 10,11,12,13,14,15,  -\n"
-              "                             16,17,18");
+TEST(TableTest, saysThatTheTreeIsEmpty) {
+    EXPECT_EQ(tableOf("{}"), "no classifier is published");
 }
 
 constexpr const char* kLongNames = R"({"edge-of-the-north-in":{"terms":{"term":{"voice":{
-    "conditions":{"ipv4":{"dscpSet":[40,41,42,43,44,45,46]},"ipv6":{"dscp":1}},
+    "conditions":{"ipv4":{"dscpSet":[41,43,45,47,49,51,53,55,57]},"ipv6":{"dscp":1}},
     "actions":{"targetGroup":"expedited-forwarding"}}}}}})";
 
-TEST(TableTest, givesNamesAllTheRoomTheyWantWhereThereIsNoTerminal) {
+TEST(TableTest, foldsNothingWhereThereIsNoTerminal) {
     EXPECT_EQ(tableOf(kLongNames),
-              "CLASSIFIER            TYPE  TERM   MATCH                    TARGET GROUP\n"
-              "edge-of-the-north-in  IPV4  voice  dscp 40,41,42,43,44,45,  expedited-forwarding\n"
-              "                                        46\n"
-              "                                   ipv6 dscp 1");
-    const std::string name(10'000, 'n');
-    EXPECT_NE(tableOf("{\"" + name + "\":{}}").find('\n' + name + "  IPV4"), std::string::npos);
+              "CLASSIFIER            TYPE  TERM   MATCH                                       "
+              "  TARGET GROUP\n"
+              "edge-of-the-north-in  IPV4  voice  dscp 41,43,45,47,49,51,53,55,57; ipv6 dscp 1"
+              "  expedited-forwarding");
+}
+
+TEST(TableTest, foldsNothingThatATerminalHasRoomFor) {
+    EXPECT_EQ(tableOf(kLongNames, {.columns = 104}), tableOf(kLongNames));
+}
+
+TEST(TableTest, alignsNoRowWithANameOfUnusualLength) {
+    const std::string name(129, 'n');
+    EXPECT_EQ(tableOf("{\"" + name + "\":{},\"C\":{}}"),
+              "CLASSIFIER  TYPE  TERM  MATCH  TARGET GROUP\n"
+              "C           IPV4  -     -      -\n" +
+                  name + "  IPV4  -     -      -");
+    EXPECT_TRUE(tableOf("{\"" + name.substr(1) + "\":{},\"C\":{}}")
+                    .ends_with("\n" + name.substr(1) + "  IPV4  -     -      -"));
+}
+
+TEST(TableTest, foldsSetsBeforeNames) {
+    EXPECT_EQ(tableOf(kLongNames, {.columns = 90}),
+              "CLASSIFIER            TYPE  TERM   MATCH                              TARGET GROUP\n"
+              "edge-of-the-north-in  IPV4  voice  dscp 41,43,45,47,49,51,53,55,57;   "
+              "expedited-forwarding\n"
+              "                                        ipv6 dscp 1");
 }
 
 TEST(TableTest, foldsNamesAndSetsWhereATerminalIsTooNarrow) {
     EXPECT_EQ(tableOf(kLongNames, {.columns = 64}),
               "CLASSIFIER       TYPE  TERM   MATCH             TARGET GROUP\n"
-              "edge-of-the-     IPV4  voice  dscp 40,41,42,    expedited-\n"
-              "north-in                           43,44,45,46  forwarding\n"
-              "                              ipv6 dscp 1");
+              "edge-of-the-     IPV4  voice  dscp 41,43,45,    expedited-\n"
+              "north-in                           47,49,51,    forwarding\n"
+              "                                   53,55,57;\n"
+              "                                   ipv6 dscp 1");
 }
 
 TEST(TableTest, leavesEachColumnEightCharacters) {

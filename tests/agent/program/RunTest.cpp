@@ -141,10 +141,13 @@ TEST_F(RunTest, printsMachinesAsJson) {
 }
 
 TEST_F(RunTest, showsNoMachinesWhenTheToggleIsOff) {
-    file("QosOpenConfig.json", R"({"OCQosClassifierStatePath":false})");
-    EXPECT_EQ(run({"--toggle-dir", path(""), "--machines", "--output", "none", document(), "-"},
-                  R"({"print":"machines"})"),
-              (Ended{0, "[]\n", ""}));
+    const std::string toggles = file("QosOpenConfig.json", R"({"OCQosClassifierStatePath":false})");
+    const std::filesystem::path folder = std::filesystem::path(toggles).parent_path();
+    EXPECT_EQ(run({"--toggle-dir", folder, "--machines", "--output", "none", document(), "-"},
+                  "{\"print\":\"machines\"}\n{\"restart\":\"ClassifierStateSmPlugin\"}"),
+              (Ended{0, "[]\n",
+                     toggles + ": warning: the toggle \"OCQosClassifierStatePath\" is off: what it "
+                               "enables does not run\n"}));
 }
 
 TEST_F(RunTest, restartsThePluginOverTheSameDatabase) {
@@ -189,6 +192,17 @@ TEST_F(RunTest, refusesAConfigurationWhoseTopMemberIsMisspelt) {
     const std::string bad = file("bad.json", R"({"openconfig-qos:qso":{}})");
     expectRefused(
         {bad}, bad + R"(:1:2: unknown member "openconfig-qos:qso", expected "openconfig-qos:qos")");
+    const std::string bare = file("bare.json", R"({"qos":{}})");
+    expectRefused({bare}, bare + R"(:1:2: unknown member "qos", expected "openconfig-qos:qos")");
+}
+
+TEST_F(RunTest, takesADocumentFromADescriptor) {
+    for (const char* name : {"/dev/stdin", "/dev/fd/0"})
+        EXPECT_EQ(run({"--output", "table", name}, kDocument),
+                  (Ended{0,
+                         "CLASSIFIER  TYPE  TERM  MATCH  TARGET GROUP\n"
+                         "voice       IPV6  -     -      -\n",
+                         ""}));
 }
 
 TEST_F(RunTest, stopsAtTheFirstBadLine) {
@@ -239,6 +253,15 @@ TEST_F(RunTest, refusesMalformedToggleFiles) {
                   toggles + ":2:1: expected true or false, found a number");
 }
 
+TEST_F(RunTest, refusesAToggleFolderThatIsNone) {
+    const std::string none = path("none");
+    expectRefused({"--toggle-dir", none},
+                  "qos-agent: --toggle-dir: \"" + none + "\": No such file or directory");
+    const std::string text = file("text", "");
+    expectRefused({"--toggle-dir", text},
+                  "qos-agent: --toggle-dir: \"" + text + "\" is not a directory");
+}
+
 TEST_F(RunTest, refusesTraceFilesThatCannotBeWritten) {
     expectRefused({"--trace-file", path("no/t")}, path("no/t") + ": No such file or directory");
 }
@@ -250,6 +273,38 @@ TEST_F(RunTest, reportsAFailedWrite) {
         EXPECT_EQ(ended.status, 2) << option;
         EXPECT_EQ(ended.err, "standard output: No space left on device\n") << option;
     }
+}
+
+TEST_F(RunTest, repeatsARefusedLineThatCameThroughAPipe) {
+    int ends[2];
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    const std::string line = "{\"echo\":\t1}\n";
+    ASSERT_EQ(::write(ends[1], line.data(), line.size()), static_cast<ssize_t>(line.size()));
+    ::close(ends[1]);
+    const pid_t child = start({"--output", "none", "-"}, ends[0]);
+    ::close(ends[0]);
+    const Ended ended = end(child);
+    EXPECT_EQ(ended.status, 2);
+    EXPECT_TRUE(std::regex_match(
+        ended.err, std::regex(R"(-:1:10: expected a string, found a number in: \{"echo":.*1\}\n)")))
+        << ended;
+}
+
+TEST_F(RunTest, putsSeveritiesBeforeLinesForTheJournal) {
+    const std::string journal = file("err", "");
+    struct stat status {};
+    ASSERT_EQ(::stat(journal.c_str(), &status), 0);
+    const std::string stream = std::to_string(status.st_dev) + ':' + std::to_string(status.st_ino);
+    const std::string lines = "{\"openconfig\":{\"x:y\":1}}\n{\"echo\":1}\n";
+    ::setenv("JOURNAL_STREAM", stream.c_str(), 1);
+    EXPECT_EQ(run({"-"}, lines).err,
+              "<4>-:1:16: warning: passed over: x:y\n"
+              "<3>-:2:9: expected a string, found a number\n");
+    ::setenv("JOURNAL_STREAM", (stream + '0').c_str(), 1);
+    EXPECT_EQ(run({"-"}, lines).err,
+              "-:1:16: warning: passed over: x:y\n"
+              "-:2:9: expected a string, found a number\n");
+    ::unsetenv("JOURNAL_STREAM");
 }
 
 TEST_F(RunTest, printsItsResultsWhenASignalStopsAStream) {

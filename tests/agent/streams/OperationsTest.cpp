@@ -46,6 +46,16 @@ TEST_F(OperationsTest, refusesWhatIsNoOperation) {
     expectRefused(R"({"echo":"a"} @{})", "expected the end of the text, found '{'");
 }
 
+TEST_F(OperationsTest, tellsHowToGiveADocument) {
+    const std::string hint = "; a document is an INPUT of its own, FILE.json or /dev/stdin";
+    for (const std::string name : {"openconfig-qos:qos", "qos", "qos/status"})
+        expectRefused("{@\"" + name + "\":{}}", "unknown operation \"" + name + '"' + hint);
+    expectRefused("{ @", "expected a key or '}', found the end of the text" + hint);
+    expectRefused(R"({"openconfig-qos:qos": {@)",
+                  "expected a key or '}', found the end of the text" + hint);
+    expectRefused(R"({"delete":@)", "expected a value, found the end of the text");
+}
+
 TEST_F(OperationsTest, refusesAValueWhereNoneBelongs) {
     for (const char* verb : {"delete", "touch", "openconfig", "print", "echo", "restart", "follow"})
         expectRefused(std::string("{\"") + verb + R"(":"a",@"value":1})",

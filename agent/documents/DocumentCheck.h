@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+#include "agent/database/Database.h"
+#include "agent/documents/DocumentFile.h"
+#include "agent/openconfig/OpenConfigReader.h"
+
+namespace QosAgent {
+
+/// Checks documents one by one and applies nothing.
+class DocumentCheck {
+public:
+    /// No more faults of one document are reported.
+    static constexpr std::size_t kMostFaults = 20;
+
+    explicit DocumentCheck(Strictness strictness) : strictness_(strictness) {}
+
+    /// Reads a document and reports all of its faults and warnings on standard error; of broken
+    /// JSON, the first fault alone. Returns whether it has no fault.
+    bool check(const std::string& name);
+
+private:
+    bool checkState(const DocumentFile& document);
+    bool checkConfiguration(const DocumentFile& document);
+
+    Database database_;  ///< empty: it knows the subtrees
+    Strictness strictness_;
+};
+
+}  // namespace QosAgent

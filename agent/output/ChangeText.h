@@ -1,0 +1,51 @@
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "agent/json/Json.h"
+
+namespace QosAgent {
+
+/// Rewrites followed changes for people, one short line each: the time, the classifier, the term,
+/// what was there and what is there now.
+///
+///     12:31:05.123Z edge: absent -> IPV4
+///     12:31:05.124Z edge voice: dscp 46(EF) -> dscp 46(EF), group gold
+///
+/// Reads nothing but change-stream lines, so that a client of another agent can use it too. Keeps
+/// what it has read of the state, to know what was there.
+class ChangeText {
+public:
+    using Time = std::chrono::system_clock::time_point;
+
+    /// Sets what is there at the beginning: the state tree as `print` `state` writes it.
+    void stateIs(const JsonValue& state);
+
+    /// Returns the text of a change, an `update` or `delete` as `--follow=json` writes it. A line
+    /// of any other kind, such as the answer to a `print`, is returned as it is.
+    std::string textOf(std::string_view line, Time now);
+
+private:
+    struct Classifier {
+        std::string type;                          ///< empty: none was published yet
+        std::map<std::string, std::string> terms;  ///< what each holds, in words
+    };
+    /// Where a change took place, below the state tree. Names are those of the database.
+    struct Place {
+        std::string classifier;
+        bool isTerms = false;
+        std::string term;  ///< empty: the classifier, or all of its terms
+    };
+
+    static bool placeOf(std::string_view path, Place& place);
+    std::string updated(const Place& place, const JsonValue& value);
+    std::string removed(const Place& place);
+
+    std::unordered_map<std::string, Classifier> classifiers_;
+};
+
+}  // namespace QosAgent
