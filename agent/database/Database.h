@@ -3,6 +3,7 @@
 #include <string_view>
 #include <vector>
 
+#include "agent/database/InputChanges.h"
 #include "agent/database/Interner.h"
 #include "agent/database/Mounts.h"
 #include "platform/Strata/EntityManager.h"
@@ -34,11 +35,14 @@ public:
     const Subtree& stateTree() const;
     /// For all texts that enter the database.
     Interner& interner() { return interner_; }
+    /// Where every writer of the inputs reports, and others listen.
+    InputChanges& inputChanges() { return inputChanges_; }
 
 private:
     Orin::Ptr<Strata::EntityManager> entityManager_;
     std::vector<Subtree> subtrees_;
     Interner interner_;
+    InputChanges inputChanges_;
 };
 
 }  // namespace QosAgent

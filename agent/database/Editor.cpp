@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "agent/database/Scalars.h"
@@ -62,19 +63,6 @@ std::vector<Value> ascendingKeys(const TypedNode& node, const AttributeRecord& a
     return keys;
 }
 
-/// Removes the members that the patch, which is for the whole collection, does not mention.
-void removeOtherMembers(TypedNode& node, const AttributeRecord& attribute,
-                        const std::optional<Patch>& patch, Interner& interner) {
-    std::vector<Value> kept;
-    if (patch)
-        patch->eachMember(*attribute.collection->key, interner,
-                          [&](const Value& key, const Patch&) { kept.push_back(key); });
-    std::sort(kept.begin(), kept.end(), keyBelow);
-    for (const Value& key : ascendingKeys(node, attribute))
-        if (!std::binary_search(kept.begin(), kept.end(), key, keyBelow))
-            attribute.collection->del(&node, key);
-}
-
 Value unset(const AttributeRecord& attribute) {
     return holdsEntities(attribute) ? Value(NodeRef())
                                     : defaultValue(*attribute.type, attribute.role, {});
@@ -131,21 +119,45 @@ std::optional<Spot> spotOf(const Path& path) {
 }  // namespace
 
 void Editor::update(const Path& path, const JsonValue& value) {
+    report_.begin(*path.subtree);
     patchEntity(*path.subtree->root, {}, Patch(path.steps, value, Patch::Mode::merge));
 }
 
 void Editor::replace(const Path& path, const JsonValue& value) {
+    report_.begin(*path.subtree);
     patchEntity(*path.subtree->root, {}, Patch(path.steps, value, Patch::Mode::replace));
+    if (report_.isWanted()) reportReplacedPart(path);
+}
+
+/// Within a value, what was replaced counts as removed and created, as it does everywhere else.
+void Editor::reportReplacedPart(const Path& path) {
+    if (!path.form.isMember && !path.form.isNullable) return;
+    const auto spot = path.steps.empty() ? std::nullopt : spotOf(path);
+    if (!spot || spot->inside.empty()) return;
+    Value whole = spot->read();
+    const Value* part = partOf(*spot->attribute->type, whole, spot->inside);
+    if (part == nullptr) return;
+    report_.begin(path, path.steps.size());
+    report_.removed();
+    report_.valueChanged(*path.form.type, {}, *part);
 }
 
 void Editor::remove(const Path& path) {
     const auto spot = spotOf(path);
     if (!spot) return;
-    if (spot->inside.empty()) return spot->remove();
-    Value value = spot->read();
-    if (value.isAbsent()) return;
+    const Value before = spot->read();
+    if (before.isAbsent()) return;
+    if (spot->inside.empty()) {
+        spot->remove();
+        report_.begin(path, path.steps.size());
+        if (before != spot->read()) report_.removed();
+        return;
+    }
+    Value value = before;
     removePart(*spot->attribute->type, value, spot->inside);
     spot->write(value);
+    report_.begin(path, path.steps.size() - spot->inside.size());
+    report_.valueChanged(*spot->attribute->type, before, value);
 }
 
 void Editor::touch(const Path& path) {
@@ -168,56 +180,68 @@ void Editor::patchEntity(TypedNode& node, const Keys& keys, const Patch& patch) 
 
 void Editor::patchAttribute(TypedNode& node, const Keys& keys, const AttributeRecord& attribute,
                             const Patch& patch) {
+    const ChangeReport::Below below(report_, attribute.name);
     if (attribute.collection != nullptr) return patchCollection(node, keys, attribute, patch);
     if (holdsEntities(attribute)) return patchChild(node, attribute, patch);
     if (attribute.write == nullptr) return;  // repeats a key, and agrees with it
-    attribute.write(&node, patched(*attribute.type, attribute.read(&node), patch, keys, interner_));
+    Value before = attribute.read(&node);
+    const Value after =
+        patched(*attribute.type, takenUnlessReported(before), patch, keys, interner_);
+    attribute.write(&node, after);
+    report_.valueChanged(*attribute.type, before, after);
 }
 
 void Editor::patchCollection(TypedNode& node, const Keys& keys, const AttributeRecord& attribute,
                              const Patch& patch) {
-    if (patch.replacesAll()) removeOtherMembers(node, attribute, patch, interner_);
-    patch.eachMember(*attribute.collection->key, interner_,
-                     [&](const Value& key, const Patch& inner) {
-                         if (progress_) progress_(inner.value().offset());
-                         patchMember(node, keys.under(key), attribute, key, inner);
-                     });
+    if (patch.replacesAll()) removeOtherMembers(node, attribute, patch);
+    const Vex::Type& keyType = *attribute.collection->key;
+    patch.eachMember(keyType, interner_, [&](const Value& key, const Patch& inner) {
+        if (progress_) progress_(inner.value().offset());
+        const ChangeReport::Below below(report_, keyType, key);
+        patchMember(node, keys.under(key), attribute, key, inner);
+    });
 }
 
 void Editor::patchMember(TypedNode& node, const Keys& keys, const AttributeRecord& attribute,
                          const Value& key, const Patch& patch) {
     const Vex::CollectionOps& members = *attribute.collection;
-    if (patch.replacesAll()) members.del(&node, key);
+    if (patch.replacesAll() && !members.del(&node, key).isAbsent()) report_.removed();
     if (holdsEntities(attribute)) return patchEntityMember(node, keys, attribute, key, patch);
-    members.put(&node, key,
-                patched(*attribute.type, members.get(&node, key), patch, keys, interner_));
+    Value before = members.get(&node, key);
+    const Value after =
+        patched(*attribute.type, takenUnlessReported(before), patch, keys, interner_);
+    members.put(&node, key, after);
+    report_.valueChanged(*attribute.type, before, after);
 }
 
 void Editor::patchEntityMember(TypedNode& node, const Keys& keys, const AttributeRecord& attribute,
                                const Value& key, const Patch& patch) {
     const Vex::CollectionOps& members = *attribute.collection;
-    if (patch.isNull()) {
-        members.put(&node, key, NodeRef());
-        return;
-    }
     const Value held = members.get(&node, key);
-    if (TypedNode* entity = entityIn(held))
-        patchEntity(*entity, keys, patch);
-    else
-        members.put(&node, key, built(*attribute.type->record, keys, patch));
+    TypedNode* entity = entityIn(held);
+    if (entity != nullptr && !patch.isNull()) return patchEntity(*entity, keys, patch);
+    const TypeRecord& type = *attribute.type->record;
+    members.put(&node, key, patch.isNull() ? NodeRef() : NodeRef(built(type, keys, patch)));
+    if (entity != nullptr)
+        report_.emptied(type);
+    else if (held.isAbsent() || !patch.isNull())
+        report_.created();
 }
 
 void Editor::patchChild(TypedNode& node, const AttributeRecord& attribute, const Patch& patch) {
-    if (patch.isNull()) {
-        attribute.write(&node, NodeRef());
-        return;
-    }
     const Value held = attribute.read(&node);
     TypedNode* child = entityIn(held);
-    if (child != nullptr && !patch.replacesAll())
-        patchEntity(*child, {}, patch);
-    else
-        attribute.write(&node, built(*attribute.type->record, {}, patch));
+    if (child != nullptr && !patch.isNull() && !patch.replacesAll())
+        return patchEntity(*child, {}, patch);
+    if (child != nullptr) report_.removed();
+    attribute.write(&node, patch.isNull() ? NodeRef() : built(*attribute.type->record, {}, patch));
+    if (!patch.isNull()) report_.created();
+}
+
+/// The value; copied only where a report will compare with it.
+Value Editor::takenUnlessReported(Value& value) const {
+    if (report_.isWanted()) return value;
+    return std::move(value);
 }
 
 NodeRef Editor::built(const TypeRecord& type, const Keys& keys, const Patch& patch) {
@@ -229,10 +253,34 @@ NodeRef Editor::built(const TypeRecord& type, const Keys& keys, const Patch& pat
 void Editor::removeOthers(TypedNode& node, const Patch& patch) {
     for (const AttributeRecord& attribute : node.typeData().attributes) {
         const auto inner = patch.of(attribute);
-        if (attribute.collection != nullptr)
-            removeOtherMembers(node, attribute, inner, interner_);
-        else if (attribute.write != nullptr && !inner)
+        const ChangeReport::Below below(report_, attribute.name);
+        if (attribute.collection != nullptr) {
+            removeOtherMembers(node, attribute, inner);
+        } else if (attribute.write != nullptr && !inner) {
+            const Value before = attribute.read(&node);
             attribute.write(&node, unset(attribute));
+            if (!holdsEntities(attribute))
+                report_.valueChanged(*attribute.type, before, attribute.read(&node));
+            else if (entityIn(before) != nullptr)
+                report_.removed();
+        }
+    }
+}
+
+/// Removes the members that the patch, which is for the whole collection, does not mention.
+void Editor::removeOtherMembers(TypedNode& node, const AttributeRecord& attribute,
+                                const std::optional<Patch>& patch) {
+    const Vex::Type& keyType = *attribute.collection->key;
+    std::vector<Value> kept;
+    if (patch)
+        patch->eachMember(keyType, interner_,
+                          [&](const Value& key, const Patch&) { kept.push_back(key); });
+    std::sort(kept.begin(), kept.end(), keyBelow);
+    for (const Value& key : ascendingKeys(node, attribute)) {
+        if (std::binary_search(kept.begin(), kept.end(), key, keyBelow)) continue;
+        const ChangeReport::Below below(report_, keyType, key);
+        attribute.collection->del(&node, key);
+        report_.removed();
     }
 }
 

@@ -2,18 +2,22 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <span>
 
+#include "agent/database/ChangeReport.h"
 #include "agent/database/Database.h"
 #include "agent/database/Patch.h"
 
 namespace QosAgent {
 
 /// Changes the database as text asks, through the type records alone. Expects what has been
-/// checked; publishes each change once, and only if something changed.
+/// checked; publishes each change once, and only if something changed. Reports what it did to
+/// `Database::inputChanges()`.
 class Editor {
 public:
-    explicit Editor(Database& database) : interner_(database.interner()) {}
+    explicit Editor(Database& database)
+        : interner_(database.interner()), report_(database.inputChanges()) {}
 
     /// Told where in the source text the next member of a collection stands.
     using Progress = std::function<void(std::size_t offset)>;
@@ -45,8 +49,14 @@ private:
                     const Patch& patch);
     Vex::NodeRef built(const Vex::TypeRecord& type, const Keys& keys, const Patch& patch);
     void removeOthers(Vex::TypedNode& node, const Patch& patch);
+    void removeOtherMembers(Vex::TypedNode& node, const Vex::AttributeRecord& attribute,
+                            const std::optional<Patch>& patch);
+
+    Vex::Value takenUnlessReported(Vex::Value& value) const;
+    void reportReplacedPart(const Path& path);
 
     Interner& interner_;
+    ChangeReport report_;
     Progress progress_;
 };
 
