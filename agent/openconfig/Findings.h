@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 #include "agent/json/Faults.h"
@@ -30,6 +30,25 @@ public:
     void refuseWarnings();
     /// The warning if it is the first of its kind, to be added to; else null. Valid until the next.
     Warning* passOver(std::size_t offset, const std::string& kind);
+    /// The same for a `state` container, wherever it is.
+    void passOverState(std::size_t offset);
+
+    /// While it lives, what is passed over is a condition of that term of that classifier: the
+    /// warning names the first such term, and counts them.
+    class OfTerm {
+    public:
+        OfTerm(Findings& findings, std::string_view classifier, std::string_view term);
+        OfTerm(const OfTerm&) = delete;
+        OfTerm& operator=(const OfTerm&) = delete;
+        ~OfTerm() { findings_.term_ = nullptr; }
+
+    private:
+        friend class Findings;
+        Findings& findings_;
+        std::string_view classifier_;
+        std::string_view term_;
+        std::size_t number_;
+    };
 
     /// In the order in which they were found.
     const Faults& faults() const { return faults_; }
@@ -37,9 +56,20 @@ public:
     std::vector<Warning> warnings() const;
 
 private:
+    struct Kind {
+        std::size_t warning;    ///< its place among the warnings
+        std::string firstTerm;  ///< empty: the kind is no condition of terms
+        std::size_t terms = 0;  ///< how many terms have it
+        std::size_t lastTerm = 0;
+    };
+
+    void count(Kind& kind) const;
+
     Faults faults_;
     std::vector<Warning> warnings_;
-    std::unordered_set<std::string> kinds_;
+    std::unordered_map<std::string, Kind> kinds_;
+    const OfTerm* term_ = nullptr;
+    std::size_t terms_ = 0;
 };
 
 }  // namespace QosAgent

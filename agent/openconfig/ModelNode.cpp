@@ -35,7 +35,7 @@ void ModelNode::carries(std::initializer_list<std::string_view> names) const {
         if (std::find(names.begin(), names.end(), name) != names.end()) continue;
         if (holdsNothing(member.value)) continue;
         if (name == kState) {
-            findings_.passOver(member.keyOffset, "state containers");
+            findings_.passOverState(member.keyOffset);
             continue;
         }
         if (Warning* first = findings_.passOver(member.keyOffset, pathOf(name)))

@@ -156,7 +156,10 @@ void OpenConfigReader::readTerm(const ModelNode& entry, ConfiguredClassifier& cl
     ConfiguredTerm term;
     term.id = interner_(id->text());
     term.objName = interner_(QosOc::configObjName(classifier.name, term.id));
-    readConditions(entry, classifier.family(), term.conditions);
+    {
+        const Findings::OfTerm ofTerm(findings_, classifier.name, term.id);
+        readConditions(entry, classifier.family(), term.conditions);
+    }
     term.targetGroup = readTargetGroup(entry);
     if (!classifier.terms.add(std::move(term)))
         findings_.refuse(id->offset(), "a second term " + excerpt(id->text()));

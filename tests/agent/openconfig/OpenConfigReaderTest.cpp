@@ -122,6 +122,9 @@ protected:
     std::vector<Warning> warnings_;
 };
 
+const std::string kFirstIsT =
+    R"(published as if matching DSCP alone; first in term "T" of classifier "C"))";
+
 TEST_F(OpenConfigReaderTest, takesTheEmptyObjectForNoConfiguration) {
     for (const char* text : {"{}", R"({"openconfig-qos:qos":{}})"}) {
         const OpenConfigDocument empty = document(text);
@@ -219,8 +222,9 @@ TEST_F(OpenConfigReaderTest, warnsOnceOfEachLeafItDoesNotCarryWithItsFirstPlace)
                                        "," + term("U", other))) +
             "," + interfaces(entry("interface-id", "1", R"(@"output":{"queues":{"queue":[1]}})"))),
         {"scheduler-policies", "forwarding-groups/forwarding-group/config/fabric-priority",
-         "classifiers/classifier/terms/term/conditions/l2",
-         "classifiers/classifier/terms/term/conditions/ipv4/config/protocol",
+         "classifiers/classifier/terms/term/conditions/l2 (in 2 terms, " + kFirstIsT,
+         "classifiers/classifier/terms/term/conditions/ipv4/config/protocol (in 1 term, " +
+             kFirstIsT,
          "classifiers/classifier/terms/term/actions/remark", "interfaces/interface/output"});
 }
 
@@ -242,7 +246,7 @@ TEST_F(OpenConfigReaderTest, warnsOnceOfConditionsOfTheOtherFamilyAndDoesNotChec
     const auto text =
         qos(classifiers(classifier("C", "IPV4", term("T", "@" + six) + "," + term("U", six)) + "," +
                         classifier("D", "IPV6", term("T", ipv4(R"("dscp":1)")))));
-    expectPassedOver(text, {"conditions of another family than the classifier's"});
+    expectPassedOver(text, {"conditions of another family than the classifier's (in 3 terms, " + kFirstIsT});
     const auto read = document(Marked(text).text);
     EXPECT_TRUE(read.classifiers.find("C")->terms.find("T")->conditions.empty());
 }
