@@ -64,10 +64,38 @@ void tellRule(AclSubConfig& rules, std::uint32_t sequence, bool isChanged) {
         rules.publishChange(AclSubConfig::kRuleIdBySequence.id, &sequence);
 }
 
+bool hasRule(const AclSubConfig& rules, AclType type, std::uint32_t sequence) {
+    const UniqueId id{sequence};
+    return type == AclType::ipv6 ? rules.ip6RuleById().find(id) != nullptr
+                                 : rules.ipRuleById().find(id) != nullptr;
+}
+
+Place placeOf(AclType type, const Orin::String& name) {
+    return {type == AclType::ipv6 ? Places::kIp6Lists : Places::kIpLists, name};
+}
+
+Place subPlaceOf(const Place& list) {
+    return list.part("aclSubConfig");
+}
+
+Place sequencePlaceOf(const Place& list, std::uint32_t sequence) {
+    return list.member("aclSubConfig/ruleIdBySequence", sequence);
+}
+
+Place rulePlaceOf(const Place& list, AclType type, std::uint32_t sequence) {
+    return list.member(
+        type == AclType::ipv6 ? "aclSubConfig/ip6RuleById" : "aclSubConfig/ipRuleById", sequence);
+}
+
+/// Stands for an entry of others that was null before the configuration made it a list.
+Place nullPlaceOf(const Place& list) {
+    return list.part("null");
+}
+
 }  // namespace
 
-AccessListWriter::AccessListWriter(Orin::Ptr<Acl::Input::Config> config, Found& found)
-    : config_(std::move(config)), found_(found) {}
+AccessListWriter::AccessListWriter(Orin::Ptr<Acl::Input::Config> config, Ownership& ownership)
+    : config_(std::move(config)), ownership_(ownership) {}
 
 void AccessListWriter::removeGoing(const Difference& difference) {
     eachTerm(difference.earlier, [&](const TermOfClassifier& earlier) {
@@ -83,14 +111,34 @@ void AccessListWriter::remove(const TermOfClassifier& earlier) {
     const auto* heldLists = config_->aclTypeConfig().find(type);
     if (heldLists == nullptr) return;
     const Orin::Ptr<AclTypeConfig> lists = *heldLists;
-    if (!found_.release(*lists, name)) {
+    const auto* held = lists->aclConfig().find(name);
+    if (held == nullptr) return;
+    const Orin::Ptr<AclConfig> list = *held;
+    const Place place = placeOf(type, name);
+    if (ownership_.leave(place))
         lists->aclConfigDel(name);
+    else if (list)
+        removeParts(*lists, *list, place, earlier.term->dscpValues());
+}
+
+void AccessListWriter::removeParts(AclTypeConfig& lists, AclConfig& list, const Place& place,
+                                   const Values& earlier) {
+    const Place sub = subPlaceOf(place);
+    const bool isListOwn =
+        !ownership_.isOthers(place) && !ownership_.isOthers(sub) && !ownership_.holdsOthers(sub);
+    if (isListOwn && ownership_.isOthers(nullPlaceOf(place))) {
+        ownership_.forget(place);
+        ownership_.noteOthers(place);
+        ownership_.changed(place);
+        lists.aclConfigIs(list.aclName(), nullptr);
         return;
     }
-    const auto* held = lists->aclConfig().find(name);
-    if (held == nullptr || !*held || !(*held)->aclSubConfig()) return;
-    changeRules(*Orin::Ptr<AclSubConfig>((*held)->aclSubConfig()), type, earlier.term->dscpValues(),
-                {});
+    const auto rules = list.aclSubConfig();
+    if (!rules) return;
+    if (ownership_.leave(sub))
+        list.aclSubConfigIs(nullptr);
+    else
+        changeRules({*rules, list.aclType(), place}, earlier, {});
 }
 
 void AccessListWriter::writeComing(const Difference& difference) {
@@ -111,52 +159,73 @@ void AccessListWriter::writeLists(AclType type, const Difference& difference) {
 void AccessListWriter::write(AclTypeConfig& lists, const TermOfClassifier& later,
                              const Values& earlier) {
     const Orin::String& name = later.term->objName;
+    const Place place = placeOf(lists.aclType(), name);
     const Values values = later.term->dscpValues();
     const auto* held = lists.aclConfig().find(name);
+    if (held != nullptr) describe(place, !*held, !earlier.empty());
     // A list that is there but not configured is none.
     if (held != nullptr && *held) {
-        if (earlier.empty()) found_.note(lists, name);
-        writeRules(*Orin::Ptr<AclConfig>(*held), earlier, values);
+        writeRules(*Orin::Ptr<AclConfig>(*held), place, earlier, values);
         return;
     }
     const auto list = AclConfig::create(name, lists.aclType());
-    writeRules(*list, {}, values);
+    writeRules(*list, place, {}, values);
+    ownership_.created(place);
     lists.aclConfigIs(name, list);
 }
 
-void AccessListWriter::writeRules(AclConfig& list, const Values& earlier, const Values& later) {
+void AccessListWriter::describe(const Place& place, bool isNullEntry, bool wasDescribed) {
+    ownership_.describe(place, wasDescribed);
+    if (!isNullEntry || !ownership_.isOthers(place)) return;
+    // The list that takes the place of the null entry is the configuration's own.
+    ownership_.forget(place);
+    ownership_.noteOthers(nullPlaceOf(place));
+}
+
+void AccessListWriter::writeRules(AclConfig& list, const Place& place, const Values& earlier,
+                                  const Values& later) {
     const auto held = list.aclSubConfig();
+    if (held) ownership_.describe(subPlaceOf(place), !earlier.empty());
     const auto rules = held ? held : AclSubConfig::create();
-    changeRules(*rules, list.aclType(), earlier, later);
+    changeRules({*rules, list.aclType(), place}, earlier, later);
     if (!held) list.aclSubConfigIs(rules);
 }
 
-void AccessListWriter::changeRules(AclSubConfig& rules, AclType type, const Values& earlier,
+void AccessListWriter::changeRules(const ListOfRules& list, const Values& earlier,
                                    const Values& later) {
+    const auto& [rules, type, place] = list;
+    describeRules(list, earlier, later);
     // All rules are as they should be before the first is told: whoever reads them then reads what
     // is nearest to the new list.
-    const std::vector<std::uint32_t> going = goingSequences(rules, earlier, later);
     std::vector<bool> isChanged(later.size());
-    for (std::size_t place = 0; place < later.size(); ++place)
-        isChanged[place] = ruleIs(rules, type, sequenceOf(place), later[place]);
-    for (const std::uint32_t sequence : going)
-        ruleDel(rules, type, sequence);
-    for (std::size_t place = 0; place < later.size(); ++place)
-        tellRule(rules, sequenceOf(place), isChanged[place]);
+    bool isAnyChanged = earlier.size() != later.size();
+    for (std::size_t at = 0; at < later.size(); ++at) {
+        isChanged[at] = ruleIs(rules, type, sequenceOf(at), later[at]);
+        isAnyChanged = isAnyChanged || isChanged[at];
+    }
+    std::vector<std::uint32_t> going;
+    for (std::size_t at = later.size(); at < earlier.size(); ++at) {
+        const std::uint32_t sequence = sequenceOf(at);
+        if (ownership_.leave(sequencePlaceOf(place, sequence))) going.push_back(sequence);
+        if (ownership_.leave(rulePlaceOf(place, type, sequence))) ruleDel(rules, type, sequence);
+    }
+    if (isAnyChanged) ownership_.changed(subPlaceOf(place));
+    for (std::size_t at = 0; at < later.size(); ++at)
+        tellRule(rules, sequenceOf(at), isChanged[at]);
     for (const std::uint32_t sequence : going)
         rules.ruleIdBySequenceDel(sequence);
 }
 
-std::vector<std::uint32_t> AccessListWriter::goingSequences(const AclSubConfig& rules,
-                                                            const Values& earlier,
-                                                            const Values& later) {
-    for (std::size_t place = earlier.size(); place < later.size(); ++place)
-        if (rules.ruleIdBySequence().find(sequenceOf(place)) != nullptr)
-            found_.note(rules, sequenceOf(place));
-    std::vector<std::uint32_t> going;
-    for (std::size_t place = later.size(); place < earlier.size(); ++place)
-        if (!found_.release(rules, sequenceOf(place))) going.push_back(sequenceOf(place));
-    return going;
+void AccessListWriter::describeRules(const ListOfRules& list, const Values& earlier,
+                                     const Values& later) {
+    const auto& [rules, type, place] = list;
+    for (std::size_t at = earlier.size(); at < later.size(); ++at) {
+        const std::uint32_t sequence = sequenceOf(at);
+        if (rules.ruleIdBySequence().find(sequence) != nullptr)
+            ownership_.describe(sequencePlaceOf(place, sequence), false);
+        if (hasRule(rules, type, sequence))
+            ownership_.describe(rulePlaceOf(place, type, sequence), false);
+    }
 }
 
 }  // namespace QosAgent

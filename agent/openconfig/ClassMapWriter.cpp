@@ -16,14 +16,20 @@ ClassMapMatchOption matchOptionOf(const TermOfClassifier& of) {
                : ClassMapMatchOption::matchIpAccessGroup;
 }
 
-Found::Key keyOf(ClassMapMatchOption option) {
-    return static_cast<std::uint32_t>(option);
+Place placeOf(const TermOfClassifier& of) {
+    return {Places::kClassMaps, of.term->objName};
+}
+
+Place matchPlaceOf(const TermOfClassifier& of) {
+    return placeOf(of).part(matchOptionOf(of) == ClassMapMatchOption::matchIpv6AccessGroup
+                                ? "match/matchIpv6AccessGroup"
+                                : "match/matchIpAccessGroup");
 }
 
 }  // namespace
 
-ClassMapWriter::ClassMapWriter(Orin::Ptr<Qos::Status> status, Found& found)
-    : status_(std::move(status)), found_(found) {}
+ClassMapWriter::ClassMapWriter(Orin::Ptr<Qos::Status> status, Ownership& ownership)
+    : status_(std::move(status)), ownership_(ownership) {}
 
 void ClassMapWriter::writeComing(const Difference& difference) {
     const auto* held = status_->cmapTypeStatus().find(MapType::mapQos);
@@ -38,24 +44,26 @@ void ClassMapWriter::write(ClassMapTypeStatus& classMaps, const TermOfClassifier
                            const std::optional<TermOfClassifier>& earlier) {
     const Orin::String& name = later.term->objName;
     if (const auto* held = classMaps.cmapStatus().find(name)) {
-        if (!earlier) found_.note(classMaps, name);
+        ownership_.describe(placeOf(later), earlier.has_value());
         change(*Orin::Ptr<ClassMapStatus>(*held), later, earlier);
         return;
     }
     const auto classMap = ClassMapStatus::create(name);
     classMap->matchIs(matchOptionOf(later), name);
+    ownership_.created(placeOf(later));
     classMaps.cmapStatusIs(classMap);
 }
 
 void ClassMapWriter::change(ClassMapStatus& classMap, const TermOfClassifier& later,
                             const std::optional<TermOfClassifier>& earlier) {
     const ClassMapMatchOption option = matchOptionOf(later);
-    const bool isDescribed = earlier && matchOptionOf(*earlier) == option;
-    if (!isDescribed && classMap.match().find(option) != nullptr)
-        found_.note(classMap, keyOf(option));
+    const bool wasDescribed = earlier && matchOptionOf(*earlier) == option;
+    const Orin::String* held = classMap.match().find(option);
+    if (held != nullptr) ownership_.describe(matchPlaceOf(later), wasDescribed);
+    if (held == nullptr || *held != later.term->objName) ownership_.changed(matchPlaceOf(later));
     // The new match comes first: the class map never stands without one.
     classMap.matchIs(option, later.term->objName);
-    if (earlier && !isDescribed && !found_.release(classMap, keyOf(matchOptionOf(*earlier))))
+    if (earlier && !wasDescribed && ownership_.leave(matchPlaceOf(*earlier)))
         classMap.matchDel(matchOptionOf(*earlier));
 }
 
@@ -70,13 +78,13 @@ void ClassMapWriter::removeGoing(const Difference& difference) {
 
 void ClassMapWriter::remove(ClassMapTypeStatus& classMaps, const TermOfClassifier& earlier) {
     const Orin::String& name = earlier.term->objName;
-    if (!found_.release(classMaps, name)) {
-        classMaps.cmapStatusDel(name);
-        return;
-    }
     const auto* held = classMaps.cmapStatus().find(name);
-    if (held != nullptr && !found_.release(**held, keyOf(matchOptionOf(earlier))))
-        Orin::Ptr<ClassMapStatus>(*held)->matchDel(matchOptionOf(earlier));
+    if (held == nullptr) return;
+    const Orin::Ptr<ClassMapStatus> classMap = *held;
+    if (ownership_.leave(placeOf(earlier)))
+        classMaps.cmapStatusDel(name);
+    else if (ownership_.leave(matchPlaceOf(earlier)))
+        classMap->matchDel(matchOptionOf(earlier));
 }
 
 }  // namespace QosAgent

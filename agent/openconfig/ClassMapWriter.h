@@ -1,7 +1,7 @@
 #pragma once
 
 #include "agent/openconfig/Difference.h"
-#include "agent/openconfig/Found.h"
+#include "agent/openconfig/Ownership.h"
 #include "platform/Qos/Status.h"
 
 namespace QosAgent {
@@ -10,7 +10,7 @@ namespace QosAgent {
 class ClassMapWriter {
 public:
     /// What is passed outlives the writer.
-    ClassMapWriter(Orin::Ptr<Qos::Status> status, Found& found);
+    ClassMapWriter(Orin::Ptr<Qos::Status> status, Ownership& ownership);
 
     void writeComing(const Difference& difference);
     void removeGoing(const Difference& difference);
@@ -23,7 +23,7 @@ private:
     void remove(Qos::ClassMapTypeStatus& classMaps, const TermOfClassifier& earlier);
 
     Orin::Ptr<Qos::Status> status_;
-    Found& found_;
+    Ownership& ownership_;
 };
 
 }  // namespace QosAgent

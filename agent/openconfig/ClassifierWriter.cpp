@@ -8,9 +8,6 @@ namespace {
 using QosOc::Classifier::Type;
 using QosOc::Config::Classifier;
 using QosOc::Config::ClassifiersDir;
-using QosOc::Config::Term;
-using QosOc::Config::TermActions;
-using QosOc::Config::TermConditions;
 using QosOc::Config::Terms;
 
 const KeyedList<ConfiguredTerm> kNoTerms;
@@ -19,27 +16,25 @@ const KeyedList<ConfiguredTerm>& termsOf(const ConfiguredClassifier* classifier)
     return classifier == nullptr ? kNoTerms : classifier->terms;
 }
 
-Term valueOf(const ConfiguredTerm& configured, Type family) {
-    Term term(configured.id);
-    if (!configured.conditions.empty()) {
-        TermConditions& conditions = term.conditions.emplace();
-        (family == Type::IPV6 ? conditions.ipv6 : conditions.ipv4) = configured.conditions;
-    }
-    if (!configured.targetGroup.empty()) term.actions = TermActions{configured.targetGroup};
-    return term;
-}
-
 Orin::Ptr<Terms> newTerms(const ConfiguredClassifier& configured) {
     auto terms = Terms::create();
     for (const ConfiguredTerm& term : configured.terms)
-        terms->termIs(valueOf(term, configured.family()));
+        terms->termIs(configuredTerm({&configured, &term}));
     return terms;
+}
+
+Place placeOf(const Orin::String& classifierName) {
+    return {Places::kClassifiers, classifierName};
+}
+
+Place termsPlaceOf(const Classifier& classifier) {
+    return placeOf(classifier.name()).part("terms");
 }
 
 }  // namespace
 
-ClassifierWriter::ClassifierWriter(Orin::Ptr<ClassifiersDir> classifiers, Found& found)
-    : classifiers_(std::move(classifiers)), found_(found) {}
+ClassifierWriter::ClassifierWriter(Orin::Ptr<ClassifiersDir> classifiers, Ownership& ownership)
+    : classifiers_(std::move(classifiers)), ownership_(ownership) {}
 
 void ClassifierWriter::write(const Difference& difference) {
     for (const ConfiguredClassifier& later : difference.later.classifiers)
@@ -51,60 +46,73 @@ void ClassifierWriter::write(const Difference& difference) {
 void ClassifierWriter::write(const ConfiguredClassifier& later,
                              const ConfiguredClassifier* earlier) {
     if (const auto* held = classifiers_->classifier().find(later.name)) {
-        if (earlier == nullptr) found_.note(*classifiers_, later.name);
+        ownership_.describe(placeOf(later.name), earlier != nullptr);
         change(*Orin::Ptr<Classifier>(*held), later, earlier);
         return;
     }
     const auto classifier = Classifier::create(later.name);
     classifier->configIs({later.name, later.type});
     if (!later.terms.empty()) classifier->termsIs(newTerms(later));
+    ownership_.created(placeOf(later.name));
     classifiers_->classifierIs(classifier);
 }
 
 void ClassifierWriter::change(Classifier& classifier, const ConfiguredClassifier& later,
                               const ConfiguredClassifier* earlier) {
     const Type family = classifier.config().type.value_or(Type::IPV4);
-    classifier.configIs({later.name, later.type});
+    changeType(classifier, later, earlier);
     const auto terms = classifier.terms();
+    const Place place = termsPlaceOf(classifier);
     if (!terms) {
-        if (!later.terms.empty()) classifier.termsIs(newTerms(later));
+        if (later.terms.empty()) return;
+        ownership_.created(place);
+        classifier.termsIs(newTerms(later));
         return;
     }
-    if (termsOf(earlier).empty() && !later.terms.empty())
-        found_.note(classifier, Classifier::kTerms.id);
+    const bool hadTerms = !termsOf(earlier).empty();
+    if (!later.terms.empty()) ownership_.describe(place, hadTerms);
     changeTerms(*terms, later, earlier);
-    const bool isMade = later.terms.empty() && !termsOf(earlier).empty() &&
-                        !found_.release(classifier, Classifier::kTerms.id);
-    if (isMade && terms->term().empty())
+    if (later.terms.empty() && hadTerms && ownership_.leave(place))
         classifier.termsIs(nullptr);
-    else if (family != later.family())
+    else if (family != classifier.config().type.value_or(Type::IPV4))
         // Whoever reads the terms learns the family with them.
         classifier.publishChange(Classifier::kTerms.id, &terms);
 }
 
+void ClassifierWriter::changeType(Classifier& classifier, const ConfiguredClassifier& later,
+                                  const ConfiguredClassifier* earlier) {
+    const auto held = classifier.config().type;
+    const Place place = placeOf(later.name).part("config/type");
+    const bool hadType = earlier != nullptr && earlier->type;
+    if (held && later.type) ownership_.describe(place, hadType);
+    if (held == later.type) return;
+    ownership_.changed(placeOf(later.name).part("config"));
+    if (!later.type) ownership_.forget(place);
+    classifier.configIs({later.name, later.type});
+}
+
 void ClassifierWriter::changeTerms(Terms& terms, const ConfiguredClassifier& later,
                                    const ConfiguredClassifier* earlier) {
-    for (const ConfiguredTerm& term : later.terms) {
-        if (!termsOf(earlier).contains(term.id) && terms.term().find(term.id) != nullptr)
-            found_.note(terms, term.id);
-        terms.termIs(valueOf(term, later.family()));
-    }
+    for (const ConfiguredTerm& term : later.terms)
+        termWriter_.write(terms, {&later, &term}, termsOf(earlier).contains(term.id));
     for (const ConfiguredTerm& term : termsOf(earlier))
-        if (!later.terms.contains(term.id) && !found_.release(terms, term.id))
-            terms.termDel(term.id);
+        if (!later.terms.contains(term.id)) termWriter_.remove(terms, {earlier, &term});
 }
 
 void ClassifierWriter::remove(const ConfiguredClassifier& earlier) {
-    if (!found_.release(*classifiers_, earlier.name)) {
-        classifiers_->classifierDel(earlier.name);
-        return;
-    }
     const auto* held = classifiers_->classifier().find(earlier.name);
     if (held == nullptr) return;
     const Orin::Ptr<Classifier> classifier = *held;
+    if (ownership_.leave(placeOf(earlier.name))) {
+        classifiers_->classifierDel(earlier.name);
+        return;
+    }
     ConfiguredClassifier bare;
     bare.name = earlier.name;
     bare.type = classifier->config().type;
+    const bool isTypeOwn =
+        earlier.type && bare.type && ownership_.leave(placeOf(earlier.name).part("config/type"));
+    if (isTypeOwn) bare.type.reset();
     change(*classifier, bare, &earlier);
 }
 

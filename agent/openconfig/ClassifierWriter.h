@@ -1,7 +1,8 @@
 #pragma once
 
 #include "agent/openconfig/Difference.h"
-#include "agent/openconfig/Found.h"
+#include "agent/openconfig/Ownership.h"
+#include "agent/openconfig/TermWriter.h"
 #include "platform/QosOc/Config/ClassifiersDir.h"
 
 namespace QosAgent {
@@ -10,7 +11,7 @@ namespace QosAgent {
 class ClassifierWriter {
 public:
     /// What is passed outlives the writer.
-    ClassifierWriter(Orin::Ptr<QosOc::Config::ClassifiersDir> classifiers, Found& found);
+    ClassifierWriter(Orin::Ptr<QosOc::Config::ClassifiersDir> classifiers, Ownership& ownership);
 
     void write(const Difference& difference);
     /// Publishes again the terms that lost their target group while a policy map that goes still
@@ -21,6 +22,8 @@ private:
     void write(const ConfiguredClassifier& later, const ConfiguredClassifier* earlier);
     void change(QosOc::Config::Classifier& classifier, const ConfiguredClassifier& later,
                 const ConfiguredClassifier* earlier);
+    void changeType(QosOc::Config::Classifier& classifier, const ConfiguredClassifier& later,
+                    const ConfiguredClassifier* earlier);
     void changeTerms(QosOc::Config::Terms& terms, const ConfiguredClassifier& later,
                      const ConfiguredClassifier* earlier);
     void remove(const ConfiguredClassifier& earlier);
@@ -28,7 +31,8 @@ private:
                               const ConfiguredClassifier& later);
 
     Orin::Ptr<QosOc::Config::ClassifiersDir> classifiers_;
-    Found& found_;
+    Ownership& ownership_;
+    TermWriter termWriter_{ownership_};
 };
 
 }  // namespace QosAgent

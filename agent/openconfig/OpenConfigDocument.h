@@ -59,6 +59,8 @@ struct OpenConfigDocument {
     KeyedList<ForwardingGroup> groups;
     KeyedList<ConfiguredClassifier> classifiers;
     KeyedList<AttachedPair> attachedPairs;
+
+    bool empty() const { return groups.empty() && classifiers.empty() && attachedPairs.empty(); }
 };
 
 /// A term together with its classifier.

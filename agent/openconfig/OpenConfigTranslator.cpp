@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "agent/database/Editor.h"
+
 namespace QosAgent {
 namespace {
 
@@ -12,18 +14,33 @@ Orin::Ptr<Root> rootAt(const Database& database, std::string_view path) {
 
 }  // namespace
 
-OpenConfigTranslator::OpenConfigTranslator(const Database& database)
-    : groups_(rootAt<Qos::Input::Config>(database, "qos/input/config/cli"), found_),
-      accessLists_(rootAt<Acl::Input::Config>(database, "acl/config/cli"), found_),
-      classMaps_(rootAt<Qos::Status>(database, "qos/status"), found_),
+OpenConfigTranslator::OpenConfigTranslator(Database& database)
+    : database_(database),
+      ownership_(database.inputChanges()),
+      groups_(rootAt<Qos::Input::Config>(database, "qos/input/config/cli"), ownership_),
+      accessLists_(rootAt<Acl::Input::Config>(database, "acl/config/cli"), ownership_),
+      classMaps_(rootAt<Qos::Status>(database, "qos/status"), ownership_),
       classifiers_(
           rootAt<QosOc::Config::ClassifiersDir>(database, "qos/openconfig/config/classifiers"),
-          found_),
-      policyMaps_(rootAt<Qos::Status>(database, "qos/status"), found_) {}
+          ownership_),
+      policyMaps_(rootAt<Qos::Status>(database, "qos/status"), ownership_) {}
+
+OpenConfigTranslator::~OpenConfigTranslator() {
+    database_.inputChanges().listenerDel(ownership_);
+}
 
 void OpenConfigTranslator::apply(OpenConfigDocument later) {
+    // What is reported while nobody listens here is the configuration's own doing.
+    database_.inputChanges().listenerDel(ownership_);
     if (!std::exchange(isFirst_, false)) groups_.number(earlier_, later);
-    const Difference difference{earlier_, later};
+    write({earlier_, later});
+    removeHollow();
+    earlier_ = std::move(later);
+    if (!earlier_.empty() || !ownership_.isEmpty())
+        database_.inputChanges().listenerAdd(ownership_);
+}
+
+void OpenConfigTranslator::write(const Difference& difference) {
     groups_.writeComing(difference);
     // What goes of a term comes before what comes: when the family changes, the same term has both.
     accessLists_.removeGoing(difference);
@@ -38,7 +55,12 @@ void OpenConfigTranslator::apply(OpenConfigDocument later) {
     // Terms go with their class maps, which nothing may use any more.
     classMaps_.removeGoing(difference);
     groups_.removeGoing(difference);
-    earlier_ = std::move(later);
+}
+
+void OpenConfigTranslator::removeHollow() {
+    Editor editor(database_);
+    for (const std::string& path : ownership_.takeHollow())
+        editor.remove(std::get<Path>(parsePath(database_, path)));
 }
 
 }  // namespace QosAgent

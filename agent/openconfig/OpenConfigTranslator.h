@@ -13,14 +13,22 @@ namespace QosAgent {
 /// each takes the place of the one before, by the differences. What others made stays.
 class OpenConfigTranslator {
 public:
-    explicit OpenConfigTranslator(const Database& database);
+    /// The database must outlive the translator.
+    explicit OpenConfigTranslator(Database& database);
+    ~OpenConfigTranslator();
+    OpenConfigTranslator(const OpenConfigTranslator&) = delete;
+    OpenConfigTranslator& operator=(const OpenConfigTranslator&) = delete;
 
     /// Publishes no more than what differs, in an order in which no term that both documents
     /// configure alike shows another value in between.
     void apply(OpenConfigDocument later);
 
 private:
-    Found found_;
+    void write(const Difference& difference);
+    void removeHollow();
+
+    Database& database_;
+    Ownership ownership_;
     ForwardingGroupWriter groups_;
     AccessListWriter accessLists_;
     ClassMapWriter classMaps_;

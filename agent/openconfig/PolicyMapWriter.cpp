@@ -18,7 +18,7 @@ std::optional<std::uint32_t> trafficClassOf(const OpenConfigDocument& document,
     return document.groups.find(term.targetGroup)->trafficClass;
 }
 
-/// The class with that traffic class set, or none; other actions, of others, stay.
+/// The class with that traffic class set, or with none; its other actions stay.
 PolicyMapClass classWith(std::optional<std::uint32_t> trafficClass, const PolicyMapClass* held) {
     PolicyMapClass result;
     if (held != nullptr)
@@ -28,10 +28,22 @@ PolicyMapClass classWith(std::optional<std::uint32_t> trafficClass, const Policy
     return result;
 }
 
+Place placeOf(const Orin::String& pmapName) {
+    return {Places::kPolicyMaps, pmapName};
+}
+
+Place classPlaceOf(const PolicyMapStatus& pmap, const TermOfClassifier& of) {
+    return placeOf(pmap.pmapName()).member("classes", of.term->objName);
+}
+
+Place actionPlaceOf(const PolicyMapStatus& pmap, const TermOfClassifier& of) {
+    return classPlaceOf(pmap, of).part("action/4");
+}
+
 }  // namespace
 
-PolicyMapWriter::PolicyMapWriter(Orin::Ptr<Qos::Status> status, Found& found)
-    : status_(std::move(status)), found_(found) {}
+PolicyMapWriter::PolicyMapWriter(Orin::Ptr<Qos::Status> status, Ownership& ownership)
+    : status_(std::move(status)), ownership_(ownership) {}
 
 void PolicyMapWriter::writeComing(const Difference& difference) {
     const auto* held = status_->pmapTypeStatus().find(MapType::mapQos);
@@ -44,14 +56,15 @@ void PolicyMapWriter::writeComing(const Difference& difference) {
 void PolicyMapWriter::write(PolicyMapTypeStatus& pmaps, const AttachedPair& pair,
                             const Difference& difference) {
     if (const auto* held = pmaps.pmapStatus().find(pair.pmapName)) {
-        if (!difference.earlier.attachedPairs.contains(pair.pmapName))
-            found_.note(pmaps, pair.pmapName);
+        ownership_.describe(placeOf(pair.pmapName),
+                            difference.earlier.attachedPairs.contains(pair.pmapName));
         change(*Orin::Ptr<PolicyMapStatus>(*held), pair, difference);
         return;
     }
     const auto pmap = PolicyMapStatus::create(pair.pmapName);
     writeClasses(*pmap, pair, difference);
     pmap->versionIs(kFirstVersion);
+    ownership_.created(placeOf(pair.pmapName));
     pmaps.pmapStatusIs(pmap);
 }
 
@@ -60,25 +73,48 @@ void PolicyMapWriter::change(PolicyMapStatus& pmap, const AttachedPair& pair,
     const bool isWritten = writeClasses(pmap, pair, difference);
     const bool isRemoved = difference.earlier.attachedPairs.contains(pair.pmapName) &&
                            removeClasses(pmap, pair, difference);
-    if (isWritten || isRemoved) pmap.versionIs(pmap.version() + 1);
+    if (isWritten || isRemoved) raiseVersion(pmap);
+}
+
+void PolicyMapWriter::raiseVersion(PolicyMapStatus& pmap) {
+    ownership_.changed(placeOf(pmap.pmapName()).part("version"));
+    pmap.versionIs(pmap.version() + 1);
 }
 
 bool PolicyMapWriter::writeClasses(PolicyMapStatus& pmap, const AttachedPair& pair,
                                    const Difference& difference) {
-    const OpenConfigDocument& earlier = difference.earlier;
-    const OpenConfigDocument& later = difference.later;
-    const bool isPairNew = !earlier.attachedPairs.contains(pair.pmapName);
+    const bool isPairNew = !difference.earlier.attachedPairs.contains(pair.pmapName);
     bool isChanged = false;
-    eachTermOf(later, pair, [&](const TermOfClassifier& of) {
-        const Orin::String& name = of.term->objName;
-        const PolicyMapClass* held = pmap.classes().find(name);
-        if (held != nullptr && (isPairNew || !counterpart(earlier, of))) found_.note(pmap, name);
-        const PolicyMapClass wanted = classWith(trafficClassOf(later, *of.term), held);
-        if (held != nullptr && *held == wanted) return;
-        pmap.classIs(name, wanted);
-        isChanged = true;
+    eachTermOf(difference.later, pair, [&](const TermOfClassifier& of) {
+        const auto earlier = isPairNew ? std::nullopt : counterpart(difference.earlier, of);
+        isChanged |= writeClass(pmap, of, trafficClassOf(difference.later, *of.term), earlier);
     });
     return isChanged;
+}
+
+bool PolicyMapWriter::writeClass(PolicyMapStatus& pmap, const TermOfClassifier& of,
+                                 std::optional<std::uint32_t> trafficClass,
+                                 const std::optional<TermOfClassifier>& earlier) {
+    const Orin::String& name = of.term->objName;
+    const PolicyMapClass* held = pmap.classes().find(name);
+    if (held == nullptr) {
+        ownership_.created(classPlaceOf(pmap, of));
+        pmap.classIs(name, classWith(trafficClass, nullptr));
+        return true;
+    }
+    ownership_.describe(classPlaceOf(pmap, of), earlier.has_value());
+    const bool wasSet = earlier && !earlier->term->targetGroup.empty();
+    if (const std::uint32_t* set = held->action.find(PolicyMapClass::kSetTrafficClass)) {
+        if (trafficClass)
+            ownership_.describe(actionPlaceOf(pmap, of), wasSet);
+        else if (!wasSet || !ownership_.leave(actionPlaceOf(pmap, of)))
+            trafficClass = *set;  // others set it
+    }
+    const PolicyMapClass wanted = classWith(trafficClass, held);
+    if (*held == wanted) return false;
+    ownership_.changed(classPlaceOf(pmap, of));
+    pmap.classIs(name, wanted);
+    return true;
 }
 
 bool PolicyMapWriter::removeClasses(PolicyMapStatus& pmap, const AttachedPair& pair,
@@ -87,13 +123,25 @@ bool PolicyMapWriter::removeClasses(PolicyMapStatus& pmap, const AttachedPair& p
     const bool isPairGone = !later.attachedPairs.contains(pair.pmapName);
     bool isChanged = false;
     eachTermOf(difference.earlier, pair, [&](const TermOfClassifier& of) {
-        const Orin::String& name = of.term->objName;
-        if (!isPairGone && counterpart(later, of)) return;
-        if (found_.release(pmap, name) || pmap.classes().find(name) == nullptr) return;
-        pmap.classDel(name);
-        isChanged = true;
+        if (isPairGone || !counterpart(later, of)) isChanged |= removeClass(pmap, of);
     });
     return isChanged;
+}
+
+bool PolicyMapWriter::removeClass(PolicyMapStatus& pmap, const TermOfClassifier& of) {
+    const Orin::String& name = of.term->objName;
+    const PolicyMapClass* held = pmap.classes().find(name);
+    if (held == nullptr) return false;
+    if (ownership_.leave(classPlaceOf(pmap, of))) {
+        pmap.classDel(name);
+        return true;
+    }
+    const bool isSet = held->action.find(PolicyMapClass::kSetTrafficClass) != nullptr;
+    const bool wasSet = !of.term->targetGroup.empty();
+    if (!isSet || !wasSet || !ownership_.leave(actionPlaceOf(pmap, of))) return false;
+    const PolicyMapClass rest = classWith({}, held);
+    pmap.classIs(name, rest);
+    return true;
 }
 
 void PolicyMapWriter::removeGoing(const Difference& difference) {
@@ -107,14 +155,13 @@ void PolicyMapWriter::removeGoing(const Difference& difference) {
 
 void PolicyMapWriter::remove(PolicyMapTypeStatus& pmaps, const AttachedPair& pair,
                              const Difference& difference) {
-    if (!found_.release(pmaps, pair.pmapName)) {
-        pmaps.pmapStatusDel(pair.pmapName);
-        return;
-    }
     const auto* held = pmaps.pmapStatus().find(pair.pmapName);
     if (held == nullptr) return;
     const Orin::Ptr<PolicyMapStatus> pmap = *held;
-    if (removeClasses(*pmap, pair, difference)) pmap->versionIs(pmap->version() + 1);
+    if (ownership_.leave(placeOf(pair.pmapName)))
+        pmaps.pmapStatusDel(pair.pmapName);
+    else if (removeClasses(*pmap, pair, difference))
+        raiseVersion(*pmap);
 }
 
 }  // namespace QosAgent

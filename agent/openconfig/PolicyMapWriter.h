@@ -1,7 +1,7 @@
 #pragma once
 
 #include "agent/openconfig/Difference.h"
-#include "agent/openconfig/Found.h"
+#include "agent/openconfig/Ownership.h"
 #include "platform/Qos/Status.h"
 
 namespace QosAgent {
@@ -11,7 +11,7 @@ namespace QosAgent {
 class PolicyMapWriter {
 public:
     /// What is passed outlives the writer.
-    PolicyMapWriter(Orin::Ptr<Qos::Status> status, Found& found);
+    PolicyMapWriter(Orin::Ptr<Qos::Status> status, Ownership& ownership);
 
     void writeComing(const Difference& difference);
     void removeGoing(const Difference& difference);
@@ -25,11 +25,16 @@ private:
                       const Difference& difference);
     bool removeClasses(Qos::PolicyMapStatus& pmap, const AttachedPair& pair,
                        const Difference& difference);
+    bool writeClass(Qos::PolicyMapStatus& pmap, const TermOfClassifier& of,
+                    std::optional<std::uint32_t> trafficClass,
+                    const std::optional<TermOfClassifier>& earlier);
+    void raiseVersion(Qos::PolicyMapStatus& pmap);
+    bool removeClass(Qos::PolicyMapStatus& pmap, const TermOfClassifier& of);
     void remove(Qos::PolicyMapTypeStatus& pmaps, const AttachedPair& pair,
                 const Difference& difference);
 
     Orin::Ptr<Qos::Status> status_;
-    Found& found_;
+    Ownership& ownership_;
 };
 
 }  // namespace QosAgent

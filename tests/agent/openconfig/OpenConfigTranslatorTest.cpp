@@ -98,10 +98,11 @@ TEST_F(OpenConfigTranslatorTest, attachesWhatIsNewWholeAndInOrder) {
     Changes order = configure(twoFamilies());
     for (std::string& change : order)
         change = change.substr(0, change.find(' '));
-    EXPECT_EQ(order, (Changes{kGroups, "qos/status/cmapTypeStatus/mapQos",
-                              "acl/config/cli/aclTypeConfig/ipv4",
-                              "acl/config/cli/aclTypeConfig/ipv6", kClassifiers + "four",
-                              kClassifiers + "six", "qos/status/pmapTypeStatus/mapQos"}));
+    EXPECT_EQ(
+        order,
+        (Changes{kGroups, kTcs + "gold", kTcs + "lead", "qos/status/cmapTypeStatus/mapQos",
+                 "acl/config/cli/aclTypeConfig/ipv4", "acl/config/cli/aclTypeConfig/ipv6",
+                 kClassifiers + "four", kClassifiers + "six", "qos/status/pmapTypeStatus/mapQos"}));
 }
 
 TEST_F(OpenConfigTranslatorTest, makesNoListsAndNoPolicyMapsThatNothingAsksFor) {
@@ -324,26 +325,27 @@ TEST_F(OpenConfigTranslatorTest, leavesGroupsThatStayTheirNumbers) {
     EXPECT_EQ(configure({{"new", "c", "b", "a"}, {}, {}}), Changes{kTcs + "new = 3"});
 }
 
-TEST_F(OpenConfigTranslatorTest, givesNewGroupsTheLeastNumbersThatGroupsThatStayDoNotHave) {
+TEST_F(OpenConfigTranslatorTest, givesNewGroupsTheLeastNumbersThatNoGroupOfTheMapHas) {
     given({{"a", "b", "c"}, {}, {}});
-    EXPECT_EQ(configure({{"x", "b", "y", "z"}, {}, {}}),
-              (Changes{kTcs + "x = 0", kTcs + "y = 2", kTcs + "z = 3", kTcs + "a gone",
-                       kTcs + "c gone"}));
+    EXPECT_EQ(configure({{"x", "b", "y"}, {}, {}}),
+              (Changes{kTcs + "x = 3", kTcs + "y = 4", kTcs + "a gone", kTcs + "c gone"}));
+    EXPECT_EQ(configure({{"x", "b", "y", "z"}, {}, {}}), (Changes{kTcs + "z = 0"}));
 }
 
-TEST_F(OpenConfigTranslatorTest, raisesNoVersionWhenANewGroupTakesTheNumberOfTheOld) {
+TEST_F(OpenConfigTranslatorTest, movesATermToANewGroupBeforeTheOldOneIsRemoved) {
     given({{"old"}, {{"C", "", {{"T", {}, "old"}}}}, {{"C", ""}}});
     EXPECT_EQ(configure({{"new"}, {{"C", "", {{"T", {}, "new"}}}}, {{"C", ""}}}),
-              (Changes{kTcs + "new = 0",
+              (Changes{kTcs + "new = 1",
                        kClassifiers + R"(C/terms/term/T = {"id":"T","stateId":"T","actions":{)"
                                       R"("targetGroup":"new"}})",
-                       kTcs + "old gone"}));
+                       kPmaps + R"(openconfig:C:/classes/openconfig:C:T = {"action":{"4":1}})",
+                       kPmaps + "openconfig:C:/version = 2", kTcs + "old gone"}));
 }
 
 TEST_F(OpenConfigTranslatorTest, removesTheMapWithItsLastGroup) {
     given({{"a"}, {}, {}});
     EXPECT_EQ(configure(ConfigurationPlan{}), (Changes{kTcs + "a gone", kGroups + " = null"}));
-    EXPECT_EQ(configure({{"b"}, {}, {}}), Changes{kGroups + R"( = {"tc":{"b":0}})"});
+    EXPECT_EQ(configure({{"b"}, {}, {}}), (Changes{kGroups + " = {}", kTcs + "b = 0"}));
 }
 
 TEST_F(OpenConfigTranslatorTest, numbersTheFirstDocumentsGroupsByPlaceWhateverOthersHave) {
@@ -413,7 +415,7 @@ TEST_F(OpenConfigTranslatorTest, makesAgainWhatOthersRemoved) {
     ASSERT_EQ(db->remove(kPmaps + "openconfig:four:six"), "");
     ASSERT_EQ(db->remove(kGroups), "");
     recorder->take();
-    EXPECT_EQ(configure(twoFamilies()).size(), 5u);
+    EXPECT_EQ(configure(twoFamilies()).size(), 7u);
     EXPECT_EQ(db->all(), before);
     given({});
     EXPECT_EQ(db->all(), kNothingLeft);
@@ -424,7 +426,9 @@ TEST_F(OpenConfigTranslatorTest, takesAnAccessListThatIsNotConfiguredForNone) {
     ASSERT_EQ(db->update(kAcls4 + "openconfig:C:T", "null"), "");
     recorder->take();
     given({{}, {{"C", "", {{"T", {1}}}}}, {}});
-    EXPECT_EQ(configureText("{}").front(), kAcls4 + "openconfig:C:T gone");
+    EXPECT_EQ(configureText("{}").front(), kAcls4 + "openconfig:C:T = null");
+    EXPECT_EQ(db->at("acl/config/cli"),
+              R"({"aclTypeConfig":{"ipv4":{"aclConfig":{"openconfig:C:T":null}}}})");
 }
 
 TEST_F(OpenConfigTranslatorTest, wrapsTheVersion) {

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "agent/database/InputChanges.h"
+#include "agent/openconfig/Place.h"
+
+namespace QosAgent {
+
+/// Who made the members of the inputs that the OpenConfig configuration describes. They are the
+/// configuration's own, except those noted here: others made them. A member goes with the
+/// configuration only if it is its own and holds nothing of others.
+///
+/// What is not described belongs to others, except the objects that the configuration left behind
+/// because they hold something of others: these go as soon as they hold nothing any more.
+///
+/// Also reports what the configuration does to the inputs.
+class Ownership final : public InputChanges::Listener {
+public:
+    /// `changes` must outlive the ownership.
+    explicit Ownership(const InputChanges& changes) : changes_(changes) {}
+
+    /// Must be told of all changes that others make while something is described or `isEmpty()` is
+    /// false, and of no others.
+    void inputChanged(InputChanges::Kind kind, std::string_view path) override;
+    bool isEmpty() const { return others_.empty() && left_.empty(); }
+
+    /// Tells that a member is described that is there. One that was not described before was made
+    /// by others, or left behind.
+    void describe(const Place& place, bool wasDescribed);
+    /// Others made the member.
+    void noteOthers(const Place& place);
+    bool isOthers(const Place& place) const;
+    /// Others made something within the member.
+    bool holdsOthers(const Place& place) const;
+    /// Tells that a member is described no longer. True if the caller must remove it, else it
+    /// stays.
+    bool leave(const Place& place);
+    /// Nothing is known any more of the member, and of what is within.
+    void forget(const Place& place);
+    /// The configuration removed the member.
+    void removed(const Place& place);
+    /// The configuration made the member.
+    void created(const Place& place) const { report(InputChanges::Kind::created, place); }
+    /// The configuration changed the member, or something within.
+    void changed(const Place& place) const { report(InputChanges::Kind::changed, place); }
+
+    /// The topmost objects left behind that hold nothing any more; the caller must remove them.
+    std::vector<std::string> takeHollow();
+
+private:
+    using Paths = std::set<std::string, std::less<>>;
+
+    static bool holdsBelow(const Paths& paths, std::string_view path);
+    static void eraseWithin(Paths& paths, std::string_view path);
+    void report(InputChanges::Kind kind, const Place& place) const {
+        if (changes_.hasListeners()) changes_.report(kind, place.path());
+    }
+
+    const InputChanges& changes_;
+    Paths others_;
+    Paths left_;
+};
+
+}  // namespace QosAgent
