@@ -7,8 +7,18 @@
 
 namespace Acl {
 
+/// What the filters of all address families have in common.
+struct IpFilterBase {
+    friend bool operator==(const IpFilterBase&, const IpFilterBase&) = default;
+};
+
+/// What the rules of all address families have in common.
+struct RuleConfig {
+    friend bool operator==(const RuleConfig&, const RuleConfig&) = default;
+};
+
 /// What an IPv4 rule matches, as far as it concerns QoS.
-struct PLATFORM_API IpFilter {
+struct PLATFORM_API IpFilter : IpFilterBase {
     static constexpr std::string_view kTypeName = "Acl::IpFilter";
     static const Vex::TypeRecord kTypeRecord;
     static constexpr auto fields() {
@@ -26,7 +36,7 @@ struct PLATFORM_API IpFilter {
 
 /// What an IPv6 rule matches, as far as it concerns QoS: the bits of the traffic class (RFC 8200)
 /// that the mask selects. The DSCP is its upper six bits (RFC 2474).
-struct PLATFORM_API Ip6Filter {
+struct PLATFORM_API Ip6Filter : IpFilterBase {
     static constexpr std::string_view kTypeName = "Acl::Ip6Filter";
     static const Vex::TypeRecord kTypeRecord;
     static constexpr auto fields() {
@@ -43,7 +53,7 @@ struct PLATFORM_API Ip6Filter {
 };
 
 /// A rule of an IPv4 access list.
-struct PLATFORM_API IpRuleConfig {
+struct PLATFORM_API IpRuleConfig : RuleConfig {
     static constexpr std::string_view kTypeName = "Acl::IpRuleConfig";
     static const Vex::TypeRecord kTypeRecord;
     static constexpr auto fields() {
@@ -56,7 +66,7 @@ struct PLATFORM_API IpRuleConfig {
 };
 
 /// A rule of an IPv6 access list.
-struct PLATFORM_API Ip6RuleConfig {
+struct PLATFORM_API Ip6RuleConfig : RuleConfig {
     static constexpr std::string_view kTypeName = "Acl::Ip6RuleConfig";
     static const Vex::TypeRecord kTypeRecord;
     static constexpr auto fields() {
