@@ -46,7 +46,7 @@ void mount(Strata::MountGroup& mountGroup, std::string_view path, std::string_vi
 
 bool isStatePathEnabled() {
     static const bool isEnabled =
-        Agent::getToggleState("OCQosClassifierStatePath", "QosOpenConfig.json", true);
+        getToggleState("OCQosClassifierStatePath", "QosOpenConfig.json", true);
     return isEnabled;
 }
 

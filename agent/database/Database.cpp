@@ -18,7 +18,9 @@ Database::Database()
     : entityManager_(Orin::Ptr<Strata::EntityManager>::adopt(new Strata::EntityManager)) {
     for (const MountPoint& mount : mountPoints()) {
         subtrees_.push_back(emptySubtree(mount));
-        entityManager_->entityIs(mount.path, subtrees_.back().root);
+        entityManager_->entityIs(
+            mount.path, subtrees_.back().root,
+            mount.isState ? Strata::Access::readAndWrite : Strata::Access::read);
     }
 }
 

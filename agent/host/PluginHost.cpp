@@ -10,8 +10,6 @@
 namespace QosAgent {
 namespace {
 
-using Agent::MounterPlugin::MounterContext;
-
 constexpr const char* kNotLoaded = "cannot be loaded: ";
 
 /// The C library looks for a bare name elsewhere than in the working folder.
@@ -33,11 +31,12 @@ void PluginHost::CloseLibrary::operator()(void* library) const {
 }
 
 PluginHost::PluginHost(const Orin::Ptr<Strata::EntityManager>& entityManager)
-    : context_(Orin::Ptr<MounterContext>::adopt(new MounterContext(entityManager))) {}
+    : entityManager_(entityManager) {}
 
 PluginHost::~PluginHost() {
     // Code of the library destroys the mounters.
-    context_->mounterDelAll();
+    while (!plugins_.empty())
+        plugins_.pop_back();
     library_.reset();
 }
 
@@ -47,21 +46,31 @@ std::optional<std::string> PluginHost::load(const std::string& file) {
     library_.reset(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
     if (!library_) return kNotLoaded + loadFault(path);
     if (Qos::defaultPluginLoader().registry().empty()) return "registers no plug-in";
-    Qos::defaultPluginLoader().init(context_.get());
+    for (const auto* initCaller : Qos::defaultPluginLoader().initCallers()) {
+        plugins_.push_back({initCaller, Orin::Ptr<Context>::adopt(new Context(entityManager_))});
+        (*initCaller)(plugins_.back().context.get());
+    }
     return {};
 }
 
 bool PluginHost::restart(std::string_view plugin) {
     const auto& registry = Qos::defaultPluginLoader().registry();
-    const auto isNamed = [plugin](const auto& registered) { return registered.name == plugin; };
-    if (std::none_of(registry.begin(), registry.end(), isNamed)) return false;
-    context_->mounterDelAll();
-    Qos::defaultPluginLoader().init(context_.get());
+    const auto named = std::find_if(registry.begin(), registry.end(),
+                                    [plugin](const auto& each) { return each.name == plugin; });
+    if (named == registry.end()) return false;
+    for (const Hosted& hosted : plugins_) {
+        if (hosted.initCaller != named->initCaller) continue;
+        hosted.context->mounterDelAll();
+        (*hosted.initCaller)(hosted.context.get());
+    }
     return true;
 }
 
 std::vector<Orin::Ptr<const Vex::TypedNode>> PluginHost::mounters() const {
-    return {context_->mounters().begin(), context_->mounters().end()};
+    std::vector<Orin::Ptr<const Vex::TypedNode>> all;
+    for (const Hosted& hosted : plugins_)
+        all.insert(all.end(), hosted.context->mounters().begin(), hosted.context->mounters().end());
+    return all;
 }
 
 }  // namespace QosAgent

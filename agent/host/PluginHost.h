@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/Agent/MounterPlugin.h"
+#include "platform/Plugin/Loader.h"
 
 namespace QosAgent {
 
@@ -20,8 +21,9 @@ public:
     /// Loads the library and starts the plug-ins that register themselves. Returns why that cannot
     /// be done, if it cannot.
     std::optional<std::string> load(const std::string& file);
-    /// Destroys the mounters and creates them anew over the same database; the library stays.
-    /// False, and nothing happens, when no plug-in of that name is registered.
+    /// Destroys the mounters of one plug-in and creates them anew over the same database; the
+    /// library and its other plug-ins stay. Returns false, and does nothing, if no plug-in of that
+    /// name is registered.
     bool restart(std::string_view plugin);
     /// The mounters that are alive.
     std::vector<Orin::Ptr<const Vex::TypedNode>> mounters() const;
@@ -30,8 +32,17 @@ private:
     struct CloseLibrary {
         void operator()(void* library) const;
     };
+    using Context = Agent::MounterPlugin::MounterContext;
+    /// A plug-in, and the context that keeps its mounters.
+    struct Hosted {
+        const Plugin::Loader<Context>::LoaderInitCallerWithContext* initCaller;
+        Orin::Ptr<Context> context;
+    };
+
+    Orin::Ptr<Strata::EntityManager> entityManager_;
     std::unique_ptr<void, CloseLibrary> library_;
-    Orin::Ptr<Agent::MounterPlugin::MounterContext> context_;
+    /// In the order in which they were started.
+    std::vector<Hosted> plugins_;
 };
 
 }  // namespace QosAgent

@@ -8,6 +8,7 @@
 #include "platform/Orin/Ptr.h"
 #include "platform/OvSlab/Slab.h"
 #include "platform/Plugin/PluginBase.h"
+#include "platform/Strata/MountGroup.h"
 #include "platform/Strata/Mounter.h"
 
 namespace Agent::MounterPlugin {
@@ -24,6 +25,8 @@ public:
     const Orin::Ptr<Strata::EntityManager>& entityManager() const noexcept {
         return entityManager_;
     }
+    /// Returns a new, empty group of mounts of the database.
+    Orin::Ptr<Strata::MountGroup> mountGroup() const;
     const std::vector<Orin::Ptr<MounterBase>>& mounters() const noexcept { return mounters_; }
     void mounterAdd(const Orin::Ptr<MounterBase>& mounter) { mounters_.push_back(mounter); }
     /// Lets go of all mounters, the last one first.
@@ -40,7 +43,8 @@ public:
     explicit MounterBase(std::string_view name) : name_(name) {}
 
     const std::string& name() const noexcept { return name_; }
-    /// Takes a place in the context, which keeps the mounter alive, and begins to mount.
+    /// Takes a place in the context, which keeps the mounter alive, and begins to mount. Prints a
+    /// line to standard error for each type of the mounter's machines that is in no module.
     void init(const Orin::Ptr<MounterContext>& context);
 
     virtual void createPluginStatePhase1();
@@ -50,6 +54,8 @@ public:
     virtual void doMounts() = 0;
 
 protected:
+    /// Prints a line to standard error, with the mounter's name in front.
+    void warn(std::string_view line) const;
     /// Null before `init` and after the context has gone.
     MounterContext* context() const noexcept { return context_; }
 
@@ -62,11 +68,11 @@ private:
 
 /// The plug-in whose work is one mounter.
 template <class Mounter>
-class Plugin : public ::Plugin::PluginBase<MounterContext> {
+class Plugin : public PluginBase<MounterContext> {
 public:
     void init(MounterContext* context) override {
         const auto mounter = Orin::Ptr<Mounter>::adopt(new Mounter());
-        mounter->MounterBase::init(Orin::Ptr<MounterContext>(context));
+        mounter->MounterBase::init(Orin::Ptr<MounterContext>::sharing(context));
     }
 };
 

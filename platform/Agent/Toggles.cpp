@@ -16,8 +16,9 @@ void toggleReaderIs(ToggleReader reader) {
     installedReader() = std::move(reader);
 }
 
-bool getToggleState(std::string_view toggle, std::string_view file, bool fallback) {
-    return installedReader() ? installedReader()(toggle, file, fallback) : fallback;
-}
-
 }  // namespace Agent
+
+bool getToggleState(std::string_view toggle, std::string_view file, bool fallback) {
+    const Agent::ToggleReader& reader = Agent::installedReader();
+    return reader ? reader(toggle, file, fallback) : fallback;
+}

@@ -15,7 +15,7 @@ using ToggleReader =
 /// are written. Null: every toggle reads as its fallback.
 PLATFORM_API void toggleReaderIs(ToggleReader reader);
 
-/// The state of a feature toggle, read anew at every call.
-PLATFORM_API bool getToggleState(std::string_view toggle, std::string_view file, bool fallback);
-
 }  // namespace Agent
+
+/// Returns the state of a feature toggle, read anew at every call.
+PLATFORM_API bool getToggleState(std::string_view toggle, std::string_view file, bool fallback);

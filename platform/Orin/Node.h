@@ -5,6 +5,11 @@
 #include "platform/Orin/Export.h"
 #include "platform/Orin/RefCount.h"
 
+namespace Vex {
+struct FwkType;
+struct TypeRecord;
+}  // namespace Vex
+
 namespace Orin {
 
 class Publisher;
@@ -50,6 +55,10 @@ public:
     virtual void lastUserGone();
     /// What subscribers of this node are added to; null for a node that publishes nothing.
     virtual Publisher* publisher() const;
+    /// Returns the type record of the node's class. Ends the process if the class has none.
+    virtual const Vex::TypeRecord& typeData() const;
+    /// Returns where that record is registered. Ends the process if it is in no module.
+    Vex::FwkType fwkType() const;
 
 protected:
     enum Flag : std::uint16_t {

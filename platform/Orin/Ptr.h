@@ -15,21 +15,31 @@ class Ptr<const T> {
 public:
     constexpr Ptr() noexcept = default;
     constexpr Ptr(std::nullptr_t) noexcept {}
-    explicit Ptr(const T* node) noexcept : node_(node) {
-        if (node_) node_->retain();
-    }
-    /// Takes over the ownership that a new node is born with.
+    /// A node is created with one owner, so a pointer does not say whether that ownership is to be
+    /// taken over or shared: use `adopt` or `sharing`.
+    explicit Ptr(const T* node) = delete;
+    /// Takes over the ownership that a new node is created with.
     static Ptr adopt(const T* node) noexcept {
         Ptr result;
         result.node_ = node;
         return result;
     }
 
-    Ptr(const Ptr& other) noexcept : Ptr(other.node_) {}
+    /// Becomes another owner of a node that somebody owns already. Null gives null.
+    static Ptr sharing(const T* node) noexcept {
+        if (node) node->retain();
+        return adopt(node);
+    }
+
+    Ptr(const Ptr& other) noexcept : node_(other.node_) {
+        if (node_) node_->retain();
+    }
     Ptr(Ptr&& other) noexcept : node_(std::exchange(other.node_, nullptr)) {}
     template <class U>
     requires std::is_convertible_v<U*, const T*> Ptr(const Ptr<U>& other)
-    noexcept : Ptr(other.get()) {}
+    noexcept : node_(other.get()) {
+        if (node_) node_->retain();
+    }
     template <class U>
     requires std::is_convertible_v<U*, const T*> Ptr(Ptr<U>&& other)
     noexcept : node_(other.detach()) {}
@@ -61,16 +71,21 @@ class Ptr {
 public:
     constexpr Ptr() noexcept = default;
     constexpr Ptr(std::nullptr_t) noexcept {}
-    explicit Ptr(T* node) noexcept : held_(node) {}
+    explicit Ptr(T* node) = delete;
     static Ptr adopt(T* node) noexcept {
         Ptr result;
         result.held_ = Ptr<const T>::adopt(node);
         return result;
     }
+    static Ptr sharing(T* node) noexcept {
+        Ptr result;
+        result.held_ = Ptr<const T>::sharing(node);
+        return result;
+    }
 
     template <class U>
     requires std::is_convertible_v<U*, T*> Ptr(const Ptr<U>& other)
-    noexcept : held_(other.get()) {}
+    noexcept : held_(Ptr<const T>::sharing(other.get())) {}
     template <class U>
     requires std::is_convertible_v<U*, T*> Ptr(Ptr<U>&& other)
     noexcept : held_(Ptr<const T>::adopt(other.detach())) {}

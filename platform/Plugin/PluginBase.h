@@ -2,8 +2,6 @@
 
 #include "platform/Orin/Export.h"
 
-namespace Plugin {
-
 /// A plug-in of an agent that hands a `Context` to those it initialises.
 template <class Context>
 class PluginBase {
@@ -21,5 +19,3 @@ public:
         PluginBase* plugin_;
     };
 };
-
-}  // namespace Plugin

@@ -3,9 +3,11 @@
 namespace QosOc {
 
 void MounterBase::doMounts() {
-    const auto mountGroup = Orin::Ptr<Strata::MountGroup>::adopt(new Strata::MountGroup);
+    const Orin::Ptr<Strata::MountGroup> mountGroup = context()->mountGroup();
     doPluginSpecificMounts(mountGroup);
-    doStrataMountsComplete(Strata::mountSuccess_, context()->entityManager());
+    for (const std::string& fault : mountGroup->faults())
+        warn(fault);
+    doStrataMountsComplete(mountGroup->status(), context()->entityManager());
 }
 
 void MounterBase::doMountsComplete(Strata::MountStatus status,

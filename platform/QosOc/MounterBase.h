@@ -3,7 +3,6 @@
 #include "platform/Agent/MounterPlugin.h"
 #include "platform/Orin/Export.h"
 #include "platform/Orin/Ptr.h"
-#include "platform/Strata/Mount.h"
 
 namespace QosOc {
 
@@ -15,8 +14,9 @@ public:
 
     void doMountsComplete(Strata::MountStatus status,
                           const Orin::Ptr<Strata::EntityManager>& entityManager) override;
-    /// The agent's database lies in the same process: mounts are complete when they are made.
-    /// A path without an entity is no failure; the mounter finds nothing there.
+    /// Asks for the mounts and completes them at once: the agent's database is in the same process.
+    /// Prints a line to standard error for each mount that the database refuses; the status that
+    /// `doMountsComplete` gets is then `mountFailed_`.
     void doMounts() override;
 
     /// Adds the mounts that the plug-in needs.

@@ -1,26 +1,38 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
 
 #include "platform/Orin/Export.h"
 #include "platform/Orin/Ptr.h"
+#include "platform/Strata/Mount.h"
 #include "platform/Vex/TypedNode.h"
 
 namespace Strata {
+
+/// What plug-ins may do with a mounted entity.
+enum class Access : std::uint8_t { read, readAndWrite };
 
 /// The state database: entities by the path at which they can be mounted, `/` between its parts
 /// and none at its ends.
 class PLATFORM_API EntityManager : public Orin::Node {
 public:
-    using Entities = std::map<std::string, Orin::Ptr<Vex::TypedNode>, std::less<>>;
+    struct Hosted {
+        Orin::Ptr<Vex::TypedNode> entity;
+        Access access;
+    };
+    using Entities = std::map<std::string, Hosted, std::less<>>;
 
-    /// Puts an entity at the path, in place of what was there.
-    void entityIs(std::string_view path, const Orin::Ptr<Vex::TypedNode>& entity);
-    /// The entity at the path; null if there is none.
+    /// Puts an entity at the path, in place of an earlier one.
+    void entityIs(std::string_view path, const Orin::Ptr<Vex::TypedNode>& entity,
+                  Access access = Access::read);
+    /// Returns the entity at the path; null if there is none.
     Orin::Ptr<Vex::TypedNode> getEntity(std::string_view path) const;
     const Entities& entities() const noexcept { return entities_; }
+    /// Returns why the mount cannot be granted, in a few words; empty if it can.
+    std::string faultOf(const Mount& mount) const;
 
 private:
     Entities entities_;

@@ -3,11 +3,8 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/Orin/Export.h"
-#include "platform/Orin/Node.h"
-#include "platform/Orin/Ptr.h"
 
 namespace Strata {
 
@@ -46,16 +43,6 @@ private:
     std::string path_;
     std::string type_;
     AllMountFlags flags_;
-};
-
-/// Mounts that are asked for together, in the order in which they were.
-class PLATFORM_API MountGroup : public Orin::Node {
-public:
-    void doMount(const Mount& mount) { mounts_.push_back(mount); }
-    const std::vector<Mount>& mounts() const noexcept { return mounts_; }
-
-private:
-    std::vector<Mount> mounts_;
 };
 
 }  // namespace Strata

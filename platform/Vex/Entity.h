@@ -30,7 +30,7 @@ public:
 template <class T>
 Orin::Ptr<T> entityCast(const Orin::Ptr<TypedNode>& node) {
     if (!node || &node->typeData() != &std::remove_const_t<T>::kTypeRecord) return nullptr;
-    return Orin::Ptr<T>(static_cast<T*>(node.get()));
+    return Orin::Ptr<T>::sharing(static_cast<T*>(node.get()));
 }
 
 }  // namespace Vex

@@ -1,6 +1,7 @@
 #include "platform/Vex/Module.h"
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "platform/Vex/Assert.h"
@@ -41,16 +42,28 @@ const TypeRecord* typeNamed(std::string_view fullName) noexcept {
     return nullptr;
 }
 
-FwkType TypedNode::fwkType() const {
-    const TypeRecord* wanted = &typeData();
+/// Where the type is registered; nothing if it is in no module.
+static std::optional<FwkType> placeOf(const TypeRecord& type) {
     for (std::size_t m = 0; m < registered().size(); ++m) {
         if (registered()[m] == nullptr) continue;
         const auto types = registered()[m]->types;
-        const auto at = std::find(types.begin(), types.end(), wanted);
+        const auto at = std::find(types.begin(), types.end(), &type);
         if (at != types.end())
-            return {static_cast<std::uint16_t>(m), static_cast<std::uint16_t>(at - types.begin())};
+            return FwkType{static_cast<std::uint16_t>(m),
+                           static_cast<std::uint16_t>(at - types.begin())};
     }
-    assertFail("type is registered", "platform/Vex/Module", __LINE__, __PRETTY_FUNCTION__);
+    return std::nullopt;
+}
+
+std::vector<const TypeRecord*> unregisteredTypes(const TypeRecord& type) {
+    std::vector<const TypeRecord*> seen{&type};
+    for (std::size_t at = 0; at != seen.size(); ++at)
+        for (const AttributeRecord& attribute : seen[at]->attributes)
+            if (attribute.role == Role::child &&
+                std::find(seen.begin(), seen.end(), attribute.type->record) == seen.end())
+                seen.push_back(attribute.type->record);
+    std::erase_if(seen, [](const TypeRecord* each) { return placeOf(*each).has_value(); });
+    return seen;
 }
 
 const AttributeRecord* attributeNamed(const TypeRecord& type, std::string_view name) {
@@ -66,3 +79,19 @@ const AttributeRecord* attributeWithId(const TypeRecord& type, Orin::AttributeId
 }
 
 }  // namespace Vex
+
+// A node knows that it has a type; what a type is, only this folder knows.
+namespace Orin {
+
+const Vex::TypeRecord& Node::typeData() const {
+    Vex::assertFail("class has a type record", "platform/Orin/Node", __LINE__, __PRETTY_FUNCTION__);
+}
+
+Vex::FwkType Node::fwkType() const {
+    const std::optional<Vex::FwkType> place = Vex::placeOf(typeData());
+    Vex::assertThat(place.has_value(), "type is registered", "platform/Orin/Node", __LINE__,
+                    __PRETTY_FUNCTION__);
+    return *place;
+}
+
+}  // namespace Orin

@@ -2,6 +2,7 @@
 
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "platform/Orin/Export.h"
 #include "platform/Vex/TypeRecord.h"
@@ -35,5 +36,9 @@ private:
 PLATFORM_API std::span<const Module* const> modules() noexcept;
 /// The type with this full name in any registered module; null if there is none.
 PLATFORM_API const TypeRecord* typeNamed(std::string_view fullName) noexcept;
+
+/// Returns the types that are in no registered module, among this one, the types of the children
+/// that its attributes hold, and so on down the tree.
+PLATFORM_API std::vector<const TypeRecord*> unregisteredTypes(const TypeRecord& type);
 
 }  // namespace Vex

@@ -27,7 +27,7 @@ struct ValueTraits<Orin::Ptr<T>> {
         const auto* node = value.as<NodeRef>().get();
         if (node == nullptr) return nullptr;
         if (&node->typeData() != type.record) throw std::bad_cast();
-        return Orin::Ptr<T>(static_cast<T*>(const_cast<TypedNode*>(node)));
+        return Orin::Ptr<T>::sharing(static_cast<T*>(const_cast<TypedNode*>(node)));
     }
 };
 
@@ -43,7 +43,7 @@ struct ValueTraits<Nested<R>> : ValueTraits<typename R::Notifier> {
 
 template <class Sm>
 struct ValueTraits<Child<Sm>> : ValueTraits<Orin::Ptr<Sm>> {
-    static Value to(const Child<Sm>& child) { return NodeRef(child.get()); }
+    static Value to(const Child<Sm>& child) { return NodeRef::sharing(child.get()); }
 };
 
 template <ValueRecord T>

@@ -3,7 +3,7 @@
 namespace Vex {
 
 void PublishingNode::publish(Orin::AttributeId id, const void* key) const {
-    const Orin::Ptr<const PublishingNode> held(this);
+    const auto held = Orin::Ptr<const PublishingNode>::sharing(this);
     publisher_.publishChangeRecursive(id, key);
 }
 

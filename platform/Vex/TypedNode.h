@@ -20,9 +20,7 @@ struct FwkType {
 /// A node that can describe itself: every machine and every entity.
 class PLATFORM_API TypedNode : public Orin::Node {
 public:
-    virtual const TypeRecord& typeData() const = 0;
-    /// Ends the process when the type is in no registered module.
-    FwkType fwkType() const;
+    const TypeRecord& typeData() const override = 0;
 };
 
 }  // namespace Vex

@@ -123,7 +123,7 @@ TEST_F(MounterLifeTest, isDrivenThroughTheSlotsOfItsBases) {
     EXPECT_EQ(slotOf(&Agent::MounterPlugin::MounterBase::doMounts), 12u);
     EXPECT_EQ(slotOf(&Strata::Mounter::handleParent), 5u);
     EXPECT_EQ(slotOf(&Orin::Node::lastUserGone), 2u);
-    EXPECT_EQ(slotOf(&::Plugin::PluginBase<Context>::init), 2u);
+    EXPECT_EQ(slotOf(&PluginBase<Context>::init), 2u);
 }
 
 TEST_F(MounterLifeTest, describesItself) {
@@ -138,7 +138,7 @@ TEST_F(MounterLifeTest, describesItself) {
 }
 
 TEST_F(MounterLifeTest, tracesItsMounts) {
-    const auto group = Orin::Ptr<Strata::MountGroup>::adopt(new Strata::MountGroup);
+    const auto group = Orin::Ptr<Strata::MountGroup>::adopt(new Strata::MountGroup(manager));
     const Lines lines = traced([&] {
         mounter->doPluginSpecificMounts(group);
         mounter->doPluginSpecificMountsComplete(Strata::mountSuccess_, manager);
@@ -258,6 +258,15 @@ TEST_F(MounterProcessTest, isStoppedByAMissingWatchedInput) {
     EXPECT_DEATH(withoutPath("acl/config/cli"), "Assertion `aclCliConfig' failed");
     EXPECT_DEATH(withoutPath("qos/openconfig/config/classifiers"),
                  "Assertion `classifierConfigDir' failed");
+}
+
+TEST_F(MounterProcessTest, isStoppedByAMissingStateTree) {
+    manager->entityIs("qos/openconfig/state/classifiers", noEntity());
+    mounter->doPluginSpecificMountsComplete(Strata::mountSuccess_, manager);
+    EXPECT_DEATH(mounter->createSm(),
+                 "QosOpenConfig/QosOpenConfigClassifierStateSm:907: void "
+                 "QosOc::ClassifierStateSm::handleInitialized\\(\\): Assertion "
+                 "`classifierStateDir' failed");
 }
 
 }  // namespace

@@ -85,7 +85,7 @@ protected:
         manager->entityIs("acl/config/cli", aclCliConfig);
         manager->entityIs("qos/input/config/cli", qosCliConfig);
         manager->entityIs("qos/openconfig/config/classifiers", configDir);
-        manager->entityIs("qos/openconfig/state/classifiers", root);
+        manager->entityIs("qos/openconfig/state/classifiers", root, Strata::Access::readAndWrite);
     }
     static Orin::Ptr<Vex::TypedNode> noEntity() { return nullptr; }
     /// What an attribute of the mounter holds.

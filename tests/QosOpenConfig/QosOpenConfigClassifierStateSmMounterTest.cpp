@@ -71,7 +71,7 @@ TEST_F(ClassifierStateSmMounterTest, publishesNothingForTheInputThatItHas) {
 }
 
 TEST_F(ClassifierStateSmMounterTest, asksForItsMountsInOrder) {
-    const auto group = Orin::Ptr<Strata::MountGroup>::adopt(new Strata::MountGroup);
+    const auto group = Orin::Ptr<Strata::MountGroup>::adopt(new Strata::MountGroup(manager));
     mounter->doPluginSpecificMounts(group);
     Lines mounts;
     for (const Strata::Mount& mount : group->mounts())

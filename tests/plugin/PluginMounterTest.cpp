@@ -41,7 +41,8 @@ TEST_F(PluginMounterTest, writesTheStateOfTheInputs) {
 
 TEST_F(PluginMounterTest, mountsTheFiveSubtrees) {
     const Mounters mounters(db.database);
-    const auto group = Orin::Ptr<Strata::MountGroup>::adopt(new Strata::MountGroup);
+    const auto group =
+        Orin::Ptr<Strata::MountGroup>::adopt(new Strata::MountGroup(db.database.entityManager()));
     mounters.front().doPluginSpecificMounts(group);
     Lines mounts;
     for (const Strata::Mount& mount : group->mounts()) {
@@ -83,8 +84,8 @@ TEST_F(PluginMounterTest, numbersItsAttributesFrom642) {
 TEST_F(PluginMounterTest, takesNullForEntitiesThatAreMissingOrOfAnotherType) {
     const Mounters mounters(db.database);
     const auto other = Orin::Ptr<Strata::EntityManager>::adopt(new Strata::EntityManager);
-    other->entityIs("qos/status", Orin::Ptr<Vex::TypedNode>(&root("acl/config/cli")));
-    other->entityIs("acl/config/cli", Orin::Ptr<Vex::TypedNode>(&root("acl/config/cli")));
+    other->entityIs("qos/status", Orin::Ptr<Vex::TypedNode>::sharing(&root("acl/config/cli")));
+    other->entityIs("acl/config/cli", Orin::Ptr<Vex::TypedNode>::sharing(&root("acl/config/cli")));
     mounters.front().doPluginSpecificMountsComplete(Strata::mountSuccess_, other);
     EXPECT_EQ(mounters.held("qosStatus"), nullptr);
     EXPECT_EQ(mounters.held("aclCliConfig"), &root("acl/config/cli"));
@@ -110,7 +111,7 @@ TEST_F(PluginMounterTest, leavesTheSameBytesAndReactsNoMoreOnceItIsGone) {
 TEST_F(PluginMounterTest, takesUpTheStateOfItsPredecessor) {
     { const Mounters mounters(db.database); }
     const std::string bytes = db.at(kState);
-    const auto tree = Orin::Ptr<QosOc::State::ClassifiersDir>(
+    const auto tree = Orin::Ptr<QosOc::State::ClassifiersDir>::sharing(
         static_cast<QosOc::State::ClassifiersDir*>(&root(kState)));
     TestSupport::StateRecorder heard(tree);
     const Mounters mounters(db.database);

@@ -9,7 +9,7 @@ constinit const Vex::TypeRecord ClassifiersDir::kTypeRecord = Vex::recordOf<Clas
 ClassifiersDir::~ClassifiersDir() = default;
 
 Orin::Ptr<Classifier> ClassifiersDir::classifierIs(const Orin::String& name) {
-    if (Classifier* held = classifier(name)) return Orin::Ptr<Classifier>(held);
+    if (Classifier* held = classifier(name)) return Orin::Ptr<Classifier>::sharing(held);
     const auto made = Classifier::create(name);
     memberIs(kClassifier.id, classifier_, name, made);
     return made;

@@ -92,6 +92,8 @@ TEST_F(MounterPluginTest, tellsAMounterThatOutlivesTheContext) {
 TEST_F(MounterPluginTest, letsGoOfTheLastMounterFirst) {
     static std::vector<int> gone;
     static int next = 0;
+    gone.clear();
+    next = 0;
     class Numbered final : public MounterBase {
     public:
         Numbered() : MounterBase("Numbered") {}
@@ -124,6 +126,58 @@ TEST_F(MounterPluginTest, makesNothingOfItsPlaceInAnotherEntity) {
     mounter->handleParent();
     EXPECT_THAT(steps, IsEmpty());
     EXPECT_EQ(mounter->mountStatus(), Strata::mountUnknown_);
+}
+
+/// Asks for one mount, and asserts that it was granted.
+class AskingMounter final : public QosOc::MounterBase {
+public:
+    AskingMounter() : MounterBase("AskingMounter") {}
+    const Vex::TypeRecord& typeData() const override { return Harbour::Port::kTypeRecord; }
+    void doPluginSpecificMounts(const Orin::Ptr<Strata::MountGroup>& mountGroup) override {
+        mountGroup->doMount(Strata::Mount(path, Harbour::Tide::kTypeName));
+    }
+    void doPluginSpecificMountsComplete(Strata::MountStatus status,
+                                        const Orin::Ptr<Strata::EntityManager>&) override {
+        completedAs = status;
+    }
+    void createSm() override {}
+
+    static inline const char* path = "";
+    static inline Strata::MountStatus completedAs = Strata::mountUnknown_;
+};
+
+TEST_F(MounterPluginTest, completesMountsThatTheDatabaseGrants) {
+    entities->entityIs("harbour/tide", Harbour::Tide::create());
+    AskingMounter::path = "harbour/tide";
+    ::testing::internal::CaptureStderr();
+    Plugin<AskingMounter>().init(context.get());
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(AskingMounter::completedAs, Strata::mountSuccess_);
+}
+
+TEST_F(MounterPluginTest, failsMountsThatTheDatabaseRefusesAndNamesThePath) {
+    AskingMounter::path = "harbour/tode";
+    ::testing::internal::CaptureStderr();
+    Plugin<AskingMounter>().init(context.get());
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "AskingMounter: cannot mount \"harbour/tode\": there is no such path\n");
+    EXPECT_EQ(AskingMounter::completedAs, Strata::mountFailed_);
+}
+
+TEST_F(MounterPluginTest, namesTheTypesThatAreInNoModule) {
+    static constexpr Vex::TypeRecord kStray{"Harbour::Stray", {}, nullptr};
+    class StrayMounter final : public MounterBase {
+    public:
+        StrayMounter() : MounterBase("StrayMounter") {}
+        const Vex::TypeRecord& typeData() const override { return kStray; }
+        void doMountsComplete(Strata::MountStatus,
+                              const Orin::Ptr<Strata::EntityManager>&) override {}
+        void doMounts() override {}
+    };
+    ::testing::internal::CaptureStderr();
+    Plugin<StrayMounter>().init(context.get());
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "StrayMounter: the type Harbour::Stray is in no registered module\n");
 }
 
 TEST_F(MounterPluginTest, placesTheSlotsOfAMounterAsPluginsExpectThem) {

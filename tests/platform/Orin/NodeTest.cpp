@@ -45,7 +45,7 @@ public:
     explicit SelfHolding(int& destroyed) : destroyed_(destroyed) {}
     ~SelfHolding() override {
         ++destroyed_;
-        if (destroyed_ == 1) const Ptr<Node> held(this);
+        if (destroyed_ == 1) const Ptr<Node> held = Ptr<Node>::sharing(this);
     }
 
 private:

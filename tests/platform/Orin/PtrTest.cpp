@@ -41,6 +41,23 @@ TEST_F(PtrTest, isNullByDefault) {
     EXPECT_EQ(none, Ptr<Buoy>(nullptr));
 }
 
+// `Ptr<Buoy>(new Buoy(log))` would leave a second owner that nobody knows of.
+static_assert(!std::is_constructible_v<Ptr<Buoy>, Buoy*>);
+static_assert(!std::is_constructible_v<Ptr<const Buoy>, const Buoy*>);
+
+TEST_F(PtrTest, sharesANodeThatSomebodyOwns) {
+    const Ptr<Buoy> buoy = made();
+    {
+        const Ptr<Buoy> again = Ptr<Buoy>::sharing(buoy.get());
+        const auto constant = Ptr<const Buoy>::sharing(buoy.get());
+        EXPECT_EQ(again, buoy);
+        EXPECT_EQ(constant, buoy);
+        EXPECT_EQ(buoy->userCount(), 3u);
+    }
+    EXPECT_EQ(buoy->userCount(), 1u);
+    EXPECT_FALSE(Ptr<Buoy>::sharing(nullptr));
+}
+
 TEST_F(PtrTest, adoptsTheOwnershipThatANodeIsBornWith) {
     const Ptr<Buoy> buoy = made();
     EXPECT_EQ(buoy->userCount(), 1u);

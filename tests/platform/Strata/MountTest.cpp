@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 #include "platform/Strata/Mount.h"
 
@@ -51,16 +49,6 @@ TEST_F(MountTest, refusesUnknownLettersWholly) {
     EXPECT_THAT([&] { mount.handleFlags("wx"); },
                 ::testing::ThrowsMessage<std::invalid_argument>(::testing::HasSubstr("'x'")));
     EXPECT_EQ(mount.flags().val(), kRead);
-}
-
-TEST(MountGroupTest, keepsMountsInTheOrderInWhichTheyWereAskedFor) {
-    const auto group = Orin::Ptr<MountGroup>::adopt(new MountGroup);
-    group->doMount(Mount("b", "B"));
-    group->doMount(Mount("a", "A"));
-    std::vector<std::string> paths;
-    for (const Mount& mount : group->mounts())
-        paths.push_back(mount.path());
-    EXPECT_EQ(paths, (std::vector<std::string>{"b", "a"}));
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 #include "platform/Vex/Derive.h"
 #include "platform/Vex/Module.h"
 #include "tests/support/Harbour.h"
+#include "tests/support/HarbourMachines.h"
 #include "tests/support/Printers.h"
 
 namespace Harbour {
@@ -45,6 +47,15 @@ TEST_F(ModuleTest, isRegisteredFromConstructionToDestruction) {
     }
     EXPECT_FALSE(isRegistered(kSecond));
     EXPECT_EQ(Vex::typeNamed("Harbour::Raft"), nullptr);
+}
+
+TEST_F(ModuleTest, tellsWhichTypesAreInNone) {
+    using ::testing::ElementsAre;
+    EXPECT_THAT(Vex::unregisteredTypes(Port::kTypeRecord), ::testing::IsEmpty());
+    EXPECT_THAT(Vex::unregisteredTypes(Raft::kTypeRecord), ElementsAre(&Raft::kTypeRecord));
+    EXPECT_THAT(Vex::unregisteredTypes(PortSm::kTypeRecord), ::testing::IsEmpty());
+    const Vex::ModuleRegistration second(kSecond);
+    EXPECT_THAT(Vex::unregisteredTypes(Raft::kTypeRecord), ::testing::IsEmpty());
 }
 
 TEST_F(ModuleTest, keepsItsIndexWhenAnotherLeaves) {

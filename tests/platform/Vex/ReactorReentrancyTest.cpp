@@ -236,7 +236,7 @@ public:
         const auto ship = Ship::create(nameOf(member));
         ship->draughtIs(static_cast<std::uint16_t>(member));
         captain_->mates().createOrKeep("mate", &Ship::name, Orin::Ptr<const Ship>(ship),
-                                       Orin::Ptr<const Tide>(&stage_.tide()));
+                                       Orin::Ptr<const Tide>::sharing(&stage_.tide()));
     }
     void remove(int member) {
         if (captain_) captain_->mates().remove(nameOf(member));
