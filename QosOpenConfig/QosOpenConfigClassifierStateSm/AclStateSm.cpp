@@ -59,15 +59,22 @@ void AclStateSm::handleInitialized() {
 
 void AclStateSm::handleAclSubConfig() {
     traceOf(this, kHandleAclSubConfig);
-    if (aclConfig_->aclSubConfig())
-        aclSubStateSmIs(aclConfig_->aclSubConfig().asConst(), aclNameAndType_, classifierStateDir_);
-    else
-        aclSubStateSm_.prepareAndRemove();
+    const bool isLive =
+        aclSubStateSm_.reconcile(aclConfig_->aclSubConfig(), [this](const auto& aclSubConfig) {
+            aclSubStateSmIs(aclSubConfig, aclNameAndType_, classifierStateDir_);
+        });
+    // This machine took its state back while its child was at work: the child has emptied the
+    // conditions since, so they have to be removed again.
+    if (!isLive) removeConditions();
 }
 
 void AclStateSm::doPrepareToDie() {
     traceOf(this, kDoPrepareToDie);
     aclSubStateSm_.prepareAndRemove();
+    removeConditions();
+}
+
+void AclStateSm::removeConditions() {
     const ClassifierKey& key = classifierKeyFromConfigObjName(aclConfig_->aclName());
     // The child has emptied the conditions; with the list itself the container goes too.
     if (key.isTerm())

@@ -42,6 +42,8 @@ public:
                         Vex::On<Acl::AclConfig::kAclSubConfig, &AclStateSm::handleAclSubConfig>>;
 
 private:
+    void removeConditions();
+
     Vex::Watched<Acl::AclConfig> aclConfig_;
     StateDir classifierStateDir_;
     Orin::Ptr<const AclNameAndType> aclNameAndType_;

@@ -67,12 +67,10 @@ void ClassifierConfigSm::handleInitialized() {
 void ClassifierConfigSm::handleClassifierTerms() {
     const Config::ClassifierConfig& config = classifierConfig_->config();
     traceOf(this, kHandleClassifierTerms, ", classifierName = ", config.name);
-    if (classifierConfig_->terms())
-        classifierTermsSmIs(classifierConfig_->terms().asConst(), config.name,
-                            config.type.value_or(Classifier::Type::IPV4), classifiersWithPmap_,
-                            classifierStateDir_);
-    else
-        classifierTermsSm_.prepareAndRemove();
+    classifierTermsSm_.reconcile(classifierConfig_->terms(), [&](const auto& terms) {
+        classifierTermsSmIs(terms, config.name, config.type.value_or(Classifier::Type::IPV4),
+                            classifiersWithPmap_, classifierStateDir_);
+    });
 }
 
 void ClassifierConfigSm::doPrepareToDie() {

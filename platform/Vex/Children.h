@@ -7,6 +7,7 @@
 #include "platform/Orin/Ptr.h"
 #include "platform/Vex/Errors.h"
 #include "platform/Vex/HashMap2018.h"
+#include "platform/Vex/Turn.h"
 
 namespace Vex {
 
@@ -23,9 +24,9 @@ public:
     }
     const Members& members() const noexcept { return byKey_; }
 
-    /// The child under the key of its first input, which is what its member function `keyOf` gives:
-    /// the one that is there, or a new one. The reference is good while the child is there. Throws
-    /// the null-argument error, naming `attribute`, when the first input is null; the
+    /// Returns the child under the key of its first input (the result of its member function
+    /// `keyOf`): the present one, or a new one. The reference is valid while the child is there.
+    /// Throws the null-argument error, naming `attribute`, when the first input is null; the
     /// re-instantiation error when the one that is there was made from other inputs.
     template <class KeyOf, class First, class... A>
     const Orin::Ptr<Sm>& createOrKeep(std::string_view attribute, KeyOf keyOf,
@@ -43,30 +44,34 @@ public:
         ++changes_;
         return byKey_.remove(key).value_or(nullptr);
     }
-    /// The pattern of every member handler: a member that the input holds gets its child through
-    /// `create`; the child of one that is gone (or null) takes its state back and is removed.
+    /// The pattern of every member handler. If the input has a member under the key, `create`
+    /// makes or keeps its child; if the member is gone or null, the child takes its state back and
+    /// is removed. If a subscriber changes the member meanwhile, the child is removed and the
+    /// member is looked at again.
     template <class Input, class Create>
     void reconcile(const K& key, const Input& input, Create create) {
-        const auto* member = input.find(key);
-        if (member != nullptr && *member)
-            create(member->asConst());
-        else
-            prepareAndRemove(key);
-    }
-    /// Lets the child take its state back, then removes it. Nothing happens when there is none.
-    void prepareAndRemove(const K& key) {
-        auto* member = byKey_.member(key);
-        if (member == nullptr) return;
-        const Orin::Ptr<Sm> gone = member->value;
-        const std::uint32_t changes = changes_;
-        gone->doPrepareToDie();
-        // Who was told of what it took back may have removed it, too, or made another.
-        if (changes_ != changes) [[unlikely]] {
-            member = byKey_.member(key);
-            if (member == nullptr || !(member->value == gone)) return;
+        const auto find = [&] {
+            const auto* member = input.find(key);
+            return member == nullptr ? nullptr : &member->asConst();
+        };
+        if (Turn* turn = turnOn(key)) [[unlikely]] {
+            const auto* member = find();
+            turn->memberIs(member == nullptr ? nullptr : member->get());
+            return;
         }
-        ++changes_;
-        byKey_.erase(*member);
+        inTurn(key, [&](Turn& turn) { turn.settle(find, create, [&] { takeDown(key); }); });
+    }
+    /// Lets the child take its state back, then removes it; no-op if there is none. The parent must
+    /// be ending: no child is made under the key again.
+    void prepareAndRemove(const K& key) {
+        if (Turn* turn = turnOn(key)) [[unlikely]] {
+            turn->parentEnds();
+            return;
+        }
+        inTurn(key, [&](Turn& turn) {
+            turn.parentEnds();
+            takeDown(key);
+        });
     }
 
     void activeIs(bool active) {
@@ -79,11 +84,44 @@ public:
     }
 
 private:
+    struct KeyTurn : Turn {
+        KeyTurn(const K& k, KeyTurn* o) noexcept : key(k), outer(o) {}
+        const K& key;
+        KeyTurn* outer;
+    };
+
+    /// The turn on the key that is under way; null if there is none.
+    Turn* turnOn(const K& key) const noexcept {
+        KeyTurn* turn = turn_;
+        while (turn != nullptr && !(turn->key == key))
+            turn = turn->outer;
+        return turn;
+    }
+    template <class Work>
+    void inTurn(const K& key, Work work) {
+        KeyTurn turn(key, turn_);
+        const ScopedPointer<KeyTurn> current(turn_, &turn);
+        work(turn);
+    }
+    void takeDown(const K& key) {
+        auto* member = byKey_.member(key);
+        if (member == nullptr) return;
+        const Orin::Ptr<Sm> gone = member->value;
+        const std::uint32_t changes = changes_;
+        gone->doPrepareToDie();
+        // A subscriber of the state may have removed the child through `remove`.
+        if (changes_ != changes) [[unlikely]] {
+            member = byKey_.member(key);
+            if (member == nullptr || !(member->value == gone)) return;
+        }
+        ++changes_;
+        byKey_.erase(*member);
+    }
     template <class... A>
     const Orin::Ptr<Sm>& created(const K& key, const A&... given) {
         const std::uint32_t changes = changes_;
         Orin::Ptr<Sm> child = Sm::create(given...);
-        // Who was told of what the new one wrote may have asked for it, too.
+        // A subscriber of the state may have asked for the same child.
         if (changes_ != changes) [[unlikely]]
             if (const Orin::Ptr<Sm>* held = byKey_.find(key)) return *held;
         ++changes_;
@@ -91,6 +129,8 @@ private:
     }
 
     Members byKey_;
+    /// The innermost turn that is under way; null if there is none.
+    KeyTurn* turn_ = nullptr;
     /// Counts what was entered or removed, to see whether more was meanwhile.
     std::uint32_t changes_ = 0;
 };

@@ -118,10 +118,7 @@ void PortSm::handleShip(const Orin::String& name) {
 
 void PortSm::handleTide() {
     ++changes_;
-    if (port_->tide())
-        tideSmIs(port_->tide(), board_);
-    else
-        tideSm_.prepareAndRemove();
+    tideSm_.reconcile(port_->tide(), [this](const auto& tide) { tideSmIs(tide, board_); });
 }
 
 void PortSm::handleSignal() {
