@@ -1,14 +1,9 @@
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/AclTypeStateSm.h"
 
-#include <cstdint>
-#include <string>
-#include <string_view>
-#include <unordered_set>
-#include <vector>
-
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/Trace.h"
 #include "platform/QosOc/Naming.h"
 #include "platform/Vex/Derive.h"
+#include "platform/Vex/RecordedMap.h"
 
 namespace QosOc {
 namespace {
@@ -24,52 +19,33 @@ constexpr auto kHandleInitialized =
 constexpr auto kHandleInitializedStale =
     tracePoint("handleInitialized", "void QosOc::AclTypeStateSm::handleInitialized()", 363);
 
-using AclConfigs = Acl::Input::AclTypeConfig::AclConfigs;
-
-/// A classifier that access lists name, and how many of them are configured.
-struct NamedClassifier {
-    String name;
-    std::size_t configured = 0;
-};
-
-/// The classifiers in the order of their lists. Those of one classifier are neighbours, as their
-/// names begin with its name.
-class NamedClassifiers {
-public:
-    void add(const String& classifierName, bool isConfigured) {
-        if (classifiers_.empty() || !(classifiers_.back().name == classifierName))
-            classifiers_.push_back({classifierName});
-        classifiers_.back().configured += isConfigured ? 1 : 0;
-    }
-    auto begin() const noexcept { return classifiers_.begin(); }
-    auto end() const noexcept { return classifiers_.end(); }
-
-private:
-    std::vector<NamedClassifier> classifiers_;
-};
-
-/// False if each of the classifier's terms is that of a configured list. Counting them is enough
-/// where the terms of all such lists are there.
-bool hasOtherTerms(const State::ClassifiersDir& root, const NamedClassifier& named) {
-    const State::Classifier* classifier = root.classifier(named.name);
-    return classifier != nullptr && classifier->terms() != nullptr &&
-           classifier->terms()->term().size() != named.configured;
+const String& itself(const String& id) noexcept {
+    return id;
 }
 
-/// Takes away the conditions of terms that no list stands for.
+/// A classifier, and the ids of its terms that access lists name.
+struct NamedClassifier {
+    String name;
+    Vex::RecordedMap<String, &itself> termIds;
+};
+using NamedClassifiers = Vex::RecordedMap<NamedClassifier, &NamedClassifier::name>;
+
+void addTerm(NamedClassifiers& named, const ClassifierKey& key) {
+    NamedClassifier* classifier = named.find(key.classifierName);
+    if (classifier == nullptr) classifier = &named.is({key.classifierName, {}});
+    classifier->termIds.is(key.termId);
+}
+
+/// Removes the conditions of the terms that no access list names.
 void removeStaleConditions(const StateDir& root, State::Classifier& classifier,
-                           const AclConfigs& lists) {
-    // They may go with what is told.
-    const Orin::Ptr<const State::Classifier> held(&classifier);
-    const Orin::Ptr<State::Terms> terms(classifier.terms());
+                           const NamedClassifier& named) {
+    // A subscriber may remove both.
+    const auto held = Orin::Ptr<const State::Classifier>::sharing(&classifier);
+    const auto terms = Orin::Ptr<State::Terms>::sharing(classifier.terms());
     if (!terms) return;
-    const String& name = classifier.name();
-    for (const auto& member : terms->term()) {
-        if (!member.value.conditions) continue;
-        const std::string aclName = configObjName(name, member.key);
-        if (lists.find(std::string_view(aclName)) == nullptr)
-            deleteClassifierTermCondition(root, name, member.key, true);
-    }
+    for (const auto& member : terms->term())
+        if (member.value.conditions && named.termIds.find(member.key) == nullptr)
+            deleteClassifierTermCondition(root, named.name, member.key, true);
 }
 
 }  // namespace
@@ -111,23 +87,16 @@ void AclTypeStateSm::aclStateSmDelAll() {
 void AclTypeStateSm::handleInitialized() {
     traceOf(this, kHandleInitialized);
     NamedClassifiers named;
-    const std::uint32_t removalsBefore = stateRemovals();
     for (const auto& member : aclTypeConfig_->aclConfig()) {
         const ClassifierKey& key = classifierKeyFromConfigObjName(member.key);
         if (!key.isTerm()) continue;
-        named.add(key.classifierName, member.value != nullptr);
         handleAclConfig(member.key);
+        addTerm(named, key);
     }
     traceOf(this, kHandleInitializedStale, ", removing the stale entries");
-    const bool isComplete = stateRemovals() == removalsBefore;
-    std::unordered_set<String> suspects;
-    for (const NamedClassifier& classifier : named)
-        if (!isComplete || hasOtherTerms(*classifierStateDir_, classifier))
-            suspects.insert(classifier.name);
-    if (suspects.empty()) return;
     for (const auto& member : classifierStateDir_->classifier())
-        if (suspects.contains(member.key))
-            removeStaleConditions(classifierStateDir_, *member.value, aclTypeConfig_->aclConfig());
+        if (const NamedClassifier* classifier = named.find(member.key))
+            removeStaleConditions(classifierStateDir_, *member.value, *classifier);
 }
 
 void AclTypeStateSm::handleAclConfig(const String& aclName) {

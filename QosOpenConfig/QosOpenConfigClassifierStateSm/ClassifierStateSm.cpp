@@ -135,6 +135,7 @@ void ClassifierStateSm::handleInitialized() {
     assertMounted(static_cast<bool>(qosStatus_), "qosStatus");
     assertMounted(static_cast<bool>(aclCliConfig_), "aclCliConfig");
     assertMounted(static_cast<bool>(classifierConfigDir_), "classifierConfigDir");
+    assertMounted(static_cast<bool>(classifierStateDir_), "classifierStateDir");
     classifiersWithPmap_ = ClassifiersWithPmap::ClassifiersWithPmapIs();
     for (const auto& member : qosStatus_->pmapTypeStatus())
         handlePmapTypeStatus(member.key);

@@ -11,6 +11,8 @@
 
 namespace QosOc {
 
+struct OwnNames;
+
 /// Makes the classes of one policy map terms of its two classifiers, and gives each term the target
 /// group of the traffic class that its class sets.
 class PmapStatusSm final : public Vex::Reactor<PmapStatusSm> {
@@ -82,25 +84,16 @@ public:
 private:
     /// The policy map's name; empty without a policy map.
     const Orin::String& pmapName() const noexcept;
-    bool isOwn(const Orin::String& classifierName) const noexcept;
+    OwnNames ownNames() const noexcept;
     Orin::String targetGroupOf(const Qos::PolicyMapClass& policyMapClass) const;
-    template <class Visit>
-    void eachTerm(Visit visit) const;
-    template <class Fill>
-    ClassifierMetaData::Ptr recordFilledBy(Fill fill) const;
-    /// What the classes say now, written or not.
-    ClassifierMetaData::Ptr termActions() const;
+    /// Writes the terms of all classes and their actions; calls `record` with the key and the
+    /// target group of each.
     template <class Record>
     void writeTermActions(Record record);
-    /// Returns the class's target group.
+    /// Writes the term of a class and its action, and returns the class's target group.
     Orin::String writeTermAction(const StatePlace& place, const ClassifierKey& key,
                                  const Orin::String& cmapName,
                                  const Qos::PolicyMapClass& policyMapClass) const;
-    /// Writes the terms of all classes and their actions; true when others have actions left.
-    bool writeAndFindStale();
-    std::size_t storedActions(const Orin::String& classifierName) const;
-    template <class Members, class Visit>
-    void eachOwn(const Members& members, Visit visit) const;
     void removeStaleTermActions(const ClassifierMetaData& metaData);
     void removeStaleTermActions(const State::Classifier& classifier, const ClassifierInfo& info);
     void giveBack(const Config::Classifier& configured);

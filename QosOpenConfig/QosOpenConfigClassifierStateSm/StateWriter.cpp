@@ -47,35 +47,49 @@ inline void traceAddClassifierTerm(const String& name, Classifier::Type type,
     traceAddClassifier(name, type);
 }
 
-/// Who is told of a new classifier or term may take it away at once: what is made is held.
+/// Keeps a classifier for the call: a subscriber may remove it as soon as it is notified.
 using ClassifierPtr = Orin::Ptr<State::Classifier>;
 
 ClassifierPtr classifierMade(const StatePlace& place, const String& name, Classifier::Type type) {
-    if (State::Classifier* existing = place.classifier(name)) return ClassifierPtr(existing);
+    if (State::Classifier* existing = place.classifier(name))
+        return ClassifierPtr::sharing(existing);
     const State::ClassifierState state{name, type};
     const ClassifierPtr made = place.root().classifierIs(name);
     made->stateIs(state);
     return made;
 }
 
-/// What is asked for, kept: it may go with what is told.
+/// Copies of the arguments: a subscriber may remove what they are part of.
 struct Kept {
     String name;
     String termId;
     String targetGroup{};
 };
 
-/// Makes a term, and what is above it first; whoever was told of that may have made it already.
+/// Creates a term after its classifier and its container. A subscriber may remove the classifier as
+/// soon as it is created, and create it again: the term goes to the one that is in the tree then.
 void newTermFromAbove(const StatePlace& place, const String& name, Classifier::Type type,
                       const String& termId) {
     const Kept kept{name, termId};
-    const ClassifierPtr classifier = classifierMade(place, name, type);
+    classifierMade(place, name, type);
     place.forget();
+    const auto classifier = ClassifierPtr::sharing(place.root().classifier(kept.name));
+    if (classifier == nullptr) return;
     const Orin::Ptr<State::Terms> terms = classifier->termsIs();
     if (terms->term(kept.termId) == nullptr) terms->bareTermIs(kept.termId);
 }
 
-/// Makes a term that was not there.
+/// Stores a target group, which may be empty, in a term that exists; false if there is no such
+/// term.
+bool storedTermActionIs(const StatePlace& place, const String& name, const String& termId,
+                        const String& targetGroup) {
+    State::Term* term = place.term(name, termId);
+    if (term == nullptr) return false;
+    if (place.terms().targetGroupIs(*term, targetGroup)) place.forget();
+    return true;
+}
+
+/// Creates a term that does not exist.
 void newTerm(const StatePlace& place, const String& name, Classifier::Type type,
              const String& termId) {
     const State::Classifier* classifier = place.classifier(name);
@@ -85,8 +99,6 @@ void newTerm(const StatePlace& place, const String& name, Classifier::Type type,
     classifier->terms()->bareTermIs(termId);
 }
 
-std::uint32_t removals = 0;
-
 }  // namespace
 
 void addClassifier(const StatePlace& place, const String& name, Classifier::Type type) {
@@ -94,14 +106,9 @@ void addClassifier(const StatePlace& place, const String& name, Classifier::Type
     classifierMade(place, name, type);
 }
 
-std::uint32_t stateRemovals() noexcept {
-    return removals;
-}
-
 void deleteClassifier(const StatePlace& place, const String& name) {
     trace(kDeleteClassifier, ", classifierName = ", name);
     place.forget();
-    ++removals;
     place.root().classifierDel(name);
 }
 
@@ -114,8 +121,7 @@ void addClassifierTerm(const StatePlace& place, const String& name, Classifier::
 void deleteClassifierTerm(const StatePlace& place, const String& name, const String& termId) {
     trace(kDeleteClassifierTerm, ", classifierName = ", name, ", termId = ", termId);
     place.forget();
-    ++removals;
-    const ClassifierPtr classifier(place.root().classifier(name));
+    const auto classifier = ClassifierPtr::sharing(place.root().classifier(name));
     if (classifier == nullptr || classifier->terms() == nullptr) return;
     classifier->terms()->termDel(termId);
     const State::Terms* left = classifier->terms();

@@ -1,25 +1,24 @@
 #pragma once
 
-#include <cstdint>
-
 #include "platform/Orin/Ptr.h"
 #include "platform/Orin/String.h"
 #include "platform/Orin/Vector.h"
 #include "platform/QosOc/ClassifierType.h"
 #include "platform/QosOc/State/ClassifiersDir.h"
 
-/// The only code that writes the state tree. Every function decides by the tree as it stands and
-/// may be repeated; what is absent already is no error. The root is never null.
+/// The only code that writes the state tree. Every function looks at the tree as it is and may be
+/// repeated; removing what is absent is a no-op. The root is never null. A caller that writes
+/// several times in a row passes a `StatePlace` in place of the root.
 namespace QosOc {
 
 using StateDir = Orin::Ptr<State::ClassifiersDir>;
 
-/// The state tree, and where in it was looked last: who writes several times in a row need not have
-/// the same classifier and term looked up each time. Every change makes it forget. Between two
-/// writes through one place nobody else may change the tree, so it does not outlive a handler.
+/// The state tree, and the classifier and term that were looked up in it last, so that several
+/// writes in a row need not look them up each time. Every change clears both. Nobody else may
+/// change the tree between two writes through one place, so it must not outlive a handler.
 class StatePlace {
 public:
-    StatePlace(const StateDir& root) noexcept : root_(*root) {}
+    explicit StatePlace(const StateDir& root) noexcept : root_(*root) {}
     StatePlace(const StatePlace&) = delete;
     StatePlace& operator=(const StatePlace&) = delete;
 
@@ -48,48 +47,66 @@ private:
     mutable State::Term* term_ = nullptr;  // of `classifier_`
 };
 
-/// Makes the classifier exist. One that exists keeps everything, the type it was first created
-/// with included.
+/// Adds the classifier, unless it exists: then it keeps everything, its type included.
 void addClassifier(const StatePlace& place, const Orin::String& name, Classifier::Type type);
+inline void addClassifier(const StateDir& root, const Orin::String& name, Classifier::Type type) {
+    addClassifier(StatePlace(root), name, type);
+}
 /// Removes the classifier with its terms.
 void deleteClassifier(const StatePlace& place, const Orin::String& name);
+inline void deleteClassifier(const StateDir& root, const Orin::String& name) {
+    deleteClassifier(StatePlace(root), name);
+}
 
-/// How often classifiers or terms were taken away so far, from any tree: where it is what it was,
-/// all that was there is still there. Wraps.
-std::uint32_t stateRemovals() noexcept;
-
-/// Makes the term exist, and its classifier; a term that exists keeps what it has.
+/// Adds the term, and its classifier if needed. A term that exists keeps what it has.
 void addClassifierTerm(const StatePlace& place, const Orin::String& name, Classifier::Type type,
                        const Orin::String& termId);
-/// Removes the term; the terms container goes with the last one, the classifier stays.
+inline void addClassifierTerm(const StateDir& root, const Orin::String& name, Classifier::Type type,
+                              const Orin::String& termId) {
+    addClassifierTerm(StatePlace(root), name, type, termId);
+}
+/// Removes the term. The terms container is removed with the last term; the classifier stays.
 void deleteClassifierTerm(const StatePlace& place, const Orin::String& name,
                           const Orin::String& termId);
+inline void deleteClassifierTerm(const StateDir& root, const Orin::String& name,
+                                 const Orin::String& termId) {
+    deleteClassifierTerm(StatePlace(root), name, termId);
+}
 
-/// Makes the DSCP values the conditions of the term, creating what is missing above them: a single
-/// value as a DSCP, several as a set, in their order and with their duplicates. The family is that
-/// of `type`; the other family's conditions are emptied. No values change nothing at all.
+/// Makes the DSCP values the conditions of the term, and adds the term if needed: a single value is
+/// stored as a DSCP, several as a set, in their order and with their duplicates. The family is that
+/// of `type`; the other family's conditions are emptied. No-op without values.
 void addClassifierTermCondition(const StatePlace& place, const Orin::String& name,
                                 Classifier::Type type, const Orin::String& termId,
                                 Orin::Vector<unsigned char>& values);
-/// Takes the term's conditions away: the whole container, or its contents only.
+inline void addClassifierTermCondition(const StateDir& root, const Orin::String& name,
+                                       Classifier::Type type, const Orin::String& termId,
+                                       Orin::Vector<unsigned char>& values) {
+    addClassifierTermCondition(StatePlace(root), name, type, termId, values);
+}
+/// Removes the term's conditions: the whole container, or only its contents.
 void deleteClassifierTermCondition(const StatePlace& place, const Orin::String& name,
                                    const Orin::String& termId, bool removeConditions);
-
-/// Gives a term that is there the target group, or an empty one, without a word; false when there
-/// is no such term.
-inline bool storedTermActionIs(const StatePlace& place, const Orin::String& name,
-                               const Orin::String& termId, const Orin::String& targetGroup) {
-    State::Term* term = place.term(name, termId);
-    if (term == nullptr) return false;
-    if (place.terms().targetGroupIs(*term, targetGroup)) place.forget();
-    return true;
+inline void deleteClassifierTermCondition(const StateDir& root, const Orin::String& name,
+                                          const Orin::String& termId, bool removeConditions) {
+    deleteClassifierTermCondition(StatePlace(root), name, termId, removeConditions);
 }
-/// Sets the term's target group, creating what is missing above it.
+
+/// Sets the term's target group, and adds the term if needed.
 void addClassifierTermAction(const StatePlace& place, const Orin::String& name,
                              Classifier::Type type, const Orin::String& termId,
                              const Orin::String& targetGroup);
-/// Clears the term's target group. The actions container stays, or comes, empty.
+inline void addClassifierTermAction(const StateDir& root, const Orin::String& name,
+                                    Classifier::Type type, const Orin::String& termId,
+                                    const Orin::String& targetGroup) {
+    addClassifierTermAction(StatePlace(root), name, type, termId, targetGroup);
+}
+/// Clears the term's target group. The actions container stays, or is added, empty.
 void deleteClassifierTermAction(const StatePlace& place, const Orin::String& name,
                                 const Orin::String& termId);
+inline void deleteClassifierTermAction(const StateDir& root, const Orin::String& name,
+                                       const Orin::String& termId) {
+    deleteClassifierTermAction(StatePlace(root), name, termId);
+}
 
 }  // namespace QosOc

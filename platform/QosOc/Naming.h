@@ -4,7 +4,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <type_traits>
 
 #include "platform/Acl/AclType.h"
 #include "platform/Orin/Export.h"
@@ -54,22 +53,32 @@ struct PLATFORM_API DecodedName : Orin::TextNote, OvSlab::Slabbed<DecodedName> {
     static const DecodedName kNone;
     static std::unique_ptr<DecodedName> of(std::string_view name);
 };
-/// What is kept with the name, worked out at the first call.
+/// Returns what is kept with the name, decoded at the first call. The reference is valid as long as
+/// any copy of the name.
 inline const DecodedName& decodedName(const Orin::String& name) {
     return name.empty() ? DecodedName::kNone : name.note(DecodedName::of);
 }
+const DecodedName& decodedName(Orin::String&& name) = delete;
 
-/// The term that a class map or access list of this name was made from. The result lives as long
-/// as any copy of the name.
+/// Returns the term that a class map or access list of this name was made from. The reference is
+/// valid as long as any copy of the name.
 inline const ClassifierKey& classifierKeyFromConfigObjName(const Orin::String& name) {
+    return decodedName(name).classifierKey;
+}
+/// The same for a temporary name: returns a copy.
+inline ClassifierKey classifierKeyFromConfigObjName(Orin::String&& name) {
     return decodedName(name).classifierKey;
 }
 /// The classifier that an ordinary class map stands for, which has its name; empty for an empty
 /// name, for `class-default` and for every name that begins with `openconfig:`.
 PLATFORM_API Orin::String classifierNameFromClassName(const Orin::String& className);
-/// The classifiers of a policy map; both are empty when it was not made from classifiers.
-/// The result lives as long as any copy of the name.
+/// Returns the classifiers of a policy map; both are empty if it was not made from classifiers. The
+/// reference is valid as long as any copy of the name.
 inline const PmapClassifiers& classifiersFromPmapName(const Orin::String& pmapName) {
+    return decodedName(pmapName).pmapClassifiers;
+}
+/// The same for a temporary name: returns a copy.
+inline PmapClassifiers classifiersFromPmapName(Orin::String&& pmapName) {
     return decodedName(pmapName).pmapClassifiers;
 }
 
@@ -91,12 +100,14 @@ constexpr Classifier::Type classifierTypeFromAclType(Acl::AclType aclType) noexc
     return aclType == Acl::AclType::ipv6 ? Classifier::Type::IPV6 : Classifier::Type::IPV4;
 }
 
-/// The forwarding group to which the map assigns the traffic class, the least name in byte order
-/// where there are several; empty where there is none, or no map.
-template <class Map>
-Orin::String targetGroupFromTc(std::uint32_t tc, const Orin::Ptr<Map>& map) {
-    static_assert(std::is_same_v<const Map, const Qos::ForwardingGroupNameToTcMap>);
-    return map ? map->forwardingGroup(tc) : Orin::String();
+/// Returns the forwarding group to which the map assigns the traffic class: the least name in byte
+/// order if there are several, empty if there is none or no map.
+inline Orin::String targetGroupFromTc(unsigned int tc, const Qos::ForwardingGroupNameToTcMap* map) {
+    return map == nullptr ? Orin::String() : map->forwardingGroup(tc);
+}
+inline Orin::String targetGroupFromTc(unsigned int tc,
+                                      Orin::Ptr<const Qos::ForwardingGroupNameToTcMap> map) {
+    return targetGroupFromTc(tc, map.get());
 }
 
 }  // namespace QosOc

@@ -93,7 +93,7 @@ TEST_F(PmapTypeStatusSmLifeTest, refusesToMakeAMachineAgainFromOtherInputs) {
 TEST_F(PmapTypeStatusSmLifeTest, endsTheProcessWhenAPolicyMapIsSwappedUnderItsName) {
     const auto sm = start();
     add("openconfig:v4:v6");
-    EXPECT_DEATH(add("openconfig:v4:v6"), "");
+    EXPECT_DEATH(add("openconfig:v4:v6"), "Vex::MutatorReinstantiatingException");
 }
 
 TEST_F(PmapTypeStatusSmLifeTest, removesMachinesByNameAndAllOfThem) {

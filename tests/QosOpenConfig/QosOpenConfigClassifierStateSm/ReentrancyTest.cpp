@@ -1,10 +1,4 @@
-#include <functional>
-#include <string>
-#include <utility>
-
-#include "QosOpenConfig/QosOpenConfigClassifierStateSm/ClassifierStateSm.h"
-#include "tests/QosOpenConfig/StateTest.h"
-#include "tests/support/LiveCounts.h"
+#include "tests/QosOpenConfig/QosOpenConfigClassifierStateSm/ReentrancyTest.h"
 
 namespace QosOc {
 namespace {
@@ -12,101 +6,9 @@ namespace {
 using Orin::String;
 using Type = Classifier::Type;
 
-/// Does something the first time that it is told of a change, and something is so.
-class Once {
-public:
-    Once(
-        Orin::Publisher* publisher, std::function<void()> act,
-        std::function<bool()> when = [] { return true; })
-        : publisher_(publisher), act_(std::move(act)), when_(std::move(when)) {
-        record_.owner = this;
-        record_.dispatch = [](Orin::Publisher&, Orin::Subscriber& record, Orin::AttributeId,
-                              const void*) noexcept {
-            auto& once = *static_cast<Once*>(record.owner);
-            if (once.act_ && once.when_()) std::exchange(once.act_, {})();
-        };
-        publisher_->subscriberAdd(record_);
-    }
-    ~Once() {
-        if (record_.isLinked()) publisher_->subscriberDel(record_);
-    }
-    Once(const Once&) = delete;
-    Once& operator=(const Once&) = delete;
+INSTANTIATE_TEST_SUITE_P(Traced, ReentrancyTest, kTraceOffAndOn, traceName);
 
-private:
-    Orin::Publisher* publisher_;
-    std::function<void()> act_;
-    std::function<bool()> when_;
-    Orin::Subscriber record_;
-};
-
-/// Whoever is told of what is written changes what it is written from.
-class ReentrancyTest : public StateTest {
-protected:
-    ReentrancyTest() {
-        qos->cmapTypeStatusIs(cmaps);
-        qos->pmapTypeStatusIs(pmaps);
-        acl->aclTypeConfigIs(lists);
-        cli->forwardingGroupNameToTcMapIs(groups);
-        groups->tcIs("gold", 1);
-    }
-    void start() {
-        machine = ClassifierStateSm::ClassifierStateSmIs(qos, acl, cli, configured, root);
-    }
-    void addClassMap(const char* name) {
-        const auto cmap = Qos::ClassMapStatus::create(String(name));
-        cmap->matchIs(Qos::ClassMapMatchOption::matchIpAccessGroup, "");
-        cmaps->cmapStatusIs(cmap);
-    }
-    Orin::Ptr<Acl::AclConfig> addList(const char* name) {
-        const auto list = Acl::AclConfig::create(String(name), Acl::AclType::ipv4);
-        lists->aclConfigIs(list->aclName(), list);
-        list->aclSubConfigIs(rules());
-        return list;
-    }
-    static Orin::Ptr<Acl::AclSubConfig> rules() {
-        Acl::IpRuleConfig rule;
-        rule.filter.dscpEnabled = true;
-        rule.filter.dscpValue = 46;
-        const auto sub = Acl::AclSubConfig::create();
-        sub->ipRuleByIdIs({1}, rule);
-        sub->ruleIdBySequenceIs(10, {1});
-        return sub;
-    }
-    static Qos::PolicyMapClass classTo(std::uint32_t tc) {
-        Qos::PolicyMapClass to;
-        to.action.is(Qos::PolicyMapClass::kSetTrafficClass, tc);
-        return to;
-    }
-    Orin::Ptr<Qos::PolicyMapStatus> addPolicyMap(const char* className) {
-        const auto pmap = Qos::PolicyMapStatus::create(String("openconfig:voice:"));
-        pmap->classIs(className, classTo(1));
-        pmaps->pmapStatusIs(pmap);
-        return pmap;
-    }
-    Orin::Publisher* terms() { return root->classifier("voice")->terms()->publisher(); }
-    void writeStale(const char* id) {
-        State::Term term{String(id)};
-        term.conditions.emplace();
-        addClassifier(root, "voice", Type::IPV4);
-        root->classifierIs("voice")->termsIs()->termIs(term);
-    }
-
-    Orin::Ptr<Qos::Status> qos = Qos::Status::create();
-    Orin::Ptr<Acl::Input::Config> acl = Acl::Input::Config::create();
-    Orin::Ptr<Qos::Input::Config> cli = Qos::Input::Config::create();
-    Orin::Ptr<Config::ClassifiersDir> configured = Config::ClassifiersDir::create();
-    Orin::Ptr<Qos::ClassMapTypeStatus> cmaps =
-        Qos::ClassMapTypeStatus::create(Qos::MapType::mapQos);
-    Orin::Ptr<Qos::PolicyMapTypeStatus> pmaps =
-        Qos::PolicyMapTypeStatus::create(Qos::MapType::mapQos);
-    Orin::Ptr<Acl::Input::AclTypeConfig> lists =
-        Acl::Input::AclTypeConfig::create(Acl::AclType::ipv4);
-    Orin::Ptr<Qos::ForwardingGroupNameToTcMap> groups = Qos::ForwardingGroupNameToTcMap::create();
-    Orin::Ptr<ClassifierStateSm> machine;
-};
-
-TEST_F(ReentrancyTest, entersATermOnce) {
+TEST_P(ReentrancyTest, entersATermOnce) {
     const Once once(root->publisher(),
                     [&] { addClassifierTermAction(root, "voice", Type::IPV4, "10", "gold"); });
     addClassifierTerm(root, "voice", Type::IPV4, "10");
@@ -115,7 +17,7 @@ TEST_F(ReentrancyTest, entersATermOnce) {
     EXPECT_EQ(state(), "voice IPV4");
 }
 
-TEST_F(ReentrancyTest, writesATermForAListThatComesWithItsClassMap) {
+TEST_P(ReentrancyTest, writesATermForAListThatComesWithItsClassMap) {
     start();
     const Once once(root->publisher(), [&] { addList("openconfig:voice:10"); });
     addClassMap("openconfig:voice:10");
@@ -124,7 +26,7 @@ TEST_F(ReentrancyTest, writesATermForAListThatComesWithItsClassMap) {
     EXPECT_EQ(state(), "voice IPV4");
 }
 
-TEST_F(ReentrancyTest, removesTheLastTermsOneWithinTheOther) {
+TEST_P(ReentrancyTest, removesTheLastTermsOneWithinTheOther) {
     addClassMap("openconfig:voice:10");
     addClassMap("openconfig:voice:20");
     start();
@@ -133,7 +35,7 @@ TEST_F(ReentrancyTest, removesTheLastTermsOneWithinTheOther) {
     EXPECT_EQ(state(), "voice IPV4");
 }
 
-TEST_F(ReentrancyTest, survivesTheEndOfAClassifierThatIsBeingMade) {
+TEST_P(ReentrancyTest, survivesTheEndOfAClassifierThatIsBeingMade) {
     start();
     const auto cmap = Qos::ClassMapStatus::create(String("data"));
     cmaps->cmapStatusIs(cmap);
@@ -142,7 +44,7 @@ TEST_F(ReentrancyTest, survivesTheEndOfAClassifierThatIsBeingMade) {
     EXPECT_EQ(state(), "");
 }
 
-TEST_F(ReentrancyTest, writesNoConditionsToATermThatIsGoneAgain) {
+TEST_P(ReentrancyTest, writesNoConditionsToATermThatIsGoneAgain) {
     addClassifierTerm(root, "voice", Type::IPV4, "5");
     const Once once(terms(), [&] { deleteClassifierTerm(root, "voice", "10"); });
     Orin::Vector<unsigned char> values{46};
@@ -150,7 +52,7 @@ TEST_F(ReentrancyTest, writesNoConditionsToATermThatIsGoneAgain) {
     EXPECT_EQ(state(), "voice IPV4 {5}");
 }
 
-TEST_F(ReentrancyTest, survivesTheEndOfTheListThatIsBeingWritten) {
+TEST_P(ReentrancyTest, survivesTheEndOfTheListThatIsBeingWritten) {
     addClassMap("openconfig:voice:10");
     addClassMap("openconfig:voice:5");
     start();
@@ -160,7 +62,7 @@ TEST_F(ReentrancyTest, survivesTheEndOfTheListThatIsBeingWritten) {
     EXPECT_EQ(state(), "voice IPV4 {10, 5}");
 }
 
-TEST_F(ReentrancyTest, survivesTheEndOfTheConfigurationThatIsBeingWritten) {
+TEST_P(ReentrancyTest, survivesTheEndOfTheConfigurationThatIsBeingWritten) {
     start();
     auto classifier = Config::Classifier::create(String("voice"));
     const auto configuredTerms = Config::Terms::create();
@@ -174,7 +76,7 @@ TEST_F(ReentrancyTest, survivesTheEndOfTheConfigurationThatIsBeingWritten) {
     EXPECT_EQ(state(), "voice IPV4 {10 to gold}");
 }
 
-TEST_F(ReentrancyTest, makesOneMachineForAClassMapThatIsPublishedMeanwhile) {
+TEST_P(ReentrancyTest, makesOneMachineForAClassMapThatIsPublishedMeanwhile) {
     start();
     const Once once(root->publisher(), [&] {
         const String name("data");
@@ -187,88 +89,7 @@ TEST_F(ReentrancyTest, makesOneMachineForAClassMapThatIsPublishedMeanwhile) {
     EXPECT_EQ(state(), "");
 }
 
-TEST_F(ReentrancyTest, asksForTheGroupOnceTheTermIsThere) {
-    const auto pmap = addPolicyMap("openconfig:voice:5");
-    start();
-    const Once once(terms(), [&] { groups->tcIs("fifth", 5); });
-    pmap->classIs("openconfig:voice:10", classTo(5));
-    pmap->versionIs(1);
-    EXPECT_EQ(state(), "voice IPV4 {10 to fifth, 5 to gold}");
-}
-
-TEST_F(ReentrancyTest, survivesTheEndOfThePolicyMapThatIsBeingWritten) {
-    const auto pmap = addPolicyMap("openconfig:voice:10");
-    start();
-    pmap->classIs("openconfig:voice:10", classTo(5));
-    const Once once(terms(), [&] { pmaps->pmapStatusDel("openconfig:voice:"); });
-    pmap->versionIs(1);
-    EXPECT_EQ(TestSupport::live<PmapStatusSm>(), 0u);
-    EXPECT_EQ(state(), "voice IPV4 {10 to ''}");
-}
-
-TEST_F(ReentrancyTest, tellsAPolicyMapThatWentNothingMore) {
-    addPolicyMap("openconfig:voice:10");
-    start();
-    const Once once(terms(), [&] {
-        pmaps->pmapStatusDel("openconfig:voice:");
-        groups->tcIs("gold", 1);
-    });
-    groups->tcDel("gold");
-    EXPECT_EQ(state(), "voice IPV4 {10 to ''}");
-}
-
-TEST_F(ReentrancyTest, clearsStaleActionsWhenTermsGoMeanwhile) {
-    groups->tcIs("fifth", 5);
-    const auto pmap = addPolicyMap("openconfig:voice:20");
-    addClassMap("openconfig:voice:10");
-    start();
-    const Once once(terms(), [&] { cmaps->cmapStatusDel("openconfig:voice:10"); });
-    pmap->classDel("openconfig:voice:20");
-    pmap->classIs("openconfig:voice:10", classTo(5));
-    pmap->versionIs(1);
-    EXPECT_EQ(state(), "voice IPV4 {20 to ''}");
-}
-
-TEST_F(ReentrancyTest, clearsStaleActionsWhenGroupsGoMeanwhile) {
-    groups->tcIs("fifth", 5);
-    const auto pmap = addPolicyMap("openconfig:voice:20");
-    addClassMap("openconfig:voice:10");
-    start();
-    const Once once(terms(), [&] { groups->tcDel("fifth"); });
-    pmap->classDel("openconfig:voice:20");
-    pmap->classIs("openconfig:voice:10", classTo(5));
-    pmap->versionIs(1);
-    EXPECT_EQ(state(), "voice IPV4 {10 to '', 20 to ''}");
-}
-
-TEST_F(ReentrancyTest, clearsStaleActionsWhenTheClassifierGoesMeanwhile) {
-    const auto pmap = addPolicyMap("openconfig:voice:10");
-    addClassMap("voice");
-    start();
-    const Once once(
-        terms(),
-        [&] {
-            cmaps->cmapStatusDel("voice");
-            addClassifierTermAction(root, "voice", Type::IPV4, "30", "lead");
-        },
-        [&] { return root->classifier("voice")->terms()->term("20") != nullptr; });
-    pmap->classIs("openconfig:voice:20", classTo(1));
-    pmap->versionIs(1);
-    EXPECT_EQ(state(), "voice IPV4 {20 to gold, 30 to ''}");
-}
-
-TEST_F(ReentrancyTest, clearsStaleActionsInTheOrderOfTheTree) {
-    addClassifierTermAction(root, "video", Type::IPV6, "10", "lead");
-    addClassifierTermAction(root, "voice", Type::IPV4, "10", "lead");
-    std::string then;
-    const Once once(root->classifier("video")->terms()->publisher(), [&] { then = state(); });
-    pmaps->pmapStatusIs(Qos::PolicyMapStatus::create(String("openconfig:voice:video")));
-    start();
-    EXPECT_EQ(then, "video IPV6 {10 to ''}; voice IPV4 {10 to lead}");
-    EXPECT_EQ(state(), "video IPV6 {10 to ''}; voice IPV4 {10 to ''}");
-}
-
-TEST_F(ReentrancyTest, sweepsStaleConditionsWhenTermsGoMeanwhile) {
+TEST_P(ReentrancyTest, sweepsStaleConditionsWhenTermsGoMeanwhile) {
     writeStale("stale");
     for (const char* name : {"openconfig:data:10", "openconfig:voice:10"}) {
         addClassMap(name);
@@ -288,7 +109,7 @@ TEST_F(ReentrancyTest, sweepsStaleConditionsWhenTermsGoMeanwhile) {
     EXPECT_EQ(state(), "data IPV4; voice IPV4 {stale}");
 }
 
-TEST_F(ReentrancyTest, survivesTheEndOfAListThatIsTakingItsStateBack) {
+TEST_P(ReentrancyTest, survivesTheEndOfAListThatIsTakingItsStateBack) {
     addList("openconfig:voice:10");
     start();
     const Once once(terms(), [&] {
@@ -298,6 +119,32 @@ TEST_F(ReentrancyTest, survivesTheEndOfAListThatIsTakingItsStateBack) {
     lists->aclConfigIs("openconfig:voice:10", nullptr);
     EXPECT_EQ(TestSupport::live<AclStateSm>(), 0u);
     EXPECT_EQ(state(), "voice IPV4 {10}");
+}
+
+TEST_P(ReentrancyTest, addsATermToTheClassifierThatIsMadeAgainMeanwhile) {
+    const Once once(root->publisher(), [&] {
+        root->classifierDel("voice");
+        addClassifier(root, "voice", Type::IPV6);
+    });
+    addClassifierTermAction(root, "voice", Type::IPV4, "10", "gold");
+    EXPECT_EQ(state(), "voice IPV6 {10 to gold}");
+}
+
+TEST_P(ReentrancyTest, addsNoTermToAClassifierThatGoesMeanwhile) {
+    const Once once(root->publisher(), [&] { root->classifierDel("voice"); });
+    addClassifierTermAction(root, "voice", Type::IPV4, "10", "gold");
+    EXPECT_EQ(state(), "");
+}
+
+TEST_P(ReentrancyTest, protectsTheTermsOfTheListsThatTheStartWalkedOver) {
+    addList("openconfig:voice:10");
+    addList("openconfig:voice:20");
+    writeStale("15");
+    const Once once(
+        terms(), [&] { addList("openconfig:voice:15"); },
+        [&] { return root->classifier("voice")->terms()->term("20") != nullptr; });
+    start();
+    EXPECT_EQ(state(), "voice IPV4 {10 when ipv4 46, 15, 20 when ipv4 46}");
 }
 
 }  // namespace

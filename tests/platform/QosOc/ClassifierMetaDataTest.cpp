@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <ostream>
+#include <string>
+#include <vector>
 
 #include "platform/OvSlab/Tracker.h"
 #include "platform/QosOc/AclNameAndType.h"
@@ -67,12 +69,21 @@ TEST_F(ClassifierMetaDataTest, recordsTheLastActionOfATerm) {
     EXPECT_EQ(*info.termActionInfo("10"), (TermActionInfo{"10", "voice", "silver"}));
 }
 
-TEST_F(ClassifierMetaDataTest, recordsATermOnce) {
-    ClassifierInfo& info = metaData->classifierInfoIs("voice");
-    info.termActionInfoIs({"10", "voice", "gold"});
-    const std::uint64_t before = Vex::memberTracker.live();
-    info.termActionInfoIs({"10", "voice", "silver"});
-    EXPECT_EQ(Vex::memberTracker.live(), before);
+TEST_F(ClassifierMetaDataTest, recordsManyClassifiersAndTerms) {
+    const auto name = [](int number) { return Orin::String(std::to_string(number)); };
+    std::vector<ClassifierInfo*> infos;
+    for (int i = 0; i != 100; ++i) {
+        infos.push_back(&metaData->classifierInfoIs(name(i)));
+        for (int term = 0; term <= i; ++term)
+            infos.back()->termActionInfoIs({name(term), name(i), name(i + term)});
+    }
+    for (int i = 0; i != 100; ++i) {
+        const ClassifierInfo* info = metaData->classifierInfo(name(i));
+        EXPECT_EQ(info, infos[static_cast<std::size_t>(i)]);
+        for (int term = 0; term <= i; ++term)
+            EXPECT_EQ(info->termActionInfo(name(term))->targetGroup, name(i + term));
+        EXPECT_EQ(info->termActionInfo(name(i + 1)), nullptr);
+    }
 }
 
 TEST(TermActionInfoTest, isEqualWhereAllFieldsAre) {
