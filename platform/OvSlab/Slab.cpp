@@ -1,12 +1,16 @@
 #include "platform/OvSlab/Slab.h"
 
+#include <sanitizer/asan_interface.h>
+
 #include <mutex>
 #include <new>
 
 #include "platform/Orin/ThreadLock.h"
 
-// A build may define it, too, for a checker that works on the finished program.
-#if defined(OVSLAB_PASS_THROUGH)
+// A build may define `OVSLAB_PASS_THROUGH`, too, for a checker that works on the finished program.
+#if defined(OVSLAB_CELLS)
+#undef OVSLAB_PASS_THROUGH
+#elif defined(OVSLAB_PASS_THROUGH)
 #elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define OVSLAB_PASS_THROUGH 1
 #elif defined(__has_feature)
@@ -26,6 +30,12 @@ constexpr bool kPassThrough = true;
 constexpr bool kPassThrough = false;
 #endif
 
+#ifdef OVSLAB_CELLS
+constexpr bool kPoisons = true;
+#else
+constexpr bool kPoisons = false;
+#endif
+
 constexpr std::size_t kBlockBytes = std::size_t{64} * 1024;
 
 /// The first cell's worth of a block links the blocks, so that leak checkers see them all.
@@ -41,20 +51,27 @@ bool isFromHeap(std::size_t size) noexcept {
     return kPassThrough || size > kLargest;
 }
 
+/// Puts a cell in front of the free ones.
+void putCell(FreeCell*& cells, void* memory, std::size_t cellBytes) noexcept {
+    cells = new (memory) FreeCell{cells};
+    if (kPoisons) ASAN_POISON_MEMORY_REGION(memory, cellBytes);
+}
+
 FreeCell* newBlock(std::size_t cellBytes) {
     auto* bytes = static_cast<std::byte*>(::operator new(kBlockBytes));
     blocks = new (bytes) Block{blocks};
     FreeCell* cells = nullptr;
     for (std::size_t end = kBlockBytes; end >= kGrain + cellBytes; end -= cellBytes)
-        cells = new (bytes + end - cellBytes) FreeCell{cells};
+        putCell(cells, bytes + end - cellBytes, cellBytes);
     return cells;
 }
 
 void* takeCell(std::size_t size) {
-    const std::size_t grains = grainsOf(size);
-    FreeCell*& cells = freeCells[grains];
-    if (cells == nullptr) cells = newBlock(grains * kGrain);
+    const std::size_t cellBytes = grainsOf(size) * kGrain;
+    FreeCell*& cells = freeCells[grainsOf(size)];
+    if (cells == nullptr) cells = newBlock(cellBytes);
     FreeCell* cell = cells;
+    if (kPoisons) ASAN_UNPOISON_MEMORY_REGION(cell, cellBytes);
     cells = cell->next;
     return cell;
 }
@@ -62,7 +79,7 @@ void* takeCell(std::size_t size) {
 }  // namespace
 
 constinit FreeCell* freeCells[kLargest / kGrain + 1]{};
-constinit bool isDirect = !kPassThrough;
+constinit bool isDirect = !kPassThrough && !kPoisons;
 
 void* allocTheLongWay(std::size_t size, Tracker& tracker) {
     if (allocationHook != nullptr) [[unlikely]]
@@ -80,15 +97,18 @@ void freeTheLongWay(void* memory, std::size_t size, Tracker& tracker) noexcept {
         ::operator delete(memory);
         return;
     }
-    FreeCell*& cells = freeCells[grainsOf(size)];
-    cells = new (memory) FreeCell{cells};
+    putCell(freeCells[grainsOf(size)], memory, grainsOf(size) * kGrain);
+}
+
+bool passesThrough() noexcept {
+    return kPassThrough;
 }
 
 }  // namespace Impl
 
 void allocationHookIs(AllocationHook hook) noexcept {
     Impl::allocationHook = hook;
-    Impl::isDirect = !Impl::kPassThrough && hook == nullptr;
+    Impl::isDirect = !Impl::kPassThrough && !Impl::kPoisons && hook == nullptr;
 }
 
 }  // namespace OvSlab

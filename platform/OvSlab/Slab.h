@@ -23,6 +23,8 @@ PLATFORM_API extern constinit FreeCell* freeCells[kLargest / kGrain + 1];
 /// False where every request takes the long way: with an allocation hook, or under sanitizers.
 PLATFORM_API extern constinit bool isDirect;
 
+/// True if every request goes to the heap.
+PLATFORM_API bool passesThrough() noexcept;
 PLATFORM_API void* allocTheLongWay(std::size_t size, Tracker& tracker);
 PLATFORM_API void freeTheLongWay(void* memory, std::size_t size, Tracker& tracker) noexcept;
 
@@ -40,8 +42,9 @@ inline bool isTheShortWay(std::size_t size) noexcept {
 /// blocks shared by all types of that size, larger ones from the heap; blocks are kept for reuse
 /// until the process ends. Throws `std::bad_alloc`, and then counts nothing.
 ///
-/// Builds with sanitizers pass every request through to the heap, so that a use after free stays
-/// visible to them.
+/// Builds with sanitizers pass every request through to the heap, so that they see a use after
+/// free. With `OVSLAB_CELLS` defined, `Slab.cpp` gives out cells all the same, and free cells are
+/// poisoned.
 inline void* slabAlloc(std::size_t size, Tracker& tracker) {
     if (Impl::isTheShortWay(size)) [[likely]] {
         Impl::FreeCell*& cells = Impl::freeCells[Impl::grainsOf(size)];

@@ -55,7 +55,8 @@ SCRIPTS = ("run", "test", ".ci/run")
 SCRIPT_TREES = ("scripts", "packaging", "tests")
 
 # Beside the headers of the language and of the system, which lie in no folder or in `sys`.
-LIBRARIES = {"agent/loop/": ("systemd/",), "agent/": ("nlohmann/", "CLI/"), "tests/": ("gtest/", "gmock/", "CLI/"),
+LIBRARIES = {"platform/OvSlab/": ("sanitizer/",), "agent/loop/": ("systemd/",),
+             "agent/": ("nlohmann/", "CLI/"), "tests/": ("gtest/", "gmock/", "CLI/"),
              "bench/": ("benchmark/", "valgrind/")}
 SYSTEM = re.compile(r"(sys/)?\w+(\.h)?")
 
