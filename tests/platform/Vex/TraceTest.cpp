@@ -141,6 +141,7 @@ struct Counted {
 };
 
 TEST_F(TraceTest, buildsNoTextWhileItIsDisabled) {
+    Counted::written = 0;
     const std::size_t before = TestSupport::allocations();
     trace(handle, kPoint, Counted());
     traceOf(Counted(), handle, kPoint, Counted());
@@ -152,10 +153,18 @@ TEST_F(TraceTest, buildsNoTextWhileItIsDisabled) {
 }
 
 TEST_F(TraceTest, goesNowhereWithoutASink) {
-    { const TraceCapture capture; }
+    Counted::written = 0;
+    traceSinkIs(nullptr);
     handle.enabledLevelsIs(9);
-    trace(handle, kPoint);
+    ::testing::internal::CaptureStdout();
+    ::testing::internal::CaptureStderr();
+    trace(handle, kPoint, Counted());
     handle.enabledLevelsIs(0);
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(Counted::written, 1) << "the line was composed";
+    const TraceCapture capture;
+    EXPECT_THAT(capture.rawLines(), IsEmpty()) << "it was not kept for the next sink";
 }
 
 class TraceLevelsTest : public ::testing::Test {
