@@ -1,6 +1,7 @@
 #include "CensusSm.h"
 #include "platform/Qos/DefaultPluginLoader.h"
 #include "platform/QosOc/MounterBase.h"
+#include "platform/Vex/Derive.h"
 #include "platform/Vex/Module.h"
 
 // What happens when the agent loads the library: it learns the types and the plug-in, and the
@@ -10,7 +11,17 @@ namespace {
 
 class Mounter final : public QosOc::MounterBase {
 public:
+    static constexpr std::string_view kTypeName = "Census::Mounter";
     static const Vex::TypeRecord kTypeRecord;
+    static constexpr Vex::Attribute<> kStatus{"status", 1};
+    static constexpr Vex::Attribute<> kCensusSm{"censusSm", 2};
+    static constexpr auto fields() {
+        return std::tuple{
+            Vex::published(kStatus, &Mounter::status_),
+            Vex::published(kCensusSm, &Mounter::censusSm_).owned(),
+        };
+    }
+    static Orin::Ptr<Mounter> create() { return Orin::Ptr<Mounter>::adopt(new Mounter); }
 
     Mounter() : QosOc::MounterBase("ClassMapCensus") {}
     const Vex::TypeRecord& typeData() const override { return kTypeRecord; }
@@ -33,7 +44,7 @@ private:
     Orin::Ptr<CensusSm> censusSm_;
 };
 
-constinit const Vex::TypeRecord Mounter::kTypeRecord{"Census::Mounter", {}, nullptr};
+constinit const Vex::TypeRecord Mounter::kTypeRecord = Vex::recordOf<Mounter>();
 
 constexpr const Vex::TypeRecord* kTypes[] = {
     &CensusSm::kTypeRecord,

@@ -57,6 +57,15 @@ class InstalledAgentTest(unittest.TestCase):
                                       "handleCmapStatus class maps of mapPbr: 0",
                                       "handleCmapStatus class maps of mapCopp: 1"])
 
+    def test_shows_the_machines_of_a_plug_in_built_out_of_tree(self):
+        output, complaints = self.run_agent("--plugin", CENSUS, "--output", "none", "--machines")
+        self.assertEqual(complaints, [])
+        self.assertEqual(output[:3],
+                         ["Census::CensusSm", "  status: Qos::Status qos/status", "  typeSm:"])
+        machines = [line for line in output if "Census::TypeSm" in line]
+        self.assertCountEqual(machines, [f"    Census::TypeSm {name}"
+                                         for name in ("mapQos", "mapPbr", "mapCopp")])
+
     def test_finds_its_own_plug_in(self):
         output, complaints = self.run_agent("--output", "entities")
         self.assertEqual(complaints, [])
