@@ -28,6 +28,9 @@ struct PLATFORM_API IpFilter : IpFilterBase {
         };
     }
 
+    IpFilter() noexcept = default;
+    IpFilter(std::uint8_t value, bool enabled) noexcept : dscpValue(value), dscpEnabled(enabled) {}
+
     std::uint8_t dscpValue = 0;  ///< the DSCP that is matched
     bool dscpEnabled = false;    ///< whether the rule matches on DSCP at all
 
@@ -46,6 +49,10 @@ struct PLATFORM_API Ip6Filter : IpFilterBase {
         };
     }
 
+    Ip6Filter() noexcept = default;
+    Ip6Filter(std::uint8_t value, std::uint8_t mask) noexcept
+        : trafficClass(value), trafficClassMask(mask) {}
+
     std::uint8_t trafficClass = 0;
     std::uint8_t trafficClassMask = 0;
 
@@ -60,6 +67,9 @@ struct PLATFORM_API IpRuleConfig : RuleConfig {
         return std::tuple{Vex::field("filter", 1, &IpRuleConfig::filter)};
     }
 
+    IpRuleConfig() noexcept = default;
+    IpRuleConfig(const IpFilter& matched) noexcept : filter(matched) {}
+
     IpFilter filter;
 
     friend bool operator==(const IpRuleConfig&, const IpRuleConfig&) = default;
@@ -72,6 +82,9 @@ struct PLATFORM_API Ip6RuleConfig : RuleConfig {
     static constexpr auto fields() {
         return std::tuple{Vex::field("filter", 1, &Ip6RuleConfig::filter)};
     }
+
+    Ip6RuleConfig() noexcept = default;
+    Ip6RuleConfig(const Ip6Filter& matched) noexcept : filter(matched) {}
 
     Ip6Filter filter;
 

@@ -20,7 +20,8 @@ void PrintTo(const Change& change, std::ostream* out) {
     *out << '{' << change.id << ", " << textOf(change.key) << '}';
 }
 
-RecordingSubscriber::RecordingSubscriber(const Vex::TypedNode& entity) : entity_(&entity) {
+RecordingSubscriber::RecordingSubscriber(const Vex::TypedNode& entity)
+    : entity_(Orin::Ptr<const Vex::TypedNode>::sharing(&entity)) {
     record_.dispatch = dispatch;
     record_.owner = this;
     entity_->publisher()->subscriberAdd(record_);

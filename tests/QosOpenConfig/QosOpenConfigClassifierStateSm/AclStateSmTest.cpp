@@ -16,7 +16,7 @@ protected:
     }
     static Orin::Ptr<const AclNameAndType> nameAndType(const AclStateSm& sm) {
         const auto value = Vex::attributeNamed(sm.typeData(), "aclNameAndType")->read(&sm);
-        return Orin::Ptr<const AclNameAndType>(
+        return Orin::Ptr<const AclNameAndType>::sharing(
             static_cast<const AclNameAndType*>(value.as<Vex::NodeRef>().get()));
     }
 };
@@ -103,7 +103,7 @@ TEST_F(AclStateSmTest, silencesTheChildOfReplacedRulesWithoutCleanUp) {
     const auto old = rulesFor({46});
     const auto list = listOf("openconfig:v4:10", old);
     const auto sm = start(list);
-    const Orin::Ptr<AclSubStateSm> kept(child(*sm));
+    const auto kept = Orin::Ptr<AclSubStateSm>::sharing(child(*sm));
     TestSupport::StateRecorder heard(state);
     list->aclSubConfigIs(rulesFor({8}));
     EXPECT_THAT(heard.take(), ElementsAre("v4/10 when ipv4 8"));
@@ -127,7 +127,7 @@ TEST_F(AclStateSmTest, replacesAChildMadeFromAnyOtherInput) {
     const auto rules = rulesFor({46});
     const auto sm = start(listOf("openconfig:v4:10", rules));
     const Orin::Ptr<const AclNameAndType> same = nameAndType(*sm);
-    const Orin::Ptr<AclSubStateSm> first(child(*sm));
+    const auto first = Orin::Ptr<AclSubStateSm>::sharing(child(*sm));
     EXPECT_EQ(sm->aclSubStateSmIs(rules, same, state), first);
     const Orin::Ptr<const AclNameAndType> other =
         AclNameAndType::create(Orin::String("openconfig:v4:20"), Acl::AclType::ipv4);

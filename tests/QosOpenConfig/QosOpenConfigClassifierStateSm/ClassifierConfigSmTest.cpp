@@ -121,7 +121,7 @@ TEST_F(ClassifierConfigSmTest, silencesTheChildOfReplacedTermsWithoutCleanUp) {
     const auto old = termsOf("10", "gold");
     const auto classifier = classifierOf(old);
     const auto sm = start(classifier);
-    const Orin::Ptr<ClassifierTermsSm> kept(child(*sm));
+    const auto kept = Orin::Ptr<ClassifierTermsSm>::sharing(child(*sm));
     classifier->termsIs(termsOf("20", "lead"));
     EXPECT_EQ(written(), "voice IPV4 {10 to gold, 20 to lead}");
     EXPECT_NE(child(*sm), kept.get());
@@ -133,7 +133,7 @@ TEST_F(ClassifierConfigSmTest, silencesTheChildOfReplacedTermsWithoutCleanUp) {
 TEST_F(ClassifierConfigSmTest, replacesItsChildWhenTheTypeHasChanged) {
     const auto classifier = classifierOf(termsOf("10", "gold"));
     const auto sm = start(classifier);
-    const Orin::Ptr<ClassifierTermsSm> kept(child(*sm));
+    const auto kept = Orin::Ptr<ClassifierTermsSm>::sharing(child(*sm));
     classifier->configIs({"voice", Classifier::Type::IPV6});
     EXPECT_EQ(child(*sm), kept.get());
     classifier->publishChange(Config::Classifier::kTerms.id, nullptr);
@@ -145,7 +145,7 @@ TEST_F(ClassifierConfigSmTest, replacesAChildMadeFromAnyOtherInput) {
     const auto terms = termsOf("10", "gold");
     const auto sm = start(classifierOf(terms));
     const auto type = Classifier::Type::IPV4;
-    auto held = Orin::Ptr<ClassifierTermsSm>(child(*sm));
+    auto held = Orin::Ptr<ClassifierTermsSm>::sharing(child(*sm));
     EXPECT_EQ(sm->classifierTermsSmIs(terms, "voice", type, registry, state), held);
     const auto isReplaced = [&](const Orin::Ptr<ClassifierTermsSm>& made) {
         EXPECT_NE(made, held);

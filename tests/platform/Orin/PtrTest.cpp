@@ -65,7 +65,7 @@ TEST_F(PtrTest, adoptsTheOwnershipThatANodeIsBornWith) {
 
 TEST_F(PtrTest, sharesOwnershipOfAPlainPointer) {
     const Ptr<Buoy> buoy = made();
-    const Ptr<Buoy> shared(buoy.get());
+    const Ptr<Buoy> shared = Ptr<Buoy>::sharing(buoy.get());
     EXPECT_EQ(buoy->userCount(), 2u);
 }
 
@@ -143,7 +143,7 @@ TEST_F(PtrTest, comparesByIdentity) {
     Log otherLog;
     const Ptr<Buoy> buoy = made();
     const Ptr<Buoy> twin = Ptr<Buoy>::adopt(new Buoy(otherLog));
-    EXPECT_EQ(buoy, Ptr<Buoy>(buoy.get()));
+    EXPECT_EQ(buoy, Ptr<Buoy>::sharing(buoy.get()));
     EXPECT_NE(buoy, twin);
     EXPECT_NE(buoy, nullptr);
 }

@@ -240,7 +240,7 @@ TEST_F(ReactorTest, takesAllMachinesAlongAndLeavesWhatTheyWrote) {
 
 TEST_F(ReactorTest, dropsItsChildrenWhenItGoesThoughTheyAreHeld) {
     auto root = made();
-    const Orin::Ptr<ShipSm> held(root->shipSm().get("Anna"));
+    const auto held = Orin::Ptr<ShipSm>::sharing(root->shipSm().get("Anna"));
     root = nullptr;
     EXPECT_EQ(held->userCount(), 1u);
     EXPECT_TRUE(held->isSubscribed()) << "whoever holds a machine keeps it at work";
@@ -278,7 +278,7 @@ TEST_F(ReactorTest, hasItsOwnFieldsWrittenThroughItsRecord) {
 
 TEST_F(ReactorTest, givesAChildAwayThroughItsRecord) {
     const auto root = made();
-    const Orin::Ptr<ShipSm> child(root->shipSm().get("Anna"));
+    const auto child = Orin::Ptr<ShipSm>::sharing(root->shipSm().get("Anna"));
     const auto& ops = *Vex::attributeNamed(root->typeData(), "shipSm")->collection;
     EXPECT_EQ(ops.del(root.get(), Orin::String("Anna")), Vex::Value(Vex::NodeRef(child)));
     EXPECT_EQ(root->shipSm().get("Anna"), nullptr);
