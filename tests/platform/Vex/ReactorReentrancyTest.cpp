@@ -160,7 +160,7 @@ private:
 class Gauge final : public Vex::NotifieeConst<Tide> {
 public:
     Gauge(TideStage<CrewOf<Gauge>>& stage, int member)
-        : NotifieeConst(Notifier(&stage.tide())), stage_(stage), member_(member) {}
+        : NotifieeConst(Notifier::sharing(&stage.tide())), stage_(stage), member_(member) {}
 
     static std::vector<Verb> verbs() { return commonVerbs({Verb::zombie, Verb::noZombie}); }
     void onIs(bool on) { hasNotificationActiveIs(on); }
