@@ -139,9 +139,9 @@ const Kind kKinds[] = {
 
 INSTANTIATE_TEST_SUITE_P(Each, MemberGoneTest,
                          ::testing::Combine(::testing::ValuesIn(kKinds), ::testing::Bool()),
-                         [](const auto& info) {
-                             return std::string(std::get<0>(info.param).name) +
-                                    (std::get<1>(info.param) ? "Traced" : "");
+                         [](const auto& each) {
+                             return std::string(std::get<0>(each.param).name) +
+                                    (std::get<1>(each.param) ? "Traced" : "");
                          });
 
 TEST_P(MemberGoneTest, leavesNothingMoreThanAMemberThatGoesLater) {

@@ -54,7 +54,7 @@ private:
 };
 
 INSTANTIATE_TEST_SUITE_P(Traced, StatePlaceTest, ::testing::Bool(),
-                         [](const auto& info) { return info.param ? "on" : "off"; });
+                         [](const auto& each) { return each.param ? "on" : "off"; });
 
 TEST_P(StatePlaceTest, findsWhatWasAskedForWhateverItFoundBefore) {
     EXPECT_EQ(place.term("voice", "10")->actions->targetGroup, "gold");
