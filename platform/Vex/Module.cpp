@@ -84,12 +84,13 @@ const AttributeRecord* attributeWithId(const TypeRecord& type, Orin::AttributeId
 namespace Orin {
 
 const Vex::TypeRecord& Node::typeData() const {
-    Vex::assertFail("class has a type record", "platform/Orin/Node", __LINE__, __PRETTY_FUNCTION__);
+    Vex::assertFail("class has a type record", "platform/Vex/Module", __LINE__,
+                    __PRETTY_FUNCTION__);
 }
 
 Vex::FwkType Node::fwkType() const {
     const std::optional<Vex::FwkType> place = Vex::placeOf(typeData());
-    Vex::assertThat(place.has_value(), "type is registered", "platform/Orin/Node", __LINE__,
+    Vex::assertThat(place.has_value(), "type is registered", "platform/Vex/Module", __LINE__,
                     __PRETTY_FUNCTION__);
     return *place;
 }

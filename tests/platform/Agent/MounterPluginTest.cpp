@@ -7,6 +7,7 @@
 
 #include "platform/Agent/MounterPlugin.h"
 #include "platform/QosOc/MounterBase.h"
+#include "platform/Vex/Module.h"
 #include "tests/support/Harbour.h"
 #include "tests/support/Printers.h"
 #include "tests/support/VtableLayout.h"
@@ -48,6 +49,9 @@ public:
     void createSm() override { steps.emplace_back("createSm"); }
 };
 
+constexpr const Vex::TypeRecord* kTypes[] = {&Harbour::Port::kTypeRecord};
+constexpr Vex::Module kModule{"MounterPluginTest", kTypes};
+
 class MounterPluginTest : public ::testing::Test {
 protected:
     MounterPluginTest() { steps.clear(); }
@@ -57,6 +61,9 @@ protected:
     Orin::Ptr<MounterContext> context =
         Orin::Ptr<MounterContext>::adopt(new MounterContext(entities));
     Plugin<HarbourMounter> plugin;
+
+private:
+    Vex::ModuleRegistration types_{kModule};
 };
 
 TEST_F(MounterPluginTest, drivesItsMounterOnceThroughInOrder) {
