@@ -147,7 +147,7 @@ private:
         if (!follows)
             follower_.reset();
         else if (!follower_)
-            follower_.emplace(feed_, out_);
+            follower_.emplace(feed_, out_, options_.followForm, database_.stateTree());
     }
     static bool unusable(const std::string& file, int error) {
         report(refusal(file, std::strerror(error)));

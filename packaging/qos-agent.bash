@@ -15,19 +15,23 @@ _qos_agent() {
     # The sign in --option=value is a word of its own.
     if [[ $word == = ]]; then
         word=
+        previous+==
     elif [[ $previous == = ]]; then
-        previous=${COMP_WORDS[COMP_CWORD - 2]}
+        previous=${COMP_WORDS[COMP_CWORD - 2]}=
     fi
     case $previous in
-        --output)
+        --output | --output=)
             mapfile -t COMPREPLY < <(compgen -W 'table openconfig entities none' -- "$word") ;;
-        --plugin)
+        # A word of its own behind it is an input.
+        --follow=)
+            mapfile -t COMPREPLY < <(compgen -W 'json text' -- "$word") ;;
+        --plugin | --plugin=)
             _qos_agent_files "$word" .so ;;
-        --toggle-dir)
+        --toggle-dir | --toggle-dir=)
             _qos_agent_files "$word" ;;
-        --trace-file)
+        --trace-file | --trace-file=)
             _qos_agent_files "$word" '' ;;
-        --trace) ;;
+        --trace | --trace=) ;;
         *)
             if [[ $word == -* ]]; then
                 mapfile -t COMPREPLY < <(compgen -W '--plugin --toggle-dir --output --follow

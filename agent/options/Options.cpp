@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <optional>
 #include <sstream>
 #include <system_error>
@@ -40,7 +41,7 @@ Examples:
   Show the state that the plug-in derives from an OpenConfig configuration:
     qos-agent --output table configuration.json
   Apply changes to it, and see each change of the state as it happens:
-    qos-agent --follow --output none configuration.json changes.jsonl
+    qos-agent --follow=text --output none configuration.json changes.jsonl
   Follow another program's changes, whatever lines it gets wrong:
     device-changes | qos-agent --follow --keep-going --output none -
   Find out why: trace the plug-in, and show what it is working on:
@@ -53,12 +54,32 @@ const std::map<std::string, OutputFormat> kFormats{
     {"none", OutputFormat::none},
 };
 
+/// What the library gives for `--follow` without a form. Nobody types it.
+constexpr const char* kFormUnsaid = "\x01";
+
+const std::map<std::string, FollowForm> kFollowForms{
+    {"json", FollowForm::json},
+    {"text", FollowForm::text},
+};
+
+/// Shows an option whose value may be left out as `--follow[=FORM]`.
+class HelpFormatter : public CLI::Formatter {
+public:
+    std::string make_option_name(const CLI::Option* option, bool isPositional) const override {
+        std::string name = CLI::Formatter::make_option_name(option, isPositional);
+        const std::string unsaid = std::string("{") + kFormUnsaid + '}';
+        const std::size_t at = name.find(unsaid);
+        return at == std::string::npos ? name : name.replace(at, unsaid.size(), "[=FORM]");
+    }
+};
+
 /// What the library collects; texts are checked by its validators.
 struct Given {
     std::vector<std::string> inputs;
     std::string plugin;
     std::string toggleFolder;
     std::string format;
+    std::string followForm;
     std::vector<std::string> traces;
     std::string traceFile;
 };
@@ -97,6 +118,11 @@ std::string formatFault(const std::string& text) {
     return "expected table, openconfig, entities or none, found " + excerpt(text);
 }
 
+std::string followFormFault(const std::string& text) {
+    if (text == kFormUnsaid || kFollowForms.contains(text)) return {};
+    return "expected json or text, found " + excerpt(text);
+}
+
 /// The installed folder may be missing; one that somebody names must be there.
 std::string folderFault(const std::string& name) {
     std::error_code error;
@@ -113,6 +139,7 @@ void describe(CLI::App& app, Given& given, Options& options) {
     app.set_help_flag("-h,--help", "Print this help and exit");
     app.set_version_flag("--version", kVersion, "Print the version and exit");
     app.footer(kHelpEnd);
+    app.formatter(std::make_shared<HelpFormatter>());
     app.get_formatter()->column_width(25);
     app.add_option("INPUT", given.inputs,
                    "A document (.json, or /dev/stdin) or a change stream\n"
@@ -128,8 +155,10 @@ void describe(CLI::App& app, Given& given, Options& options) {
                    "a terminal), openconfig (otherwise), entities or none")
         ->type_name("FORMAT")
         ->check(check(formatFault));
-    app.add_flag("--follow", options.follows, "Print each published change of the state tree")
-        ->disable_flag_override();
+    app.add_flag(std::string("--follow{") + kFormUnsaid + '}', given.followForm,
+                 "Print each published change of the state tree, as text\n"
+                 "(the default on a terminal) or json (otherwise)")
+        ->check(check(followFormFault));
     app.add_flag("--machines", options.showsMachines, "Print the live machine tree at the end")
         ->disable_flag_override();
     app.add_option("--trace", given.traces,
@@ -164,6 +193,11 @@ OutputFormat formatFrom(const std::string& text) {
     return ::isatty(STDOUT_FILENO) != 0 ? OutputFormat::table : OutputFormat::openconfig;
 }
 
+FollowForm followFormFrom(const std::string& text) {
+    if (text != kFormUnsaid) return kFollowForms.at(text);
+    return ::isatty(STDOUT_FILENO) != 0 ? FollowForm::text : FollowForm::json;
+}
+
 void complete(Options& options, const Given& given) {
     for (const std::string& input : given.inputs)
         (isStream(input) ? options.streams : options.documents).push_back(input);
@@ -172,6 +206,8 @@ void complete(Options& options, const Given& given) {
     options.pluginFile = given.plugin.empty() ? defaultPluginFile() : given.plugin;
     options.toggleFolder = given.toggleFolder.empty() ? defaultToggleFolder() : given.toggleFolder;
     options.output = formatFrom(given.format);
+    options.follows = !given.followForm.empty();
+    if (options.follows) options.followForm = followFormFrom(given.followForm);
     options.traceFile = given.traceFile;
 }
 

@@ -4,6 +4,8 @@
 #include <variant>
 #include <vector>
 
+#include "agent/output/FollowOutput.h"
+
 namespace QosAgent {
 
 /// Levels 0 to `level` of the trace handles of that name; `*` names all.
@@ -23,6 +25,7 @@ struct Options {
     std::string toggleFolder;  ///< empty: there is none
     OutputFormat output = OutputFormat::none;
     bool follows = false;
+    FollowForm followForm = FollowForm::json;
     bool showsMachines = false;
     std::vector<TraceSetting> traces;  ///< in the order given
     std::string traceFile;             ///< empty: standard error

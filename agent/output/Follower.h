@@ -1,24 +1,28 @@
 #pragma once
 
 #include "agent/feed/Feed.h"
-#include "agent/output/Output.h"
+#include "agent/output/FollowOutput.h"
 
 namespace QosAgent {
 
-/// Prints each published change as a change-stream line, from construction to destruction.
+/// Prints each published change, from construction to destruction.
 class Follower : private ChangeListener {
 public:
-    /// Feed and output must outlive the follower.
-    Follower(Feed& feed, Output& output) : feed_(feed), output_(output) { feed_.listenerIs(*this); }
+    /// Prints change-stream lines. Feed and output must outlive the follower.
+    Follower(Feed& feed, Output& output) : Follower(feed, FollowOutput(output, FollowForm::json)) {}
+    /// Prints changes in that form; `state` is the state tree, as it is at the beginning.
+    Follower(Feed& feed, Output& output, FollowForm form, const Subtree& state);
     ~Follower() override { feed_.listenerDel(*this); }
     Follower(const Follower&) = delete;
     Follower& operator=(const Follower&) = delete;
 
 private:
+    Follower(Feed& feed, FollowOutput output);
+
     void changed(const Change& change) override { output_.line(change.line()); }
 
     Feed& feed_;
-    Output& output_;
+    FollowOutput output_;
 };
 
 }  // namespace QosAgent

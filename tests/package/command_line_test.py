@@ -68,12 +68,17 @@ class CommandLineTest(unittest.TestCase):
         self.assertEqual(completed("--output", "="), FORMATS)
         self.assertEqual(completed("--output", "=", "ta"), {"table"})
 
+    def test_completion_knows_each_form_of_followed_changes(self):
+        self.assertEqual(completed("--follow", "="), {"json", "text"})
+        self.assertEqual(completed("--follow", "=", "te"), {"text"})
+
     def test_completion_knows_what_files_an_argument_names(self):
         with tempfile.TemporaryDirectory() as folder:
             for name in ("a.json", "b.jsonl", "c.txt", "d.so"):
                 Path(folder, name).touch()
             Path(folder, "e").mkdir()
             self.assertEqual(completed("", folder=folder), {"a.json", "b.jsonl", "e"})
+            self.assertEqual(completed("--follow", "", folder=folder), {"a.json", "b.jsonl", "e"})
             self.assertEqual(completed("--plugin", "", folder=folder), {"d.so", "e"})
             self.assertEqual(completed("--toggle-dir", "", folder=folder), {"e"})
             self.assertEqual(completed("--trace-file", "c", folder=folder), {"c.txt"})

@@ -44,6 +44,16 @@ TEST(OptionsTest, readsAllOptions) {
     EXPECT_EQ(given.documents, std::vector<std::string>{"a.json"});
 }
 
+TEST(OptionsTest, readsTheFormOfFollowedChanges) {
+    EXPECT_EQ(options({"--follow=text"}).followForm, FollowForm::text);
+    EXPECT_EQ(options({"--follow=json"}).followForm, FollowForm::json);
+    EXPECT_TRUE(options({"--follow=text"}).follows);
+    // What follows the option is an input, not its form.
+    const Options given = options({"--follow", "a.json"});
+    EXPECT_TRUE(given.follows);
+    EXPECT_EQ(given.documents, std::vector<std::string>{"a.json"});
+}
+
 TEST(OptionsTest, takesOneValueForEachTrace) {
     const Options given = options({"--trace", "A/0", "a.json", "--trace", "B/1", "b.json"});
     EXPECT_EQ(given.traces, (std::vector<TraceSetting>{{"A", 0}, {"B", 1}}));
@@ -86,7 +96,8 @@ TEST(OptionsTest, saysWhatIsWrongAndWhatWasMeant) {
         {{"--what"}, R"(unknown option "--what")"},
         {{"--outptu", "table"}, R"(unknown option "--outptu", did you mean "--output"?)"},
         {{"--keep-going=x"}, R"("--keep-going" takes no value)"},
-        {{"--follow=false"}, R"("--follow" takes no value)"},
+        {{"--follow=false"}, R"(--follow: expected json or text, found "false")"},
+        {{"--machines=false"}, R"("--machines" takes no value)"},
         {{"-f"}, R"(unknown option "-f")"},
         {{"--plugin"}, R"("--plugin" needs a FILE)"},
         {{"--output", "none", "--output", "none"}, R"("--output" is given more than once)"},

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <regex>
+
 #include "agent/output/Follower.h"
 #include "platform/QosOc/State/ClassifiersDir.h"
 #include "tests/agent/support/TextDatabase.h"
@@ -88,6 +90,17 @@ TEST_F(FollowerTest, endsWithItself) {
     { const Follower follower(feed, db.out.output()); }
     tree->classifierIs("C")->stateIs({"C", QosOc::Classifier::Type::IPV4});
     EXPECT_EQ(db.out.text(), "");
+}
+
+TEST_F(FollowerTest, writesChangesForPeople) {
+    tree->classifierIs("before")->stateIs({"before", QosOc::Classifier::Type::IPV6});
+    const Follower follower(feed, db.out.output(), FollowForm::text, db.database.stateTree());
+    tree->classifierIs("C")->stateIs({"C", QosOc::Classifier::Type::IPV4});
+    tree->classifierDel("before");
+    const std::string time = R"(\d\d:\d\d:\d\d\.\d{3}Z )";
+    EXPECT_TRUE(std::regex_match(db.out.text(), std::regex(time + "C: absent -> IPV4\n" + time +
+                                                           "before: IPV6 -> absent\n")))
+        << db.out.text();
 }
 
 }  // namespace

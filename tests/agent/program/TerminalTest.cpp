@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <regex>
+
 #include "tests/agent/support/Program.h"
 #include "tests/agent/support/PseudoTerminal.h"
 
@@ -73,6 +75,14 @@ TEST_F(TerminalTest, foldsNamesThatItHasNoRoomFor) {
               "CLASSIFIER   TYPE  TERM  MATCH  TARGET GROUP\n"
               "voice-of-    IPV6  -     -      -\n"
               "the-north\n");
+}
+
+TEST_F(TerminalTest, getsFollowedChangesAsTextByDefault) {
+    EXPECT_TRUE(std::regex_match(
+        shown({"--output", "none", "--follow", document()}),
+        std::regex(R"(\d\d:\d\d:\d\d\.\d{3}Z voice-of-the-north: absent -> IPV6\n)")));
+    EXPECT_THAT(shown({"--output", "none", "--follow=json", document()}),
+                HasSubstr(R"({"update":")"));
 }
 
 TEST_F(TerminalTest, seesNoColourInWhatProgramsRead) {
