@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "agent/json/JsonWriter.h"
+#include "agent/json/Visible.h"
 
 namespace QosAgent {
 
@@ -27,31 +28,13 @@ std::string_view cutBetweenCharacters(std::string_view text, std::size_t mostByt
     return text.substr(0, size);
 }
 
-/// Escapes what JSON lets pass and a terminal may obey: U+007F, and U+0080 to U+009F, which are two
-/// bytes in UTF-8.
-std::string withoutControls(std::string_view quoted) {
-    std::string out;
-    for (std::size_t at = 0; at < quoted.size(); ++at) {
-        const bool isHigh = quoted[at] == '\xc2' && at + 1 < quoted.size() &&
-                            static_cast<unsigned char>(quoted[at + 1]) < 0xa0;
-        if (!isHigh && quoted[at] != '\x7f') {
-            out += quoted[at];
-            continue;
-        }
-        if (isHigh) ++at;
-        out += "\\u00";
-        appendHex(out, static_cast<unsigned char>(quoted[at]));
-    }
-    return out;
-}
-
 }  // namespace
 
 std::string excerpt(std::string_view text, std::size_t mostBytes) {
     const std::string_view kept = cutBetweenCharacters(text, mostBytes);
     std::string quoted;
     appendQuoted(quoted, kept);
-    std::string out = withoutControls(quoted);
+    std::string out = visible(quoted);
     if (kept.size() < text.size()) out += "...";
     return out;
 }

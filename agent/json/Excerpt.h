@@ -7,7 +7,7 @@
 namespace QosAgent {
 
 /// `text` in double quotes, fit for a message of one line: at most its first `mostBytes` bytes, cut
-/// between characters and then followed by `...`, with control characters escaped as in JSON.
+/// between characters and then followed by `...`, escaped as in JSON and `visible`.
 std::string excerpt(std::string_view text, std::size_t mostBytes = 60);
 
 /// Returns what stands around the byte at `offset` of a line, without quotes: all of a line of 160

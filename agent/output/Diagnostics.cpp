@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include "agent/json/Visible.h"
 #include "agent/output/Journal.h"
 #include "agent/output/Terminal.h"
 
@@ -28,9 +29,9 @@ std::string placeIn(std::string_view file, const TextPlace& place) {
 
 std::string Diagnostic::line(bool hasColour) const {
     const bool isWarning = kind == Kind::warning;
-    std::string line = painted(isWarning ? kBold : kBoldRed, oneLine(place) + ':', hasColour) + ' ';
+    std::string line = painted(isWarning ? kBold : kBoldRed, visible(place) + ':', hasColour) + ' ';
     if (isWarning) line += painted(kBoldMagenta, "warning:", hasColour) + ' ';
-    return line + oneLine(message);
+    return line + visible(message);
 }
 
 Diagnostic refusal(std::string_view file, std::string_view message) {
@@ -51,13 +52,6 @@ Diagnostic warning(std::string_view file, std::string_view message) {
 
 Diagnostic warning(std::string_view file, const TextPlace& place, std::string_view message) {
     return warning(placeIn(file, place), message);
-}
-
-std::string oneLine(std::string_view text) {
-    std::string line(text);
-    for (char& c : line)
-        if (static_cast<unsigned char>(c) < 0x20 || c == '\x7f') c = '?';
-    return line;
 }
 
 void report(const Diagnostic& diagnostic) {

@@ -18,8 +18,8 @@ struct Diagnostic {
     std::string place;  ///< `FILE`, or `FILE:LINE:COLUMN`
     std::string message;
 
-    /// `PLACE: MESSAGE` or `PLACE: warning: MESSAGE`, on one line whatever they hold. Colour is for
-    /// what stands before the message.
+    /// `PLACE: MESSAGE` or `PLACE: warning: MESSAGE`, both `visible`, so that it is one line
+    /// whatever they hold. Colour is for what stands before the message.
     std::string line(bool hasColour = false) const;
 };
 
@@ -29,9 +29,6 @@ Diagnostic refusal(std::string_view file, const TextPlace& place, std::string_vi
 Diagnostic refusal(std::string_view file, std::string_view text, const Fault& fault);
 Diagnostic warning(std::string_view file, std::string_view message);
 Diagnostic warning(std::string_view file, const TextPlace& place, std::string_view message);
-
-/// The text with `?` for each control character, so that it stays on its line.
-std::string oneLine(std::string_view text);
 
 /// Writes the line to standard error: in colour if that is a terminal that has it, with its
 /// severity before it if that is the journal.

@@ -1,6 +1,7 @@
 #include "agent/output/Machines.h"
 
 #include "agent/database/Printer.h"
+#include "agent/json/Visible.h"
 #include "agent/output/MachineWalk.h"
 #include "platform/Vex/Escape.h"
 
@@ -92,15 +93,16 @@ private:
     }
     void appendName(const Text& name) {
         if (!name) return;
-        out_ += ' ';
-        Vex::appendEscaped(out_, *name);
+        std::string escaped;
+        Vex::appendEscaped(escaped, *name);
+        out_.append(" ").append(visible(escaped));
     }
     static std::string json(const TypedValue& value) {
         if (value.value.isAbsent()) return "none";
         std::string text;
         JsonWriter writer(text);
         writeValue(writer, value.type, value.value);
-        return text;
+        return visible(text);
     }
 
     std::string& out_;

@@ -6,7 +6,7 @@
 #include <chrono>
 #include <cstdio>
 
-#include "agent/output/Diagnostics.h"
+#include "agent/json/Visible.h"
 #include "agent/output/Terminal.h"
 
 namespace QosAgent {
@@ -17,7 +17,7 @@ constexpr const char* kClearRest = "\033[K";
 
 }  // namespace
 
-Progress::Progress(std::string_view what) : what_(oneLine(what)) {
+Progress::Progress(std::string_view what) : what_(visible(what)) {
     const Terminal terminal = terminalOn(STDERR_FILENO);
     columns_ = terminal.columns;
     if (terminal.canRedraw) drawer_ = std::thread([this] { draw(); });

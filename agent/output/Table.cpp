@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "agent/json/Visible.h"
 #include "agent/output/MatchText.h"
 #include "agent/output/NaturalOrder.h"
 #include "platform/Vex/Escape.h"
@@ -51,9 +52,9 @@ using Row = std::array<Cell, kColumns>;
 
 Cell shown(std::string_view text) {
     if (text.empty()) return {std::string(kNothing)};
-    Cell cell;
-    Vex::appendEscaped(cell.text, text);
-    return cell;
+    std::string escaped;
+    Vex::appendEscaped(escaped, text);
+    return {visible(escaped)};
 }
 
 bool beginsCharacter(char byte) {

@@ -13,7 +13,7 @@ TEST(DiagnosticsTest, namesFileAndPlaceBeforeTheMessage) {
 }
 
 TEST(DiagnosticsTest, stayOnOneLine) {
-    EXPECT_EQ(refusal("f\n", "\x1b[1m\x7f").line(), "f?: ?[1m?");
+    EXPECT_EQ(refusal("f\n", "\x1b[1m\x7f").line(), "f\\u000a: \\u001b[1m\\u007f");
 }
 
 TEST(DiagnosticsTest, paintOnlyWhatStandsBeforeTheMessage) {

@@ -107,5 +107,11 @@ TEST(TableTest, countsCharactersAndEscapesControls) {
               "é\\n         IPV4  -     -      -");
 }
 
+TEST(TableTest, showsCharactersThatNobodySeesEscaped) {
+    EXPECT_EQ(tableOf(R"({"a\u009b2J":{"terms":{"term":{"\u202ex\\":{}}}}})"),
+              "CLASSIFIER  TYPE  TERM       MATCH  TARGET GROUP\n"
+              "a\\u009b2J   IPV4  \\u202ex\\\\  -      -");
+}
+
 }  // namespace
 }  // namespace QosAgent

@@ -102,9 +102,30 @@ TEST_F(BadInputTest, makesNoLinesOfItsOwn) {
     EXPECT_EQ(refusals, 1u);
 }
 
+TEST_F(BadInputTest, isShownEscapedToPeopleAndAsItIsToPrograms) {
+    const std::string document = file(
+        "d.json",
+        "{\"qos/status\":{\"cmapTypeStatus\":{\"mapQos\":{\"cmapStatus\":{\"a\u009b2J\u202eb\":"
+        "{\"match\":{\"matchIpAccessGroup\":\"\u202ec\"}}}}}}}");
+    const Ended people = run({"--output", "table", "--machines", document});
+    EXPECT_NE(people.out.find("a\\u009b2J\\u202eb  IPV4"), std::string::npos) << people;
+    EXPECT_NE(people.out.find("cmapStatus: Qos::ClassMapStatus a\\u009b2J\\u202eb\n"),
+              std::string::npos)
+        << people;
+    EXPECT_EQ(people.out.find("\u202e"), std::string::npos) << people;
+    const Ended programs =
+        run({"--output", "none", document, "-"},
+            "{\"print\":\"state\"}\n{\"print\":\"machines\"}\n{\"delete\":\"a\u202e\"}\n");
+    EXPECT_TRUE(programs.out.starts_with("{\"classifier\":{\"a\u009b2J\u202eb\":{\"state\""))
+        << programs;
+    EXPECT_NE(programs.out.find("\"name\":\"a\u009b2J\u202eb\""), std::string::npos) << programs;
+    EXPECT_EQ(programs.out.find("\\u"), std::string::npos) << programs;
+    EXPECT_EQ(programs.err, "-:3:11: no subtree is mounted at the path \"a\\u202e\"\n");
+}
+
 TEST_F(BadInputTest, isNamedOnOneLineWhateverItsFileIsCalled) {
     EXPECT_EQ(run({path("a\nb\x7f.json")}),
-              (Ended{2, "", path("a?b?.json") + ": No such file or directory\n"}));
+              (Ended{2, "", path("a\\u000ab\\u007f.json") + ": No such file or directory\n"}));
 }
 
 }  // namespace
