@@ -124,7 +124,7 @@ private:
     }
     /// False when the program cannot go on.
     bool applyStream(const std::string& name, const StopSignals& stop) {
-        const File file = File::toRead(name);
+        const File file = File::toReadLater(name);
         if (file.error() != 0) return unusable(name, file.error());
         LineReader lines(file.fd(), Limits{}.lineBytes, stop);
         Operations operations(database_, configuration_, host_);
@@ -175,7 +175,9 @@ private:
             text = stateTable(*state, terminalOn(STDOUT_FILENO));
     }
     int endStatus() const {
-        if (reportFault(out_)) return kUnusable;
+        // A reader of followed changes who has seen enough goes away: that is no fault.
+        const bool isDone = options_.follows && out_.isReaderGone();
+        if (!isDone && reportFault(out_)) return kUnusable;
         return isSomeRefused_ ? kSomeRefused : kAllApplied;
     }
 

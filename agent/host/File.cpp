@@ -25,6 +25,13 @@ File File::toRead(const std::string& name) {
     return File(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
 }
 
+File File::toReadLater(const std::string& name) {
+    if (name == "-") return File(STDIN_FILENO);
+    File file(::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (file.error() == 0) ::fcntl(file.fd(), F_SETFL, O_RDONLY);
+    return file;
+}
+
 File File::toWrite(const std::string& name) {
     return File(::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666));
 }

@@ -11,6 +11,9 @@ class File {
 public:
     /// Opens for reading; `-` is standard input.
     static File toRead(const std::string& name);
+    /// The same for a file that is read as it grows. Does not wait for the first writer of a named
+    /// pipe: the caller must wait until the file is readable before it reads.
+    static File toReadLater(const std::string& name);
     /// Opens for writing, empty and made if absent.
     static File toWrite(const std::string& name);
     File(File&& other) noexcept;

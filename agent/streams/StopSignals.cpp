@@ -2,6 +2,8 @@
 
 #include <poll.h>
 
+#include <cerrno>
+
 namespace QosAgent {
 namespace {
 
@@ -42,9 +44,9 @@ bool StopSignals::waitReadable(int fd) const {
         sigaddset(&blocked, signal);
     // Blocked between the question and the wait: a signal then ends the wait, not falls between.
     ::sigprocmask(SIG_BLOCK, &blocked, &before);
-    if (!isStopRequested()) {
-        pollfd waited{fd, POLLIN, 0};
-        ::ppoll(&waited, 1, nullptr, &before);
+    pollfd waited{fd, POLLIN, 0};
+    while (!isStopRequested() && ::ppoll(&waited, 1, nullptr, &before) < 0 && errno == EINTR) {
+        // Another signal: a read now could take a pipe without writers for one that has ended.
     }
     ::sigprocmask(SIG_SETMASK, &before, nullptr);
     return !isStopRequested();

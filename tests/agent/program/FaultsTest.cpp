@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <sys/ioctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <chrono>
@@ -11,6 +12,22 @@ namespace QosAgent {
 namespace {
 
 namespace fs = std::filesystem;
+
+/// Files that this process writes, and those it starts meanwhile, have at most so many bytes.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &before_), 0);
+        const rlimit limit{bytes, before_.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    }
+    ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &before_); }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    rlimit before_{};
+};
 
 /// What is around the program fails it: files, streams, signals.
 class FaultsTest : public ProgramTest {
@@ -43,6 +60,36 @@ protected:
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         return condition();
     }
+    /// Prints to a pipe whose reader has gone.
+    Ended endWithoutReader(const std::vector<std::string>& options) {
+        const int reader = readerOfOutput();
+        std::vector<std::string> arguments = options;
+        arguments.push_back(pipe("endless.jsonl"));
+        const pid_t child = start(arguments, STDIN_FILENO);
+        const int writer = ::open(arguments.back().c_str(), O_WRONLY | O_CLOEXEC);
+        ::close(reader);
+        const std::string line = "{\"print\":\"state\"}\n";
+        EXPECT_EQ(::write(writer, line.data(), line.size()), static_cast<ssize_t>(line.size()));
+        const Ended ended = end(child);
+        ::close(writer);
+        return ended;
+    }
+    static bool isFull(int pipeReader) {
+        int bytes = 0;
+        ::ioctl(pipeReader, FIONREAD, &bytes);
+        return bytes == ::fcntl(pipeReader, F_GETPIPE_SZ);
+    }
+    /// Whether the process has the file open, and sleeps.
+    static bool isWaitingFor(pid_t child, const std::string& file) {
+        const fs::path process = "/proc/" + std::to_string(child);
+        std::error_code ignored;
+        bool isOpen = false;
+        for (const auto& entry : fs::directory_iterator(process / "fd", ignored))
+            isOpen = isOpen || fs::read_symlink(entry.path(), ignored) == file;
+        std::string stat;
+        std::getline(std::ifstream(process / "stat"), stat);
+        return isOpen && stat.find(") S ") != std::string::npos;
+    }
     static bool isRunning(pid_t child) {
         siginfo_t info{};
         ::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOHANG | WNOWAIT);
@@ -74,15 +121,50 @@ TEST_F(FaultsTest, areNoneWhereAClosedStreamIsNotNeeded) {
 }
 
 TEST_F(FaultsTest, areReportedWhenTheReaderOfTheOutputHasGone) {
-    const int reader = readerOfOutput();
-    const std::string endless = pipe("endless.jsonl");
-    const pid_t child = start({"--follow", endless}, STDIN_FILENO);
-    const int writer = ::open(endless.c_str(), O_WRONLY | O_CLOEXEC);
-    ::close(reader);
-    const std::string line = "{\"print\":\"state\"}\n";
-    EXPECT_EQ(::write(writer, line.data(), line.size()), static_cast<ssize_t>(line.size()));
-    EXPECT_EQ(end(child), (Ended{2, "", "standard output: Broken pipe\n"}));
-    ::close(writer);
+    EXPECT_EQ(endWithoutReader({}), (Ended{2, "", "standard output: Broken pipe\n"}));
+}
+
+TEST_F(FaultsTest, areNoneWhenTheReaderOfFollowedChangesHasGone) {
+    EXPECT_EQ(endWithoutReader({"--follow"}), (Ended{0, "", ""}));
+}
+
+TEST_F(FaultsTest, areNoneWhileNobodyReadsFromANonBlockingPipe) {
+    const std::string longest(std::size_t{64} << 10, 'x');
+    std::string lines;
+    for (int i = 0; i < 4; ++i)
+        lines += R"({"echo":")" + longest + "\"}\n";
+    int ends[2];
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    ASSERT_EQ(::fcntl(ends[1], F_SETFL, O_WRONLY | O_NONBLOCK), 0);
+    outIs(ends[1]);
+    const pid_t child =
+        start({"--output", "none", "--trace-file", "/dev/null", file("s.jsonl", lines)}, 0);
+    ::close(ends[1]);
+    EXPECT_TRUE(comesTrue([&] { return isFull(ends[0]); }));
+    std::string out;
+    char bytes[4096];
+    for (ssize_t count = 0; (count = ::read(ends[0], bytes, sizeof bytes)) > 0;)
+        out.append(bytes, static_cast<std::size_t>(count));
+    ::close(ends[0]);
+    const std::string line = "# " + longest + '\n';
+    EXPECT_EQ(out, line + line + line + line);
+    EXPECT_EQ(end(child), (Ended{0, "", ""}));
+}
+
+TEST_F(FaultsTest, areReportedWhenAFileMayNotGrow) {
+    constexpr rlim_t kMostBytes = 4096;
+    const std::string lines = R"({"echo":")" + std::string(kMostBytes, 'x') + "\"}\n";
+    const std::string stream = file("s.jsonl", lines);
+    const auto endLimited = [&](const std::vector<std::string>& arguments) {
+        const FileSizeLimit limit(kMostBytes);
+        return end(start(arguments, STDIN_FILENO));
+    };
+    const Ended full = endLimited({"--trace-file", "/dev/null", stream});
+    EXPECT_EQ(full, (Ended{2, "# " + std::string(kMostBytes - 2, 'x'),
+                           "standard output: File too large\n"}));
+    outFileIs("/dev/null");
+    EXPECT_EQ(endLimited({"--trace-file", path("t"), stream}).err,
+              path("t") + ": File too large\n");
 }
 
 TEST_F(FaultsTest, areReportedWhenTheTraceFileIsFull) {
@@ -168,6 +250,29 @@ TEST_F(FaultsTest, endFollowingAtASignalWithTheResults) {
     }
 }
 
+TEST_F(FaultsTest, endWaitingForTheFirstWriterOfAPipeAtASignalWithTheResults) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        const std::string first = file("first.jsonl", "{\"echo\":\"applied\"}\n");
+        const std::string silent = pipe("s" + std::to_string(signal) + ".jsonl");
+        const pid_t child = start({"--trace-file", "/dev/null", first, silent}, STDIN_FILENO);
+        EXPECT_TRUE(comesTrue([this] { return !read("out").empty(); }));
+        EXPECT_TRUE(comesTrue([&] { return isWaitingFor(child, silent); }));
+        ::kill(child, signal);
+        EXPECT_EQ(end(child), (Ended{0, "# applied\n{}\n", ""}));
+    }
+}
+
+TEST_F(FaultsTest, areNoneWhenTheFirstWriterOfAPipeComesLate) {
+    const std::string late = pipe("late.jsonl");
+    const pid_t child =
+        start({"--trace-file", "/dev/null", "--output", "none", late}, STDIN_FILENO);
+    EXPECT_TRUE(comesTrue([&] { return isWaitingFor(child, late); }));
+    ::kill(child, SIGSTOP);
+    ::kill(child, SIGCONT);
+    file("late.jsonl", "{\"echo\":\"a\"}\n");
+    EXPECT_EQ(end(child), (Ended{0, "# a\n", ""}));
+}
+
 TEST_F(FaultsTest, endAtOnceAtASecondSignal) {
     std::string lines;
     for (int i = 0; i < 20'000; ++i)
@@ -178,12 +283,7 @@ TEST_F(FaultsTest, endAtOnceAtASecondSignal) {
         const int reader = readerOfOutput();
         const pid_t child = start({"--trace-file", "/dev/null", stream}, STDIN_FILENO);
         // Nobody reads, so the program comes to wait for room to write, whatever it writes next.
-        const auto isFull = [reader] {
-            int bytes = 0;
-            ::ioctl(reader, FIONREAD, &bytes);
-            return bytes == ::fcntl(reader, F_GETPIPE_SZ);
-        };
-        EXPECT_TRUE(comesTrue(isFull));
+        EXPECT_TRUE(comesTrue([&] { return isFull(reader); }));
         ::kill(child, SIGINT);
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         EXPECT_TRUE(isRunning(child));

@@ -62,7 +62,11 @@ protected:
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_adddup2(&actions, in, STDIN_FILENO);
         const int flags = O_WRONLY | O_CREAT | O_TRUNC;
-        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outFile().c_str(), flags, 0666);
+        if (out_ >= 0)
+            posix_spawn_file_actions_adddup2(&actions, out_, STDOUT_FILENO);
+        else
+            posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outFile().c_str(), flags,
+                                             0666);
         posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errFile().c_str(), flags, 0666);
         for (const int fd : closed_)
             posix_spawn_file_actions_addclose(&actions, fd);
@@ -83,6 +87,8 @@ protected:
         return tests.parent_path() / "bin" / "qos-agent";
     }
     void outFileIs(const std::string& name) { outFile_ = name; }
+    /// The program shares this open file as its standard output.
+    void outIs(int fd) { out_ = fd; }
     void errFileIs(const std::string& name) { errFile_ = name; }
     /// The program is started without this standard stream.
     void closedIs(int fd) { closed_ = {fd}; }
@@ -93,6 +99,7 @@ private:
 
     TemporaryFolder folder_;
     std::string outFile_;
+    int out_ = -1;
     std::vector<int> closed_;
     std::string errFile_;
 };
