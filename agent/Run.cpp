@@ -202,9 +202,21 @@ int check(const Options& options) {
     return isGood ? kAllApplied : kUnusable;
 }
 
+/// Whether writing to the file would destroy something that is read.
+bool isAlsoRead(const std::string& file, const Options& options) {
+    const auto isFile = [&](const std::string& read) { return isSameFile(file, read); };
+    return std::ranges::any_of(options.documents, isFile) ||
+           std::ranges::any_of(options.streams, isFile) || isFile(options.pluginFile) ||
+           isFile(options.toggleFolder + '/' + kToggleFile);
+}
+
 }  // namespace
 
 int run(const Options& options) {
+    if (!options.traceFile.empty() && isAlsoRead(options.traceFile, options)) {
+        report(refusal(options.traceFile, "--trace-file would empty a file that is read"));
+        return kUnusable;
+    }
     std::optional<File> traceFile;
     if (!options.traceFile.empty()) traceFile.emplace(File::toWrite(options.traceFile));
     if (traceFile && traceFile->error() != 0) {

@@ -41,6 +41,18 @@ bool File::isKept() const {
     return ::isatty(fd_) != 0 || (::fstat(fd_, &status) == 0 && S_ISREG(status.st_mode));
 }
 
+bool isSameFile(const std::string& name, const std::string& other) {
+    const auto path = [](const std::string& file) { return file == "-" ? "/dev/stdin" : file; };
+    std::error_code ignored;
+    const std::filesystem::path one = path(name);
+    const std::filesystem::path two = path(other);
+    if (!std::filesystem::exists(one, ignored))
+        return std::filesystem::weakly_canonical(one, ignored) ==
+               std::filesystem::weakly_canonical(two, ignored);
+    return std::filesystem::is_regular_file(one, ignored) &&
+           std::filesystem::equivalent(one, two, ignored);
+}
+
 bool isSpecialFile(const std::string& name) {
     std::error_code ignored;
     return std::filesystem::is_other(std::filesystem::status(name, ignored));

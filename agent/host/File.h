@@ -36,6 +36,8 @@ private:
     int error_;
 };
 
+/// Whether both names lead to one regular file, or would once it is made; `-` is standard input.
+bool isSameFile(const std::string& name, const std::string& other);
 /// A pipe, a device or a socket: to open or read one may mean to wait for ever.
 bool isSpecialFile(const std::string& name);
 inline constexpr const char* kSpecialFile = "not a regular file";

@@ -1,14 +1,14 @@
 #include "agent/host/LibraryFile.h"
 
+#include <grp.h>
 #include <link.h>
+#include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <cstring>
-#include <filesystem>
-#include <system_error>
-
-#include "agent/host/File.h"
 
 namespace QosAgent {
 namespace {
@@ -38,15 +38,47 @@ bool isWhole(const File& file, std::uint64_t size) {
     return true;
 }
 
+bool isTrustedOwner(uid_t owner) {
+    return owner == 0 || owner == ::geteuid();
+}
+
+/// Whether only that user is in the group: distributions give each user such a group, and let it
+/// write what its user makes.
+bool isPrivateGroup(gid_t group, uid_t user) {
+    const passwd* const account = ::getpwuid(user);
+    if (account == nullptr || account->pw_gid != group) return false;
+    const std::string name = account->pw_name;
+    const ::group* const entry = ::getgrgid(group);
+    return entry != nullptr && entry->gr_name == name && *entry->gr_mem == nullptr;
+}
+
+bool isWritableByOthers(const struct stat& status) {
+    if ((status.st_mode & S_IWOTH) != 0) return true;
+    return (status.st_mode & S_IWGRP) != 0 && !isPrivateGroup(status.st_gid, status.st_uid);
+}
+
+std::string faultOf(const struct stat& status) {
+    if (!S_ISREG(status.st_mode)) return kSpecialFile;
+    if (!isTrustedOwner(status.st_uid))
+        return "belongs to user " + std::to_string(status.st_uid) + ", not to root or to you";
+    if (isWritableByOthers(status)) return "others may write to it (chmod go-w)";
+    return {};
+}
+
 }  // namespace
 
-std::string libraryFileFault(const std::string& path) {
-    if (isSpecialFile(path)) return kSpecialFile;
-    const File file = File::toRead(path);
-    std::error_code unknown;
-    const std::uintmax_t size = std::filesystem::file_size(path, unknown);
-    if (file.error() != 0 || unknown) return {};
-    return isWhole(file, size) ? "" : "file truncated";
+LibraryFile::LibraryFile(const std::string& path) : file_(File::toReadLater(path)) {}
+
+std::string LibraryFile::fault() const {
+    if (file_.error() != 0) return std::strerror(file_.error());
+    struct stat status {};
+    if (::fstat(file_.fd(), &status) != 0) return std::strerror(errno);
+    if (std::string fault = faultOf(status); !fault.empty()) return fault;
+    return isWhole(file_, static_cast<std::uint64_t>(status.st_size)) ? "" : "file truncated";
+}
+
+std::string LibraryFile::loadName() const {
+    return "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(file_.fd());
 }
 
 }  // namespace QosAgent

@@ -4,15 +4,17 @@
 
 #include <algorithm>
 
-#include "agent/host/LibraryFile.h"
+#include "agent/host/PluginFault.h"
+#include "agent/json/Excerpt.h"
 #include "platform/Qos/DefaultPluginLoader.h"
 
 namespace QosAgent {
 namespace {
 
 constexpr const char* kNotLoaded = "cannot be loaded: ";
+constexpr const char* kNotStarted = "cannot be started: ";
 
-/// The C library looks for a bare name elsewhere than in the working folder.
+/// A file named `-` is no standard input here.
 std::string asPath(const std::string& file) {
     return file.find('/') == std::string::npos ? "./" + file : file;
 }
@@ -41,29 +43,40 @@ PluginHost::~PluginHost() {
 }
 
 std::optional<std::string> PluginHost::load(const std::string& file) {
-    const std::string path = asPath(file);
-    if (const std::string fault = libraryFileFault(path); !fault.empty()) return kNotLoaded + fault;
-    library_.reset(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
-    if (!library_) return kNotLoaded + loadFault(path);
+    file_.emplace(asPath(file));
+    if (const std::string fault = file_->fault(); !fault.empty()) return kNotLoaded + fault;
+    const std::string name = file_->loadName();
+    // Static objects of the library may throw. It stays mapped then, for good.
+    const auto thrown =
+        faultOfPlugin([&] { library_.reset(::dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL)); });
+    if (thrown) return kNotStarted + *thrown;
+    if (!library_) return kNotLoaded + loadFault(name);
     if (Qos::defaultPluginLoader().registry().empty()) return "registers no plug-in";
     for (const auto* initCaller : Qos::defaultPluginLoader().initCallers()) {
         plugins_.push_back({initCaller, Orin::Ptr<Context>::adopt(new Context(entityManager_))});
-        (*initCaller)(plugins_.back().context.get());
+        if (auto fault = start(plugins_.back())) return fault;
     }
     return {};
 }
 
-bool PluginHost::restart(std::string_view plugin) {
+std::optional<std::string> PluginHost::start(const Hosted& hosted) {
+    const auto thrown = faultOfPlugin([&] { (*hosted.initCaller)(hosted.context.get()); });
+    if (!thrown) return {};
+    hosted.context->mounterDelAll();
+    return kNotStarted + *thrown;
+}
+
+std::optional<std::string> PluginHost::restart(std::string_view plugin) {
     const auto& registry = Qos::defaultPluginLoader().registry();
     const auto named = std::find_if(registry.begin(), registry.end(),
                                     [plugin](const auto& each) { return each.name == plugin; });
-    if (named == registry.end()) return false;
+    if (named == registry.end()) return "no plug-in is called " + excerpt(plugin);
     for (const Hosted& hosted : plugins_) {
         if (hosted.initCaller != named->initCaller) continue;
         hosted.context->mounterDelAll();
-        (*hosted.initCaller)(hosted.context.get());
+        if (auto fault = start(hosted)) return fault;
     }
-    return true;
+    return {};
 }
 
 std::vector<Orin::Ptr<const Vex::TypedNode>> PluginHost::mounters() const {

@@ -264,8 +264,8 @@ Operations::Result Operations::echo(const JsonValue& text, const JsonValue*) {
 Operations::Result Operations::restart(const JsonValue& plugin, const JsonValue*) {
     if (!plugin.is(JsonKind::string))
         return Fault{plugin.offset(), unexpected("a string", plugin.kind())};
-    if (host_.restart(plugin.text())) return {};
-    return Fault{plugin.offset(), "no plug-in is called " + excerpt(plugin.text())};
+    if (auto fault = host_.restart(plugin.text())) return Fault{plugin.offset(), *std::move(fault)};
+    return {};
 }
 
 Operations::Result Operations::follow(const JsonValue& isWanted, const JsonValue*) {

@@ -36,7 +36,7 @@ constexpr std::string_view kBase = R"({
         "terms": {"term": {"T": {"actions": {"targetGroup": "silver"}}}}}}}})";
 
 void start(TextDatabase& db) {
-    require(db.host.restart(kPlugin), "the plug-in is not registered");
+    require(!db.host.restart(kPlugin), "the plug-in cannot be started again");
 }
 
 std::unique_ptr<TextDatabase> baseDatabase() {

@@ -1,0 +1,40 @@
+#include "agent/host/PluginFault.h"
+
+#include <cxxabi.h>
+
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <new>
+#include <typeinfo>
+
+namespace QosAgent {
+namespace {
+
+/// The name of the type of the exception that is being handled.
+std::string typeOfException() {
+    const char* const name = abi::__cxa_current_exception_type()->name();
+    int status = 0;
+    const std::unique_ptr<char, decltype(&std::free)> readable(
+        abi::__cxa_demangle(name, nullptr, nullptr, &status), &std::free);
+    return "an exception of type " + std::string(status == 0 ? readable.get() : name);
+}
+
+}  // namespace
+
+std::optional<std::string> faultOfPlugin(const std::function<void()>& code) {
+    try {
+        code();
+        return {};
+    } catch (const std::bad_alloc&) {
+        // Another one: the class of the one that was thrown may be the plug-in's own.
+        throw std::bad_alloc();
+    } catch (const std::exception& thrown) {
+        const std::string text = thrown.what();
+        return text.empty() ? typeOfException() : text;
+    } catch (...) {
+        return typeOfException();
+    }
+}
+
+}  // namespace QosAgent
