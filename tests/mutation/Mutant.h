@@ -1,6 +1,6 @@
 #pragma once
 
-inline constexpr unsigned kMostMutants = 1U << 17;
+inline constexpr unsigned kMostMutants = 1U << 18;
 
 extern "C" {
 /// The mutant that this process has; 0 for none.

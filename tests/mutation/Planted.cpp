@@ -1,5 +1,7 @@
 #include "tests/mutation/Planted.h"
 
+#include <string_view>
+
 namespace Planted {
 namespace {
 
@@ -8,10 +10,30 @@ int distance(int a, int b) {
     return a < b ? b - a : a - b;
 }
 
+/// Leaves in each of the ways that there are.
+const char* wayOut(int a) {
+    if (a == 1) throw a;
+    while (a > 2) {
+        if (a == 3) break;
+        return "return";
+    }
+    return a == 3 ? "break" : "end";
+}
+
+bool leavesByThrowing() {
+    try {
+        return wayOut(1) == nullptr;
+    } catch (int thrown) {
+        return thrown == 1;
+    }
+}
+
 }  // namespace
 
 bool holds() {
-    return distance(2, 5) == 3 && distance(5, 2) == 3;
+    return distance(2, 5) == 3 && distance(5, 2) == 3 && leavesByThrowing() &&
+           std::string_view(wayOut(2)) == "end" && std::string_view(wayOut(3)) == "break" &&
+           std::string_view(wayOut(4)) == "return";
 }
 
 int uncalled(int a) {

@@ -96,7 +96,7 @@ def main():
         return 1
     equivalents = Equivalents.read(HERE / "equivalent.txt")
     last.write_text(json.dumps([m.key for m, f in fate if f != "killed"], indent=1))
-    report = Report(fate, equivalents)
+    report = Report(fate, equivalents, not (arguments.patterns or arguments.survivors))
     print("\n".join(report.text()))
     faults = list(report.faults())
     for fault in faults:

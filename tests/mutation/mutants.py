@@ -4,8 +4,9 @@ import re
 from dataclasses import dataclass
 
 COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/", re.DOTALL)
-# What a place holds: any value, a truth, a whole statement; or text is put in front of the place.
-VALUE, TRUTH, STATEMENT, INSERTED = range(4)
+# What a place holds: any value, a truth, a whole statement; or text is put in front of the place;
+# or the place is a statement that is skipped.
+VALUE, TRUTH, STATEMENT, INSERTED, SKIPPED = range(5)
 
 
 @dataclass(frozen=True)

@@ -23,7 +23,7 @@ DIAGNOSTIC = re.compile(r"^(\S+?):(\d+):(\d+): (fatal error|error|note): (.*)", 
 # What the compiler says of a mutant in what it has to know itself.
 QUESTION = "qosMutant"
 # The numbers of a file's mutants stay as they are when other files change.
-NUMBERS_PER_FILE = 512
+NUMBERS_PER_FILE = 1024
 
 
 class BuildFailed(Exception):

@@ -14,8 +14,8 @@ from pathlib import Path
 
 import schemata
 from equivalents import Equivalents
-from mutants import INSERTED, STATEMENT, TRUTH, VALUE, Mutant, flat
-from report import PLANTED, PLANTED_SURVIVORS, Report
+from mutants import INSERTED, SKIPPED, STATEMENT, TRUTH, VALUE, Mutant, flat
+from report import PLANTED_KILLED, PLANTED_SURVIVORS, Report
 
 HERE = Path(__file__).resolve().parent
 TOY = """
@@ -29,7 +29,13 @@ int value(int a, int b) {
 void say(int a) {  // the last
     std::printf("%d ", a);
 }
+int sign(int a) {
+    if (a < 0) return -1; else if (a == 0) return 0;
+    for (;;) { if (a > 0) break; a = 7; }
+    return a;
+}
 int main() {
+    say(sign(-5) + sign(5));
     say(value(1, 2));
     say(value(4, 2));
     say(value(12, 10));
@@ -48,19 +54,22 @@ class WrittenMutantsTest(unittest.TestCase):
     """Builds the toy once with all its mutants."""
 
     MUTANTS = {
-        1: (mutant("relational", TRUTH, "a < b", "a >= b"), "1 2 2 "),
-        2: (mutant("condition", TRUTH, "a < b", "false"), "1 1 10 "),
-        3: (mutant("arithmetic", VALUE, "a - b", "a + b"), "3 1 10 "),
-        4: (mutant("constant", VALUE, "9", "10"), "-1 1 1 "),
+        1: (mutant("relational", TRUTH, "a < b", "a >= b"), "4 1 2 2 "),
+        2: (mutant("condition", TRUTH, "a < b", "false"), "4 1 1 10 "),
+        3: (mutant("arithmetic", VALUE, "a - b", "a + b"), "4 3 1 10 "),
+        4: (mutant("constant", VALUE, "9", "10"), "4 -1 1 1 "),
         5: (mutant("call", STATEMENT, 'std::printf("%d ", a)', "void()"), ""),
-        6: (mutant("swap", VALUE, "value(12, 10)", "value(10, 12)"), "-1 1 -2 "),
-        7: (mutant("call", STATEMENT, "say(value(12, 10))", "void()"), "-1 1 "),
+        6: (mutant("swap", VALUE, "value(12, 10)", "value(10, 12)"), "4 -1 1 -2 "),
+        7: (mutant("call", STATEMENT, "say(value(12, 10))", "void()"), "4 -1 1 "),
     }
     OPENING, CLOSING = TOY.index("{  // the last") + 1, TOY.index(") return *p")
     MUTANTS[8] = (Mutant("toy.cpp", "say", "return", 9, "{", "{ return;", INSERTED,
                          ((OPENING, OPENING, "return;"),)), "")
     MUTANTS[9] = (Mutant("toy.cpp", "value", "condition", 6, "p", "false", INSERTED,
-                         ((CLOSING, CLOSING, "false", "p"),)), "-1 1 1 ")
+                         ((CLOSING, CLOSING, "false", "p"),)), "4 -1 1 1 ")
+
+    MUTANTS[10] = (mutant("skip", SKIPPED, "return -1;", ""), "12 -1 1 10 ")
+    MUTANTS[11] = (mutant("string", VALUE, '"%d "', '""'), "")
 
     @classmethod
     def setUpClass(cls):
@@ -81,7 +90,7 @@ class WrittenMutantsTest(unittest.TestCase):
                               capture_output=True, text=True).stdout
 
     def test_changes_nothing_unless_asked_to(self):
-        self.assertEqual(self.said(0), "-1 1 10 ")
+        self.assertEqual(self.said(0), "4 -1 1 10 ")
 
     def test_makes_the_change_that_is_asked_for(self):
         for number, (mutant_, said) in self.MUTANTS.items():
@@ -100,18 +109,31 @@ class WrittenMutantsTest(unittest.TestCase):
 
 
 class ReportTest(unittest.TestCase):
-    def report(self, fates, listed=()):
+    def report(self, fates, listed=(), is_whole=False):
         planted = [(planted_mutant(key), fate) for key, fate in PLANTED_SURVIVORS.items()]
-        planted.append((planted_mutant(f"{PLANTED} f call: g() -> nothing"), "killed"))
-        return Report([*planted, *fates], Equivalents(dict.fromkeys(listed, "why")))
+        planted += [(planted_mutant(key), "killed") for key in PLANTED_KILLED]
+        return Report([*planted, *fates], Equivalents(dict.fromkeys(listed, "why")), is_whole)
 
     def test_is_content_when_all_but_the_planted_are_killed(self):
         self.assertEqual(list(self.report([(IN_REGISTRY, "killed")]).faults()), [])
 
     def test_misses_a_planted_mutant_that_does_not_survive(self):
-        report = Report([(planted_mutant(key), "killed") for key in PLANTED_SURVIVORS],
-                        Equivalents({}))
+        planted = [*PLANTED_SURVIVORS, *PLANTED_KILLED]
+        report = Report([(planted_mutant(key), "killed") for key in planted], Equivalents({}))
         self.assertEqual(len(list(report.faults())), len(PLANTED_SURVIVORS))
+
+    def test_misses_a_planted_mutant_that_is_not_killed(self):
+        report = Report([(planted_mutant(key), fate) for key, fate in PLANTED_SURVIVORS.items()],
+                        Equivalents({}))
+        self.assertEqual(list(report.faults()),
+                         [f"planted mutant not killed: {key}" for key in PLANTED_KILLED])
+
+    def test_wants_few_equivalents_among_all_mutants(self):
+        fates = [(IN_REGISTRY, "survived")] + [(ELSEWHERE, "killed")] * 48
+        self.assertEqual(list(self.report(fates, [IN_REGISTRY.key], is_whole=True).faults()),
+                         ["2.0% listed as equivalent, at most 2% may be"])
+        fates.append((ELSEWHERE, "killed"))
+        self.assertEqual(list(self.report(fates, [IN_REGISTRY.key], is_whole=True).faults()), [])
 
     def test_wants_every_call_of_the_strict_files_killed(self):
         report = self.report([(IN_REGISTRY, "survived")] + [(ELSEWHERE, "killed")] * 99)

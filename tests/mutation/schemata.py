@@ -3,7 +3,7 @@
 import bisect
 from dataclasses import dataclass, field
 
-from mutants import INSERTED, STATEMENT, TRUTH, VALUE
+from mutants import INSERTED, SKIPPED, STATEMENT, TRUTH, VALUE
 
 
 @dataclass
@@ -37,16 +37,21 @@ class _Writer:
         self.source = source
         self.at = {}  # (start, end) -> level -> [(number, text)]
         self.inserted = {}  # offset -> [(number, place)]
+        self.skipped = {}  # start -> numbers
+        self.ends = {}  # end -> how many skipped statements end there
         for number, mutant in mutants:
             for start, end, *rest in mutant.places:
                 if mutant.level == INSERTED:
                     self.inserted.setdefault(start, []).append((number, rest))
+                elif mutant.level == SKIPPED:
+                    self.skipped.setdefault(start, []).append(number)
+                    self.ends[end] = self.ends.get(end, 0) + 1
                 else:
                     levels = self.at.setdefault((start, end), {})
                     levels.setdefault(mutant.level, []).append((number, rest[0]))
         # An outer place comes before those in it.
         self.places = sorted(self.at, key=lambda place: (place[0], -place[1]))
-        self.insertions = sorted(self.inserted)
+        self.insertions = sorted({*self.inserted, *self.skipped, *self.ends})
         self.out = []
         self.length = 0
         self.spans = []
@@ -84,6 +89,13 @@ class _Writer:
         self.put(self.source[start:end].decode())
 
     def insert_at(self, offset):
+        self.put(" }" * self.ends.pop(offset, 0))
+        self.insert_before(offset)
+        # The braces keep an `else` with the `if` that it belongs to.
+        for number in self.skipped.pop(offset, ()):
+            self.asking(number, f"{{ if (!qosMutant({number})) ")
+
+    def insert_before(self, offset):
         mutants = self.inserted.pop(offset, None)
         if mutants is None:
             return

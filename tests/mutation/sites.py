@@ -5,7 +5,7 @@ import re
 
 from clang import cindex
 
-from mutants import INSERTED, STATEMENT, TRUTH, VALUE, Mutant, flat
+from mutants import INSERTED, SKIPPED, STATEMENT, TRUTH, VALUE, Mutant, flat
 
 RELATIONAL = {"<": ("<=", ">="), "<=": ("<", ">"), ">": (">=", "<="), ">=": (">", "<"),
               "==": ("!=",), "!=": ("==",)}
@@ -14,6 +14,7 @@ ARITHMETIC = {"+": ("-",), "-": ("+",), "*": ("/",), "/": ("*",), "&": ("|",), "
               "^": ("&",), "<<": (">>",), ">>": ("<<",), "+=": ("-=",), "-=": ("+=",)}
 STEPS = {"++": "--", "--": "++"}
 BINARY = re.compile(r"\s*(<<|>>|<=|>=|==|!=|&&|\|\||\+=|-=|[<>+\-*/&|^=])\s*")
+STRING = re.compile(r'"(?:[^"\\]|\\.)+"')
 FOLD = re.compile(r"(\|\||&&) \.\.\.\)$")
 
 BODIES = ("FUNCTION_DECL", "CXX_METHOD", "FUNCTION_TEMPLATE", "CONSTRUCTOR", "DESTRUCTOR",
@@ -34,6 +35,7 @@ class Sites:
                       for file, data in self.bytes.items()}
         self.found = {}
         self.seen = set()
+        self.body = None  # of the function that is visited
 
     def collect(self, unit, files):
         """Adds the mutants that a translation unit has in these files."""
@@ -87,10 +89,12 @@ class Sites:
         body = next((c for c in children if kind_of(c) == "COMPOUND_STMT"), None)
         if body is None or self.text(file, *span(body))[:1] != "{":
             return
+        outer, self.body = self.body, Body(cursor, body)
         # What stands in front of the name is the template's head; behind it come initialisers.
         for child in children:
             if child.extent.start.offset > cursor.location.offset and kind_of(child) != "PARM_DECL":
                 self.visit(child, function)
+        self.body = outer
         self.early_returns(cursor, body, Here(self, file, function, *span(body)))
 
     def early_returns(self, cursor, body, here):
@@ -133,9 +137,34 @@ class Sites:
         if self.file_of(cursor.extent) == here.file and cursor.kind.is_expression() and end > start:
             text = here.text(start, end)
             operator = "call" if re.match(r"[^=]*\(", text) and not assigns(text) else "store"
-            if kind_of(cursor) != "CXX_THROW_EXPR":
+            if kind_of(cursor) == "CXX_THROW_EXPR":
+                operator = "throw"
+            if operator != "throw" or self.body.can_go_on_behind(cursor):
                 here.add(operator, STATEMENT, text, "nothing", [(start, end, "void()")])
         self.visit(cursor, here.function)
+
+    def skip(self, cursor, here):
+        start, end = span(cursor)
+        rest = re.match(r"\s*;", here.text(end, end + 20))
+        if rest is None or self.file_of(cursor.extent) != here.file:
+            return
+        end += rest.end()
+        here.add("skip", SKIPPED, here.text(start, end), "nothing", [(start, end, "")])
+
+    def at_RETURN_STMT(self, cursor, here):
+        if self.body.can_go_on_behind(cursor):
+            self.skip(cursor, here)
+        self.children(cursor, here)
+
+    def at_BREAK_STMT(self, cursor, here):
+        self.skip(cursor, here)
+
+    at_CONTINUE_STMT = at_BREAK_STMT
+
+    def at_STRING_LITERAL(self, _, here):
+        text = here.text(here.start, here.end)
+        if STRING.fullmatch(text) and not re.match(r"\w", here.text(here.end, here.end + 1)):
+            here.add("string", VALUE, text, '""', [(here.start, here.end, '""')])
 
     def at_UNEXPOSED_STMT(self, cursor, here):
         for child in cursor.get_children():
@@ -296,6 +325,21 @@ class Sites:
         if sign in LOGICAL and "..." not in (first, last):
             for side in (first, last):
                 here.add("logical", TRUTH, whole, side, [(start, end, side)])
+
+
+class Body:
+    """What is known of a function without looking into its statements."""
+
+    def __init__(self, function, body):
+        self.last = next(reversed(list(body.get_children())), None)
+        self.gives_nothing = kind_of(function) in ("CONSTRUCTOR", "DESTRUCTOR") \
+            or function.result_type.get_canonical().kind.name == "VOID"
+
+    def can_go_on_behind(self, leaving):
+        """Whether the function still ends well when it does not leave at this statement."""
+        ends = kind_of(self.last) in ("RETURN_STMT", "CXX_THROW_EXPR")
+        is_bare = kind_of(leaving) == "RETURN_STMT" and not list(leaving.get_children())
+        return span(leaving) != span(self.last) and (ends or is_bare or self.gives_nothing)
 
 
 class Here:
