@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <iterator>
 
+#include "platform/Vex/Escape.h"
+
 namespace QosAgent {
 namespace {
 
@@ -90,6 +92,12 @@ std::string visible(std::string_view text) {
         text.remove_prefix(character.bytes);
     }
     return out;
+}
+
+std::string visibleName(std::string_view name) {
+    std::string escaped;
+    Vex::appendEscaped(escaped, name);
+    return visible(escaped);
 }
 
 }  // namespace QosAgent

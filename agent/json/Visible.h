@@ -13,5 +13,8 @@ namespace QosAgent {
 /// character is written as `\x9b`. Everything else stays as it is, `\` too: a caller to whom the
 /// difference matters doubles it first. Output for programs must not pass through here.
 std::string visible(std::string_view text);
+/// A name for people to read, distinct for distinct names: `\` is written as `\\`, line ends and
+/// the like as in C, the rest as `visible`.
+std::string visibleName(std::string_view name);
 
 }  // namespace QosAgent

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "agent/json/JsonReader.h"
+#include "agent/json/Visible.h"
 #include "agent/output/MatchText.h"
-#include "platform/Vex/Escape.h"
 
 namespace QosAgent {
 namespace {
@@ -69,12 +69,6 @@ std::vector<std::uint8_t> valuesOf(const std::optional<JsonValue>& family) {
     return values;
 }
 
-std::string escaped(std::string_view name) {
-    std::string text;
-    Vex::appendEscaped(text, name);
-    return text;
-}
-
 /// What a term holds, in words.
 std::string termText(std::string_view classifierType, const JsonValue& term) {
     const auto conditions = memberOf(term, "conditions");
@@ -82,7 +76,7 @@ std::string termText(std::string_view classifierType, const JsonValue& term) {
                                  valuesOf(memberOf(conditions, "ipv6")));
     const std::string group = textOf(memberOf(memberOf(term, "actions"), "targetGroup"));
     if (!group.empty())
-        text.append(text.empty() ? "" : ", ").append("group ").append(escaped(group));
+        text.append(text.empty() ? "" : ", ").append("group ").append(visibleName(group));
     return text.empty() ? "empty" : text;
 }
 
@@ -126,8 +120,8 @@ std::string ChangeText::textOf(std::string_view line, Time now) {
     const auto value = memberOf(change, "value");
     Place place;
     if (!path || (update && !value) || !placeOf(path->text(), place)) return std::string(line);
-    std::string text = timeText(now) + ' ' + escaped(place.classifier);
-    if (!place.term.empty()) text.append(" ").append(escaped(place.term));
+    std::string text = timeText(now) + ' ' + visibleName(place.classifier);
+    if (!place.term.empty()) text.append(" ").append(visibleName(place.term));
     return text + ": " + (update ? updated(place, *value) : removed(place));
 }
 

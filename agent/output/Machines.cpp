@@ -3,7 +3,6 @@
 #include "agent/database/Printer.h"
 #include "agent/json/Visible.h"
 #include "agent/output/MachineWalk.h"
-#include "platform/Vex/Escape.h"
 
 namespace QosAgent {
 namespace {
@@ -93,9 +92,7 @@ private:
     }
     void appendName(const Text& name) {
         if (!name) return;
-        std::string escaped;
-        Vex::appendEscaped(escaped, *name);
-        out_.append(" ").append(visible(escaped));
+        out_.append(" ").append(visibleName(*name));
     }
     static std::string json(const TypedValue& value) {
         if (value.value.isAbsent()) return "none";

@@ -12,7 +12,6 @@
 #include "agent/json/Visible.h"
 #include "agent/output/MatchText.h"
 #include "agent/output/NaturalOrder.h"
-#include "platform/Vex/Escape.h"
 
 namespace QosAgent {
 namespace {
@@ -51,10 +50,7 @@ struct Cell {
 using Row = std::array<Cell, kColumns>;
 
 Cell shown(std::string_view text) {
-    if (text.empty()) return {std::string(kNothing)};
-    std::string escaped;
-    Vex::appendEscaped(escaped, text);
-    return {visible(escaped)};
+    return {text.empty() ? std::string(kNothing) : visibleName(text)};
 }
 
 bool beginsCharacter(char byte) {

@@ -37,6 +37,13 @@ TEST(VisibleTest, leavesTheNeighboursOfWhatItEscapes) {
         EXPECT_EQ(visible(text), text);
 }
 
+TEST(VisibleTest, keepsNamesApart) {
+    EXPECT_EQ(visibleName("a\n"), R"(a\n)");
+    EXPECT_EQ(visibleName(R"(a\n)"), R"(a\\n)");
+    EXPECT_EQ(visibleName("\u202e"), R"(\u202e)");
+    EXPECT_EQ(visibleName(R"(\u202e)"), R"(\\u202e)");
+}
+
 TEST(VisibleTest, escapesStrayBytesThatAreControlsInOtherEncodings) {
     EXPECT_EQ(visible("\x9b"
                       "2J\x80\xa0\xe9"),

@@ -43,6 +43,11 @@ TEST_F(ChangeTextTest, tellsTheLifeOfAClassifier) {
     EXPECT_EQ(remove("edge"), "edge: IPV6 -> absent");
 }
 
+TEST_F(ChangeTextTest, escapesWhatNobodySees) {
+    EXPECT_EQ(update("\u202ea\u009b/state", R"({"name":"a","type":"IPV4"})"),
+              R"(\u202ea\u009b: absent -> IPV4)");
+}
+
 TEST_F(ChangeTextTest, tellsTheLifeOfATerm) {
     update("edge/state", R"({"name":"edge","type":"IPV4"})");
     EXPECT_EQ(update("edge/terms/term/voice", R"({"id":"voice","stateId":"voice"})"),
