@@ -94,7 +94,7 @@ void freeTheLongWay(void* memory, std::size_t size, Tracker& tracker) noexcept {
     const Orin::ThreadLock lock(slabMutex);
     tracker.recordDeallocation();
     if (isFromHeap(size)) {
-        ::operator delete(memory);
+        ::operator delete(memory, size);
         return;
     }
     putCell(freeCells[grainsOf(size)], memory, grainsOf(size) * kGrain);

@@ -1,6 +1,9 @@
 #include "tests/support/Allocations.h"
 
+#include <malloc.h>
+
 #include <atomic>
+#include <cstdio>
 #include <cstdlib>
 
 #include "platform/OvSlab/Slab.h"
@@ -29,6 +32,19 @@ void slabRequest(std::size_t) {
     request();
 }
 
+/// Only the address sanitizer's heap knows exactly; others round up.
+bool isSizeOf(void* memory, std::size_t size) {
+    const std::size_t usable = ::malloc_usable_size(memory);
+#if defined(__SANITIZE_ADDRESS__)
+    return usable == (size == 0 ? 1 : size);
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+    return usable == (size == 0 ? 1 : size);
+#endif
+#endif
+    return usable >= size;
+}
+
 }  // namespace
 
 // Who asks like this can do without: it never fails, and is not counted as a request.
@@ -51,7 +67,12 @@ void operator delete(void* memory) noexcept {
     std::free(memory);
 }
 
-void operator delete(void* memory, std::size_t) noexcept {
+void operator delete(void* memory, std::size_t size) noexcept {
+    if (memory != nullptr && !isSizeOf(memory, size)) {
+        std::fprintf(stderr, "a block of %zu bytes is deleted as one of %zu\n",
+                     ::malloc_usable_size(memory), size);
+        std::abort();
+    }
     operator delete(memory);
 }
 
@@ -64,8 +85,8 @@ void operator delete[](void* memory) noexcept {
     operator delete(memory);
 }
 
-void operator delete[](void* memory, std::size_t) noexcept {
-    operator delete(memory);
+void operator delete[](void* memory, std::size_t size) noexcept {
+    operator delete(memory, size);
 }
 
 namespace TestSupport {

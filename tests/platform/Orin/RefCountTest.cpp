@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <latch>
 #include <thread>
 #include <vector>
@@ -13,6 +14,9 @@ namespace Orin {
 namespace {
 
 constexpr std::uint32_t kRounds = 200'000;
+/// How often a thread must have seen the other at work, so that they did work at the same time.
+constexpr std::uint32_t kMeetings = 10'000;
+constexpr std::uint32_t kMostSteps = 5'000'000;
 
 class RefCountTest : public ::testing::Test {
 protected:
@@ -29,6 +33,26 @@ protected:
         std::thread other(run);
         run();
         other.join();
+    }
+    /// Calls `step` in two threads until each has often seen the other at work, or as often as a
+    /// test may: where one processor has to do for both they hardly meet. Returns the calls.
+    template <class Step>
+    static std::uint32_t whileTheyMeet(Step step) {
+        std::atomic<std::uint32_t> steps[2]{};
+        std::atomic<int> next{0};
+        inTwoThreads([&] {
+            const int self = next++;
+            std::uint32_t seen = 0;
+            std::uint32_t meetings = 0;
+            while (meetings < kMeetings && steps[self] < kMostSteps) {
+                step();
+                ++steps[self];
+                const std::uint32_t now = steps[1 - self];
+                if (now != seen) ++meetings;
+                seen = now;
+            }
+        });
+        return steps[0] + steps[1];
     }
 };
 
@@ -84,6 +108,16 @@ TEST_F(RefCountTest, losesNoStepBetweenSeveralThreads) {
             (void)count.down();
     });
     EXPECT_EQ(count.value(), 1u);
+}
+
+TEST_F(RefCountTest, losesNoStepWhileThreadsMeet) {
+    ThreadControl::severalThreadsActiveIs(true);
+    RefCount count;
+    const std::uint32_t ups = whileTheyMeet([&] { count.up(); });
+    EXPECT_EQ(count.value(), 1 + ups);
+    RefCount other;
+    const std::uint32_t takes = whileTheyMeet([&] { (void)other.upUnlessGone(); });
+    EXPECT_EQ(other.value(), 1 + takes);
 }
 
 TEST_F(RefCountTest, endsASharedNodeOnceBetweenSeveralThreads) {

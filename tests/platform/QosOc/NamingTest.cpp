@@ -278,5 +278,14 @@ TEST(PmapNameTest, isReadBackAsTheSameClassifiers) {
                       (PmapClassifiers{String(v4), String(v6)}));
 }
 
+TEST(NamingTest, makesANameWithOneAllocation) {
+    const std::string classifier(100, 'c');
+    const std::string term(200, 't');
+    const std::size_t before = TestSupport::allocations();
+    const std::string name = configObjName(classifier, term);
+    EXPECT_EQ(TestSupport::allocations() - before, 1u);
+    EXPECT_EQ(name, "openconfig:" + classifier + ':' + term);
+}
+
 }  // namespace
 }  // namespace QosOc
