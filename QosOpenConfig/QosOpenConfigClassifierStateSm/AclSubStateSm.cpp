@@ -21,23 +21,6 @@ constexpr auto kHandleAclRulesEmpty =
     tracePoint("handleAclRules", "void QosOc::AclSubStateSm::handleAclRules()", 215);
 constexpr unsigned kUnexpectedAclTypeLine = 240;
 
-/// The DSCP is the upper six bits of the traffic class (RFC 2474).
-constexpr unsigned kDscpShift = 2;
-constexpr unsigned kWholeDscp = 63;
-
-bool matchesDscp(const Acl::IpRuleConfig& rule) {
-    return rule.filter.dscpEnabled;
-}
-bool matchesDscp(const Acl::Ip6RuleConfig& rule) {
-    return rule.filter.trafficClassMask >> kDscpShift == kWholeDscp;
-}
-unsigned char dscpOf(const Acl::IpRuleConfig& rule) {
-    return rule.filter.dscpValue;
-}
-unsigned char dscpOf(const Acl::Ip6RuleConfig& rule) {
-    return static_cast<unsigned char>(rule.filter.trafficClass >> kDscpShift);
-}
-
 /// Room for the values of one computation, kept from one to the next. A computation within another
 /// has its own.
 class Values {

@@ -12,7 +12,6 @@ using Acl::Input::AclTypeConfig;
 using Ovk::UniqueId;
 
 /// The traffic class of RFC 8200 has the DSCP in its upper six bits.
-constexpr unsigned kDscpShift = 2;
 constexpr std::uint8_t kDscpMask = 0xFC;
 
 std::uint32_t sequenceOf(std::size_t place) {
@@ -33,7 +32,7 @@ std::vector<std::uint8_t> valuesFor(AclType type, const std::optional<TermOfClas
 bool ruleIs(AclSubConfig& rules, AclType type, std::uint32_t sequence, std::uint8_t dscp) {
     const UniqueId id{sequence};
     if (type == AclType::ipv6) {
-        const auto trafficClass = static_cast<std::uint8_t>(dscp << kDscpShift);
+        const auto trafficClass = static_cast<std::uint8_t>(dscp << Acl::kDscpShift);
         const Acl::Ip6RuleConfig rule{{trafficClass, kDscpMask}};
         const auto* held = rules.ip6RuleById().find(id);
         const bool isEqual = held != nullptr && *held == rule;

@@ -91,4 +91,24 @@ struct PLATFORM_API Ip6RuleConfig : RuleConfig {
     friend bool operator==(const Ip6RuleConfig&, const Ip6RuleConfig&) = default;
 };
 
+/// The DSCP is the upper six bits of the traffic class (RFC 2474).
+inline constexpr unsigned kDscpShift = 2;
+inline constexpr unsigned kWholeDscp = 63;
+
+/// True if the rule matches on a DSCP: an IPv4 rule where that is enabled, an IPv6 rule whose mask
+/// covers the whole DSCP.
+constexpr bool matchesDscp(const IpRuleConfig& rule) noexcept {
+    return rule.filter.dscpEnabled;
+}
+constexpr bool matchesDscp(const Ip6RuleConfig& rule) noexcept {
+    return rule.filter.trafficClassMask >> kDscpShift == kWholeDscp;
+}
+/// The DSCP of a rule that matches one. An IPv4 rule may hold a value over 63.
+constexpr std::uint8_t dscpOf(const IpRuleConfig& rule) noexcept {
+    return rule.filter.dscpValue;
+}
+constexpr std::uint8_t dscpOf(const Ip6RuleConfig& rule) noexcept {
+    return static_cast<std::uint8_t>(rule.filter.trafficClass >> kDscpShift);
+}
+
 }  // namespace Acl
