@@ -17,21 +17,6 @@ const Subtree* subtreeLeading(const Database& database, std::string_view path) {
     return nullptr;
 }
 
-/// Nothing when a `~` begins none of the two escapes.
-std::optional<std::string> unescaped(std::string_view part) {
-    std::string text;
-    for (std::size_t at = 0; at < part.size(); ++at) {
-        if (part[at] != '~') {
-            text += part[at];
-            continue;
-        }
-        const char letter = ++at < part.size() ? part[at] : '\0';
-        if (letter != '0' && letter != '1') return {};
-        text += letter == '0' ? '~' : '/';
-    }
-    return text;
-}
-
 /// Walks down the type records, part by part.
 class PathReader {
 public:
@@ -42,17 +27,17 @@ public:
     std::string enter(std::string_view part) {
         if (path_.form.isKeyed()) return enterKey(part);
         if (path_.form.hasNamedMembers()) return enterName(part);
-        return "nothing is below " + lastPart_ + " in the path";
+        return "nothing is below " + excerpt(*keyFromStep(lastPart_)) + " in the path";
     }
     Path take() { return std::move(path_); }
 
 private:
     std::string enterKey(std::string_view part) {
-        const auto text = unescaped(part);
+        const auto text = keyFromStep(part);
         if (!text) return "'~' in the key " + excerpt(part) + " begins neither '~0' nor '~1'";
         auto key = keyFrom(*path_.form.keyType, *text, interner_);
         if (!key) return keyFault(*path_.form.keyType, *text) + " (in the path)";
-        lastPart_ = excerpt(*text);
+        lastPart_ = part;
         path_.form = memberForm(path_.form);
         path_.keys = path_.keys.under(*key);
         path_.steps.push_back({nullptr, *std::move(key)});
@@ -62,7 +47,7 @@ private:
         const auto* attribute = namedInText(*path_.form.type->record, part);
         if (attribute == nullptr)
             return unknownMember(*path_.form.type->record, part, " in the path");
-        lastPart_ = excerpt(part);
+        lastPart_ = part;
         path_.form = formOf(*attribute);
         // A single entity is kept under no key.
         if (path_.form.isEntity()) path_.keys = {};
@@ -72,7 +57,7 @@ private:
 
     Path path_;
     Interner& interner_;
-    std::string lastPart_;
+    std::string_view lastPart_;  ///< that was entered, as it stands in the path
 };
 
 }  // namespace
@@ -89,6 +74,20 @@ std::variant<Path, std::string> parsePath(Database& database, std::string_view t
             return fault;
     }
     return reader.take();
+}
+
+std::optional<std::string> keyFromStep(std::string_view part) {
+    std::string text;
+    for (std::size_t at = 0; at < part.size(); ++at) {
+        if (part[at] != '~') {
+            text += part[at];
+            continue;
+        }
+        const char letter = ++at < part.size() ? part[at] : '\0';
+        if (letter != '0' && letter != '1') return {};
+        text += letter == '0' ? '~' : '/';
+    }
+    return text;
 }
 
 void appendKeyStep(std::string& path, std::string_view key) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -30,5 +31,8 @@ std::variant<Path, std::string> parsePath(Database& database, std::string_view t
 
 /// Appends `/` and the key as `parsePath` reads it.
 void appendKeyStep(std::string& path, std::string_view key);
+/// The key that a part between two `/` stands for; nothing if a `~` in it begins neither `~0` nor
+/// `~1`.
+std::optional<std::string> keyFromStep(std::string_view part);
 
 }  // namespace QosAgent
