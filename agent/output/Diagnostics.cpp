@@ -11,15 +11,6 @@ namespace {
 
 using Kind = Diagnostic::Kind;
 
-constexpr std::string_view kBold = "\033[1m";
-constexpr std::string_view kBoldRed = "\033[1;31m";
-constexpr std::string_view kBoldMagenta = "\033[1;35m";
-constexpr std::string_view kPlain = "\033[0m";
-
-std::string painted(std::string_view colour, const std::string& text, bool hasColour) {
-    return hasColour ? std::string(colour).append(text).append(kPlain) : text;
-}
-
 std::string placeIn(std::string_view file, const TextPlace& place) {
     return std::string(file) + ':' + std::to_string(place.line) + ':' +
            std::to_string(place.column);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "agent/json/Visible.h"
+#include "agent/output/Folding.h"
 #include "agent/output/MatchText.h"
 #include "agent/output/NaturalOrder.h"
 
@@ -32,8 +33,6 @@ constexpr std::size_t kLeastWidth = 8;
 constexpr std::size_t kAlignedWidth = 128;
 constexpr std::string_view kNothing = "-";
 constexpr std::string_view kNoClassifiers = "no classifier is published";
-constexpr std::string_view kBold = "\033[1m";
-constexpr std::string_view kPlain = "\033[0m";
 
 using Widths = std::array<std::size_t, kColumns>;
 
@@ -53,41 +52,8 @@ Cell shown(std::string_view text) {
     return {text.empty() ? std::string(kNothing) : visibleName(text)};
 }
 
-bool beginsCharacter(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
-}
-
-/// Characters, not bytes; each is taken to be one column wide.
-std::size_t widthOf(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), beginsCharacter));
-}
-
-std::string_view firstCharacters(std::string_view text, std::size_t count) {
-    std::size_t end = 0;
-    for (; end < text.size(); ++end)
-        if (beginsCharacter(text[end]) && count-- == 0) break;
-    return text.substr(0, end);
-}
-
-/// Returns the beginning of the text that fits a line of that width: up to the last of the signs,
-/// or as much as fits if there is none.
-std::string_view lineOf(std::string_view text, std::string_view signs, std::size_t width) {
-    const std::string_view most = firstCharacters(text, width);
-    if (most.size() == text.size()) return text;
-    const std::size_t sign = most.find_last_of(signs);
-    return sign == std::string_view::npos ? most : most.substr(0, sign + 1);
-}
-
 std::vector<std::string> linesOf(const Cell& cell, std::size_t width) {
-    std::vector<std::string> lines{std::string(lineOf(cell.text, cell.signs, width))};
-    std::string_view rest = std::string_view(cell.text).substr(lines[0].size());
-    const std::size_t indent = std::min(cell.indent, width / 2);
-    while (!rest.empty()) {
-        const std::string_view line = lineOf(rest, cell.signs, width - indent);
-        lines.push_back(std::string(indent, ' ').append(line));
-        rest.remove_prefix(line.size());
-    }
-    return lines;
+    return folded(cell.text, width, cell.indent, cell.signs);
 }
 
 std::vector<std::uint8_t> valuesOf(const TermConditionsIpConfig& family) {

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <string_view>
 
 namespace QosAgent {
 namespace {
@@ -23,6 +22,11 @@ std::size_t columnsOf(int fd) {
 }
 
 }  // namespace
+
+std::string painted(std::string_view colour, std::string_view text, bool hasColour) {
+    if (!hasColour) return std::string(text);
+    return std::string(colour).append(text).append(kPlain);
+}
 
 Terminal terminalOn(int fd) {
     if (::isatty(fd) == 0) return {};

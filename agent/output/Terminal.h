@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
+#include <string_view>
 
 namespace QosAgent {
 
@@ -12,6 +14,15 @@ struct Terminal {
 
     bool isThere() const { return columns != 0; }
 };
+
+/// What switches a colour on, and all colours off.
+inline constexpr std::string_view kBold = "\033[1m";
+inline constexpr std::string_view kBoldRed = "\033[1;31m";
+inline constexpr std::string_view kBoldMagenta = "\033[1;35m";
+inline constexpr std::string_view kPlain = "\033[0m";
+
+/// The text in that colour, or as it is where there is no colour.
+std::string painted(std::string_view colour, std::string_view text, bool hasColour);
 
 /// Asks the stream, and the environment: `TERM=dumb` redraws nothing and has no colour, neither has
 /// one whose user has set `NO_COLOR`. A terminal that does not tell its width has 80 columns.
