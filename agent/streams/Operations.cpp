@@ -40,8 +40,9 @@ const Verb Verb::all[9] = {
 
 namespace {
 
-constexpr std::string_view kWhats[] = {"state",    "database", "openconfig",
-                                       "machines", "table",    "entities"};
+constexpr std::string_view kExplain = "explain";
+constexpr std::string_view kWhats[] = {"state", "database", "openconfig", "machines",
+                                       "table", "entities", "differences"};
 
 bool isPassedOver(std::string_view line) {
     return line.starts_with('#') || line.find_first_not_of(" \t\r\n") == std::string_view::npos;
@@ -131,6 +132,7 @@ Operations::Operations(Database& database, Configuration& configuration, PluginH
     : database_(database),
       configuration_(configuration),
       host_(host),
+      explainer_(database),
       checker_(database.interner()),
       editor_(database) {}
 
@@ -214,6 +216,7 @@ Operations::Result Operations::openconfig(const JsonValue& document, const JsonV
 }
 
 Operations::Result Operations::print(const JsonValue& what, const JsonValue*) {
+    if (what.is(JsonKind::object)) return printExplanation(what);
     if (!what.is(JsonKind::string))
         return Fault{what.offset(), unexpected("a string", what.kind())};
     if (std::find(std::begin(kWhats), std::end(kWhats), what.text()) == std::end(kWhats))
@@ -225,7 +228,23 @@ Operations::Result Operations::print(const JsonValue& what, const JsonValue*) {
     return {};
 }
 
-void Operations::writePrinted(std::string& text, std::string_view what) const {
+Operations::Result Operations::printExplanation(const JsonValue& what) {
+    for (const JsonMember& member : what.members())
+        if (member.key != kExplain)
+            return Fault{member.keyOffset,
+                         "cannot print " + excerpt(member.key) + ", expected " + excerpt(kExplain)};
+    const auto asked = what.find(kExplain);
+    if (!asked) return Fault{what.offset(), "nothing to print, expected " + excerpt(kExplain)};
+    const auto question = questionFrom(asked->value);
+    if (const auto* fault = std::get_if<Fault>(&question)) return *fault;
+    std::string text;
+    JsonWriter writer(text);
+    writeExplanation(writer, explainer_.explain(std::get<Question>(question)));
+    output_->line(text);
+    return {};
+}
+
+void Operations::writePrinted(std::string& text, std::string_view what) {
     if (what == "table") {
         text =
             stateTable(*Vex::entityCast<QosOc::State::ClassifiersDir>(database_.stateTree().root));
@@ -239,7 +258,7 @@ void Operations::writePrinted(std::string& text, std::string_view what) const {
         writeDocument(writer, what);
 }
 
-void Operations::writeDocument(JsonWriter& writer, std::string_view what) const {
+void Operations::writeDocument(JsonWriter& writer, std::string_view what) {
     const Subtree& state = database_.stateTree();
     if (what == "state")
         writeEntity(writer, *state.root);
@@ -247,6 +266,8 @@ void Operations::writeDocument(JsonWriter& writer, std::string_view what) const 
         writeDatabase(writer, database_);
     else if (what == "openconfig")
         writeOpenConfigState(writer, *Vex::entityCast<QosOc::State::ClassifiersDir>(state.root));
+    else if (what == "differences")
+        explainer_.writeDifferences(writer);
     else
         writeMachines(writer, database_, host_.mounters());
 }

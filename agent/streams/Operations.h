@@ -10,6 +10,7 @@
 #include "agent/database/Checker.h"
 #include "agent/database/Editor.h"
 #include "agent/database/Path.h"
+#include "agent/explain/Explainer.h"
 #include "agent/host/PluginHost.h"
 #include "agent/json/JsonReader.h"
 #include "agent/json/JsonWriter.h"
@@ -52,13 +53,15 @@ private:
 
     /// The place to work on, with the value checked if there is one.
     std::variant<Path, Fault> place(const JsonValue& path, const JsonValue* value);
-    void writePrinted(std::string& text, std::string_view what) const;
-    void writeDocument(JsonWriter& writer, std::string_view what) const;
+    void writePrinted(std::string& text, std::string_view what);
+    void writeDocument(JsonWriter& writer, std::string_view what);
+    Result printExplanation(const JsonValue& what);
 
     Database& database_;
     Configuration& configuration_;
     PluginHost& host_;
     StreamOutput* output_ = nullptr;  ///< of the line that is being applied
+    Explainer explainer_;
     Checker checker_;
     Editor editor_;
     bool mayChange_ = false;

@@ -72,6 +72,22 @@ TEST_F(OperationsAllocationTest, deletesOnceThereIsMemory) {
         R"({"delete": "acl/config/cli/aclTypeConfig/ipv4/aclConfig/list/aclSubConfig"})");
 }
 
+/// A failure leaves no subscriber behind that the next change would call.
+TEST_F(OperationsAllocationTest, explainsOnceThereIsMemory) {
+    for (const char* what : {R"({"explain": {"classifier": "in"}})", R"("differences")"}) {
+        TextDatabase text;
+        text.load(kDocument);
+        const std::string classes = "qos/status/pmapTypeStatus/mapQos/pmapStatus/openconfig:in:";
+        const std::size_t failures = TestSupport::failEachAllocation(
+            [&] { text.applyLine(std::string(R"({"print": )") + what + "}"); },
+            [&] {
+                EXPECT_EQ(text.update(classes, R"({"classes": {"openconfig:in:10": {}}})"), "");
+                EXPECT_EQ(text.remove(classes), "");
+            });
+        EXPECT_GT(failures, 0u) << what;
+    }
+}
+
 /// Half a configuration is not taken up again, as numbers of groups depend on the one before: the
 /// program ends.
 TEST_F(OperationsAllocationTest, noticesEachFailureWhereAConfigurationIsApplied) {

@@ -173,8 +173,31 @@ TEST_F(OperationsTest, tellsWhichLinesMayChangeSomething) {
 TEST_F(OperationsTest, refusesToPrintAnythingElse) {
     expectRefused(R"({"print":@"x"})",
                   R"(cannot print "x", expected one of state, database, openconfig, machines, )"
-                  "table, entities");
+                  "table, entities, differences");
+    expectRefused(R"({"print":@{}})", R"(nothing to print, expected "explain")");
+    expectRefused(R"({"print":{@"x":{}}})", R"(cannot print "x", expected "explain")");
+    expectRefused(R"({"print":{"explain":{"classifier":"c"},@"x":1}})",
+                  R"(cannot print "x", expected "explain")");
+    expectRefused(R"({"print":{"explain":@"c"}})", "expected an object, found a string");
+    expectRefused(R"({"print":{"explain":{"classifier":@""}}})", "an empty name");
     expectRefused(R"({"print":@null})", "expected a string, found null");
+}
+
+TEST_F(OperationsTest, printsExplanationsAndDifferences) {
+    ASSERT_EQ(db.update("qos/openconfig/config/classifiers/classifier/C/terms/term/T", "{}"), "");
+    EXPECT_EQ(db.apply(R"({"print":{"explain":{"classifier":"C","term":"U"}}})"), "");
+    EXPECT_EQ(db.apply(R"({"print":{"explain":{"classifier":"C"}}})"), "");
+    EXPECT_EQ(db.apply(R"({"print":"differences"})"), "");
+    const std::string findings = R"("findings":["not-in-state","no-class-map","no-access-list"]}},)"
+                                 R"("findings":["not-in-state"]})";
+    EXPECT_EQ(db.out.text(), R"({"classifier":"C","findings":["not-in-state"]})"
+                             "\n"
+                             R"({"classifier":"C","terms":{"T":{"configured":{},)" +
+                                 findings +
+                                 "\n"
+                                 R"({"C":{"findings":["not-in-state"],"terms":{"T":{"findings":)"
+                                 R"(["not-in-state","no-class-map","no-access-list"]}}}})"
+                                 "\n");
 }
 
 TEST_F(OperationsTest, echoesToBothOutputs) {
