@@ -22,6 +22,7 @@
 #include "agent/openconfig/StatePrinter.h"
 #include "agent/options/ExitCodes.h"
 #include "agent/output/Diagnostics.h"
+#include "agent/output/ExplanationText.h"
 #include "agent/output/Follower.h"
 #include "agent/output/Machines.h"
 #include "agent/output/Progress.h"
@@ -159,9 +160,13 @@ private:
             writeResult(text);
             out_.line(text);
         }
-        if (!options_.showsMachines) return;
-        text = machineTree(database_, host_.mounters());
-        if (!text.empty()) out_.line(text);
+        if (options_.showsMachines) {
+            text = machineTree(database_, host_.mounters());
+            if (!text.empty()) out_.line(text);
+        }
+        if (options_.explained)
+            out_.line(explanationText(Explainer(database_).explain(*options_.explained),
+                                      terminalOn(STDOUT_FILENO)));
     }
     void writeResult(std::string& text) const {
         JsonWriter writer(text, JsonWriter::Style::indented);

@@ -31,11 +31,12 @@ _qos_agent() {
             _qos_agent_files "$word" ;;
         --trace-file | --trace-file=)
             _qos_agent_files "$word" '' ;;
-        --trace | --trace=) ;;
+        --trace | --trace= | --explain | --explain=) ;;
         *)
             if [[ $word == -* ]]; then
                 mapfile -t COMPREPLY < <(compgen -W '--plugin --toggle-dir --output --follow
-                    --machines --trace --trace-file --keep-going --strict --check --help --version' -- "$word")
+                    --machines --explain --trace --trace-file --keep-going --strict --check
+                    --help --version' -- "$word")
             else
                 _qos_agent_files "$word" .json .jsonl
             fi ;;

@@ -44,7 +44,9 @@ Examples:
     qos-agent --follow=text --output none configuration.json changes.jsonl
   Follow another program's changes, whatever lines it gets wrong:
     device-changes | qos-agent --follow --keep-going --output none -
-  Find out why: trace the plug-in, and show what it is working on:
+  Find out why a term does not have what is configured:
+    qos-agent --output none --explain edge/voice configuration.json
+  Find out more: trace the plug-in, and show what it is working on:
     qos-agent --trace '*/8' --machines --output none configuration.json)";
 
 const std::map<std::string, OutputFormat> kFormats{
@@ -82,6 +84,7 @@ struct Given {
     std::string followForm;
     std::vector<std::string> traces;
     std::string traceFile;
+    std::string explained;
 };
 
 bool isStream(const std::string& input) {
@@ -131,6 +134,12 @@ std::string folderFault(const std::string& name) {
     return isFolder ? "" : excerpt(name) + " is not a directory";
 }
 
+std::string questionFault(const std::string& text) {
+    const auto question = questionFrom(text);
+    const auto* fault = std::get_if<QuestionFault>(&question);
+    return fault == nullptr ? "" : fault->message;
+}
+
 CLI::Validator check(std::string (*fault)(const std::string&)) {
     return CLI::Validator([fault](std::string& text) { return fault(text); }, "");
 }
@@ -161,6 +170,11 @@ void describe(CLI::App& app, Given& given, Options& options) {
         ->check(check(followFormFault));
     app.add_flag("--machines", options.showsMachines, "Print the live machine tree at the end")
         ->disable_flag_override();
+    app.add_option("--explain", given.explained,
+                   "Print, at the end, why classifier C (its term T) has\n"
+                   "the state it has; in a name ~1 is / and ~0 is ~")
+        ->type_name("C[/T]")
+        ->check(check(questionFault));
     app.add_option("--trace", given.traces,
                    "Trace a handle (* is all) up to level 0 to 9;\n"
                    "may be given again")
@@ -208,6 +222,8 @@ void complete(Options& options, const Given& given) {
     options.output = formatFrom(given.format);
     options.follows = !given.followForm.empty();
     if (options.follows) options.followForm = followFormFrom(given.followForm);
+    if (!given.explained.empty())
+        options.explained = std::get<Question>(questionFrom(given.explained));
     options.traceFile = given.traceFile;
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "agent/explain/Question.h"
 #include "agent/output/FollowOutput.h"
 
 namespace QosAgent {
@@ -27,8 +29,9 @@ struct Options {
     bool follows = false;
     FollowForm followForm = FollowForm::json;
     bool showsMachines = false;
-    std::vector<TraceSetting> traces;  ///< in the order given
-    std::string traceFile;             ///< empty: standard error
+    std::optional<Question> explained;  ///< what to explain at the end
+    std::vector<TraceSetting> traces;   ///< in the order given
+    std::string traceFile;              ///< empty: standard error
     bool keepsGoing = false;
     bool isStrict = false;  ///< what would be warned of is refused
     bool checksOnly = false;

@@ -83,6 +83,7 @@ class CommandLineTest(unittest.TestCase):
             self.assertEqual(completed("--toggle-dir", "", folder=folder), {"e"})
             self.assertEqual(completed("--trace-file", "c", folder=folder), {"c.txt"})
             self.assertEqual(completed("--trace", "", folder=folder), set())
+            self.assertEqual(completed("--explain", "", folder=folder), set())
 
 
 if __name__ == "__main__":

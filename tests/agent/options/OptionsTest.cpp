@@ -28,9 +28,10 @@ TEST(OptionsTest, tellsDocumentsFromStreams) {
 
 TEST(OptionsTest, readsAllOptions) {
     const Options given =
-        options({"--plugin", "p.so", "--toggle-dir", "/", "--output", "entities", "--follow",
-                 "--machines", "--trace", "A/0", "--trace", "*/9", "--trace-file", "f",
-                 "--keep-going", "--strict", "--check", "a.json"});
+        options({"--plugin", "p.so",     "--toggle-dir", "/",       "--output",
+                 "entities", "--follow", "--machines",   "--trace", "A/0",
+                 "--trace",  "*/9",      "--trace-file", "f",       "--keep-going",
+                 "--strict", "--check",  "--explain",    "a~1b/c",  "a.json"});
     EXPECT_EQ(given.pluginFile, "p.so");
     EXPECT_EQ(given.toggleFolder, "/");
     EXPECT_EQ(given.output, OutputFormat::entities);
@@ -41,6 +42,7 @@ TEST(OptionsTest, readsAllOptions) {
     EXPECT_TRUE(given.keepsGoing);
     EXPECT_TRUE(given.isStrict);
     EXPECT_TRUE(given.checksOnly);
+    EXPECT_EQ(given.explained, (Question{"a/b", "c"}));
     EXPECT_EQ(given.documents, std::vector<std::string>{"a.json"});
 }
 
@@ -68,6 +70,7 @@ TEST(OptionsTest, asksForNothingByDefault) {
     EXPECT_FALSE(given.keepsGoing);
     EXPECT_FALSE(given.isStrict);
     EXPECT_FALSE(given.checksOnly);
+    EXPECT_EQ(given.explained, std::nullopt);
     EXPECT_TRUE(given.traces.empty());
     EXPECT_TRUE(given.traceFile.empty());
 }

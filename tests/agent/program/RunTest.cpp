@@ -114,6 +114,19 @@ TEST_F(RunTest, takesStateLeftBehindForNoChange) {
               (Ended{0, kVoice + std::string("\n"), ""}));
 }
 
+TEST_F(RunTest, explainsLast) {
+    const Ended ended = run({"--output", "table", "--machines", "--explain", "voice", document()});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_TRUE(
+        ended.out.ends_with("\nclassifier voice, IPV6\n"
+                            "Nothing differs from what is configured.\n"))
+        << ended.out;
+}
+
+TEST_F(RunTest, refusesToExplainWhatHasNoName) {
+    expectRefused({"--explain", "voice/"}, "qos-agent: --explain: an empty name");
+}
+
 TEST_F(RunTest, showsMachinesAsATree) {
     const Ended ended = run({"--output", "none", "--machines", document()});
     EXPECT_EQ(ended.status, 0);
