@@ -143,4 +143,17 @@ void Documents::printTable() {
     out_ = QosAgent::stateTable(*state_);
 }
 
+void Documents::explain(const QosAgent::Question& question) {
+    out_.clear();
+    JsonWriter writer(out_);
+    QosAgent::writeExplanation(writer, explainer_.explain(question));
+}
+
+void Documents::printDifferences() {
+    out_.clear();
+    JsonWriter writer(out_);
+    explainer_.writeDifferences(writer);
+    if (out_ != "{}") std::abort();
+}
+
 }  // namespace QosBench

@@ -7,6 +7,7 @@
 
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/ClassifierStateSm.h"
 #include "agent/database/Database.h"
+#include "agent/explain/Explainer.h"
 #include "bench/Event.h"
 
 namespace QosBench {
@@ -31,12 +32,19 @@ public:
     void printOpenConfig();
     void printTable();
 
+    void explainTerm() { explain({"classifier-7", "term-3"}); }
+    void explainClassifier() { explain({"classifier-7", {}}); }
+    void printDifferences();
+
 private:
+    void explain(const QosAgent::Question& question);
+
     std::size_t terms_;
     std::string configuration_;
     QosAgent::Database printed_;
     Orin::Ptr<QosOc::State::ClassifiersDir> state_;
     Orin::Ptr<QosOc::ClassifierStateSm> root_;
+    QosAgent::Explainer explainer_{printed_};
     std::string databaseText_;
     std::unique_ptr<QosAgent::Database> database_;
     std::string out_;
@@ -54,6 +62,16 @@ inline constexpr std::array kDocumentEvents{
     documentEvent("database printed, a term", verb<Documents, &Documents::printDatabase>),
     documentEvent("OpenConfig printed, a term", verb<Documents, &Documents::printOpenConfig>),
     documentEvent("table printed, a term", verb<Documents, &Documents::printTable>),
+};
+
+/// Warmed up, as the first question builds the index.
+inline constexpr std::array kExplainEvents{
+    Event<Documents>{"term explained", verb<Documents, &Documents::explainTerm>},
+    Event<Documents>{"classifier of 8 terms explained",
+                     verb<Documents, &Documents::explainClassifier>},
+    Event<Documents>{.name = "differences printed, a term",
+                     .run = verb<Documents, &Documents::printDifferences>,
+                     .share = termsOf},
 };
 
 }  // namespace QosBench
