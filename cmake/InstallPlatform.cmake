@@ -5,12 +5,12 @@ include(CMakePackageConfigHelpers)
 install(TARGETS qos-agent DESTINATION bin COMPONENT agent)
 install(TARGETS QosOpenConfig DESTINATION lib/qos-agent COMPONENT agent)
 install(TARGETS platform EXPORT QosPlatformTargets
-    LIBRARY DESTINATION lib COMPONENT library NAMELINK_COMPONENT development
+    LIBRARY DESTINATION ${QOS_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
     FILE_SET HEADERS DESTINATION include/qos-agent COMPONENT development)
 configure_file(cmake/InstallByPrefix.cmake.in InstallByPrefix.cmake @ONLY)
 install(SCRIPT "${PROJECT_BINARY_DIR}/InstallByPrefix.cmake" COMPONENT agent)
 
-set(package_dir lib/cmake/QosPlatform)
+set(package_dir ${QOS_LIBDIR}/cmake/QosPlatform)
 install(EXPORT QosPlatformTargets NAMESPACE QosPlatform:: DESTINATION ${package_dir}
     COMPONENT development)
 configure_package_config_file(cmake/QosPlatformConfig.cmake.in QosPlatformConfig.cmake

@@ -13,7 +13,7 @@ set(spdx "${CMAKE_CURRENT_BINARY_DIR}/qos-agent.spdx.json")
 add_custom_command(OUTPUT "${spdx}"
     COMMAND Python3::Interpreter -B "${CMAKE_CURRENT_SOURCE_DIR}/spdx/write_spdx.py"
         "${PROJECT_VERSION}" "${compiler}" "${spdx}"
-    DEPENDS spdx/write_spdx.py spdx/parts.json debian/changelog ${installed_packages})
+    DEPENDS spdx/write_spdx.py spdx/parts.json "${PROJECT_SOURCE_DIR}/debian/changelog" ${installed_packages})
 add_custom_target(spdx ALL DEPENDS "${spdx}")
 add_dependencies(qos-agent spdx)
 install(FILES "${spdx}" DESTINATION ${docs} COMPONENT agent)

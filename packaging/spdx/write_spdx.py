@@ -17,7 +17,7 @@ from datetime import timezone
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
-CHANGELOG = HERE.parent / "debian/changelog"
+CHANGELOG = HERE.parents[1] / "debian/changelog"
 SELF = "SPDXRef-qos-agent"
 MAY_LACK = ("TEST_DEPENDENCY_OF", "DEV_DEPENDENCY_OF")
 

@@ -86,5 +86,34 @@ class CommandLineTest(unittest.TestCase):
             self.assertEqual(completed("--explain", "", folder=folder), set())
 
 
+class PagesTest(unittest.TestCase):
+    """What the manual pages show, handed to the program."""
+
+    def setUp(self):
+        self.page = (SOURCE / "packaging/qos-agent-stream.5").read_text()
+
+    def published(self, stream):
+        done = subprocess.run([PROGRAM, "--follow", "--output", "none", "-"], input=stream,
+                              capture_output=True, text=True, check=False)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        return done.stdout
+
+    def test_examples_of_streams_publish_a_term(self):
+        examples = re.findall(r"(?s)\.Bd -literal\n(.*?)\.Ed", self.page)
+        self.assertEqual(len(examples), 2)
+        for example in examples:
+            self.assertRegex(self.published(example), '"update":.*"dscp":46')
+
+    def test_the_example_of_the_service_publishes_a_classifier(self):
+        page = (SOURCE / "packaging/qos-agent.1").read_text()
+        line = re.search(r"# echo '(.*)' > /run/qos-agent/changes", page)[1]
+        self.assertIn("/classifier/voice/state", self.published(line))
+
+    def test_stream_page_describes_each_operation_and_no_other(self):
+        described = set(re.findall(r"(?m)^\.It Brq \\\(dq(\w+)", self.page))
+        listed = (SOURCE / "docs/agent.md").read_text().split("## Change streams", 1)[1]
+        self.assertEqual(described, set(re.findall(r'(?m)^\| `\{"(\w+)"', listed)))
+
+
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])

@@ -7,6 +7,7 @@
 import io
 import os
 import re
+import shutil
 import signal
 import subprocess
 import sys
@@ -21,6 +22,7 @@ PACKAGES = BUILD / "tests/packages"
 DATE = 1_000_000_000
 NAMES = {"qos-agent", "libqosplatform0", "libqosplatform-dev"}
 CONFIGURATION = SOURCE / "examples/openconfig/configuration.json"
+ENABLED = "etc/systemd/system/sockets.target.wants/qos-agent.socket"
 CMAPS = "qos/status/cmapTypeStatus/mapQos/cmapStatus"
 
 
@@ -35,16 +37,32 @@ def dpkg(root, *arguments):
                      "--force-script-chrootless", "--force-depends", *arguments)
 
 
-def new_root(folder):
+def new_root(folder, installed=None):
     (folder / "var/lib/dpkg/info").mkdir(parents=True)
     (folder / "var/lib/dpkg/updates").mkdir()
     (folder / "var/lib/dpkg/status").touch()
-    dpkg(folder, "-i", *packages())
+    dpkg(folder, "-i", *(installed or packages()))
     return folder
 
 
 def packages():
-    return sorted(PACKAGES.glob("*.deb"))
+    return [package for package in sorted(PACKAGES.glob("*.deb"))
+            if "-dbgsym_" not in package.name]
+
+
+def earlier_packages(folder):
+    """The same packages, of the version before."""
+    made = []
+    for package in packages():
+        tree = folder / package.stem
+        output_of("dpkg-deb", "-R", package, tree)
+        control = tree / "DEBIAN/control"
+        version = re.search(r"(?m)^Version: (.*)$", control.read_text())[1]
+        control.write_text(control.read_text().replace(f"Version: {version}", "Version: 0.0.9")
+                           .replace(f"(= {version})", "(= 0.0.9)"))
+        made.append(folder / f"{package.name.split('_')[0]}.deb")
+        output_of("dpkg-deb", "--root-owner-group", "-b", tree, made[-1])
+    return made
 
 
 def files_in(root):
@@ -52,10 +70,13 @@ def files_in(root):
             if not path.is_dir() and not path.is_relative_to(root / "var/lib/dpkg")]
 
 
+def configured_in(root):
+    """What is left but the state of the tool that enables units."""
+    return [path for path in files_in(root) if not path.is_relative_to(root / "var/lib/systemd")]
+
+
 def setUpModule():
-    for package in packages():
-        package.unlink()
-    output_of("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", PACKAGES,
+    output_of(SOURCE / "scripts/pack", BUILD, PACKAGES,
               env={**os.environ, "SOURCE_DATE_EPOCH": str(DATE)})
 
 
@@ -64,7 +85,8 @@ class DebianPackagesTest(unittest.TestCase):
     def setUpClass(cls):
         cls.folder = tempfile.TemporaryDirectory()
         cls.root = new_root(Path(cls.folder.name))
-        cls.environment = {**os.environ, "LD_LIBRARY_PATH": str(cls.root / "usr/lib")}
+        cls.library = next(cls.root.glob("usr/lib/*/libqosplatform.so.0"))
+        cls.environment = {**os.environ, "LD_LIBRARY_PATH": str(cls.library.parent)}
 
     @classmethod
     def tearDownClass(cls):
@@ -90,16 +112,48 @@ class DebianPackagesTest(unittest.TestCase):
         self.assertRegex(fields["libqosplatform0"], r"libc6 .*libstdc\+\+6")
 
     def test_tell_packages_of_plug_ins_what_to_depend_on(self):
-        shlibs = self.root / "var/lib/dpkg/info/libqosplatform0.shlibs"
+        shlibs = next(self.root.glob("var/lib/dpkg/info/libqosplatform0*.shlibs"))
         self.assertRegex(shlibs.read_text(),
                          r"^libqosplatform 0 libqosplatform0 \(>= [\d.]+\)\n$")
 
     def test_have_stripped_binaries_that_look_nowhere_else_for_libraries(self):
-        for name in ("bin/qos-agent", "lib/libqosplatform.so.0", "lib/qos-agent/libQosOpenConfig.so"):
-            with self.subTest(name=name):
-                binary = self.root / "usr" / name
+        for binary in (self.root / "usr/bin/qos-agent", self.library,
+                       self.root / "usr/lib/qos-agent/libQosOpenConfig.so"):
+            with self.subTest(name=binary.name):
                 self.assertNotRegex(output_of("readelf", "-SdW", binary),
                                     r"RUNPATH|RPATH|\.symtab|\.debug_")
+
+    def test_have_the_debugging_information_in_packages_of_their_own(self):
+        listed = {package.name.split("_")[0]: output_of("dpkg-deb", "-c", package)
+                  for package in PACKAGES.glob("*-dbgsym_*.deb")}
+        self.assertEqual(set(listed), {"qos-agent-dbgsym", "libqosplatform0-dbgsym"})
+        for name, binary in (("qos-agent-dbgsym", self.root / "usr/bin/qos-agent"),
+                             ("libqosplatform0-dbgsym", self.library)):
+            identity = re.search(r"Build ID: (\w+)", output_of("readelf", "-n", binary))[1]
+            self.assertIn(f"/.build-id/{identity[:2]}/{identity[2:]}.debug", listed[name])
+
+    def test_can_be_installed_beside_those_of_another_architecture(self):
+        architecture = output_of("dpkg-architecture", "-q", "DEB_HOST_MULTIARCH").strip()
+        self.assertEqual(self.library.parent.name, architecture)
+        said = {package.name.split("_")[0]: output_of("dpkg-deb", "-f", package, "Multi-Arch")
+                for package in packages()}
+        self.assertEqual(said, {"qos-agent": "foreign\n", "libqosplatform0": "same\n",
+                                "libqosplatform-dev": "same\n"})
+
+    def test_carry_the_pages_and_the_examples_that_they_speak_of(self):
+        documents = self.root / "usr/share/doc/qos-agent"
+        for folder in ("docs", "examples"):
+            for page in (SOURCE / folder).rglob("*.*"):
+                copy = documents / page.relative_to(SOURCE)
+                self.assertEqual(copy.read_bytes(), page.read_bytes())
+        self.assertIn("--output table", (documents / "README.md").read_text())
+        for page in ("man1/qos-agent.1.gz", "man5/qos-agent-stream.5.gz"):
+            self.assertTrue((self.root / "usr/share/man" / page).exists())
+
+    def test_set_no_argument_of_the_service_unasked(self):
+        lines = (self.root / "etc/default/qos-agent").read_text().splitlines()
+        self.assertEqual([line for line in lines if line and not line.startswith("#")], [])
+        self.assertTrue(any(line.startswith("#QOS_AGENT_ARGUMENTS=") for line in lines))
 
     def test_hold_nothing_of_the_time_at_which_they_were_made(self):
         for package in packages():
@@ -124,22 +178,52 @@ class DebianPackagesTest(unittest.TestCase):
             output_of("cmake", "-S", SOURCE / "examples/out-of-tree-plug-in", "-B", build,
                       f"-DCMAKE_PREFIX_PATH={self.root}/usr")
             cache = Path(build, "CMakeCache.txt").read_text()
-        self.assertIn(f"QosPlatform_DIR:PATH={self.root}/usr/lib/cmake/QosPlatform\n", cache)
+        self.assertIn(f"QosPlatform_DIR:PATH={self.library.parent}/cmake/QosPlatform\n", cache)
 
     def test_keep_what_was_configured_until_they_are_purged(self):
         with tempfile.TemporaryDirectory() as folder:
-            root = new_root(Path(folder))
-            toggles = root / "etc/qos-agent/QosOpenConfig.json"
-            toggles.write_text("{}")
+            folder = Path(folder)
+            root = new_root(folder / "root", earlier_packages(folder))
+            configured = {root / "etc/qos-agent/QosOpenConfig.json": "{}",
+                          root / "etc/default/qos-agent": "QOS_AGENT_ARGUMENTS=--strict\n"}
+            for file, text in configured.items():
+                file.write_text(text)
             dpkg(root, "-i", *packages())
-            self.assertEqual(toggles.read_text(), "{}")
+            self.assertNotIn("0.0.9", output_of(
+                "dpkg-query", f"--admindir={root}/var/lib/dpkg", "-W", "-f=${Version}\n"))
+            self.assertEqual({file: file.read_text() for file in configured}, configured)
             dpkg(root, "--remove", *NAMES)
-            self.assertEqual(files_in(root), [toggles])
-            dpkg(root, "--purge", "qos-agent")
+            self.assertEqual(set(configured_in(root)), set(configured))
+            dpkg(root, "--purge", *NAMES)
             self.assertEqual(files_in(root), [])
 
+    def test_leave_no_unit_enabled_when_they_are_purged(self):
+        with tempfile.TemporaryDirectory() as folder:
+            root = new_root(Path(folder))
+            enabled = root / ENABLED
+            self.assertFalse(enabled.is_symlink())
+            enabled.parent.mkdir(parents=True)
+            enabled.symlink_to("/lib/systemd/system/qos-agent.socket")
+            dpkg(root, "-i", *packages())
+            self.assertTrue(enabled.is_symlink())
+            dpkg(root, "--purge", *NAMES)
+            self.assertFalse(enabled.is_symlink())
+
+    def test_say_that_an_upgrade_empties_a_service_that_runs(self):
+        for answer, expected in (("true", "restarts with an empty database"), ("false", "")):
+            with self.subTest(active=answer), tempfile.TemporaryDirectory() as folder:
+                tools = {"systemctl": answer, "deb-systemd-helper": "true",
+                         "deb-systemd-invoke": "true"}
+                for name, tool in tools.items():
+                    Path(folder, name).symlink_to(shutil.which(tool))
+                done = subprocess.run(
+                    [self.root / "var/lib/dpkg/info/qos-agent.postinst", "configure", "0.0.9"],
+                    env={"PATH": f"{folder}:{os.environ['PATH']}"}, capture_output=True,
+                    text=True, check=True)
+                self.assertRegex(done.stderr, expected or "^$")
+
     def test_start_a_service_that_follows_its_pipe(self):
-        unit = (self.root / "usr/lib/systemd/system/qos-agent.service").read_text()
+        unit = next(self.root.rglob("systemd/system/qos-agent.service")).read_text()
         command = re.search(r"(?m)^ExecStart=/usr/(.*)$", unit)[1].split()
         command.remove("$QOS_AGENT_ARGUMENTS")
         with tempfile.TemporaryDirectory() as folder:
