@@ -3,7 +3,7 @@
 include(CMakePackageConfigHelpers)
 
 install(TARGETS qos-agent DESTINATION bin COMPONENT agent)
-install(TARGETS QosOpenConfig DESTINATION lib/qos-agent COMPONENT agent)
+install(TARGETS QosOpenConfig qos-agent-loop DESTINATION lib/qos-agent COMPONENT agent)
 install(TARGETS platform EXPORT QosPlatformTargets
     LIBRARY DESTINATION ${QOS_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
     FILE_SET HEADERS DESTINATION include/qos-agent COMPONENT development)

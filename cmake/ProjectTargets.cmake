@@ -7,6 +7,19 @@ macro(qos_sources OUT_SOURCES OUT_HEADERS FOLDER)
     file(GLOB_RECURSE ${OUT_HEADERS} CONFIGURE_DEPENDS "${FOLDER}/*.h")
 endmacro()
 
+# Without a compiler cache, reading the standard library once for all sources of a target saves a
+# quarter of the time.
+function(qos_precompile_standard_library TARGET)
+    get_target_property(sources ${TARGET} SOURCES)
+    list(LENGTH sources count)
+    if(count GREATER 8 AND NOT QOS_CCACHE)
+        target_precompile_headers(${TARGET} PRIVATE
+            <algorithm> <array> <charconv> <concepts> <cstddef> <cstdint> <functional> <iterator>
+            <map> <memory> <optional> <set> <span> <sstream> <stdexcept> <string> <string_view>
+            <tuple> <type_traits> <unordered_map> <utility> <variant> <vector>)
+    endif()
+endfunction()
+
 # Gives a target the project's options, its headers (which must each compile alone: target
 # all_verify_interface_header_sets) and include paths that begin at the root.
 function(qos_target TARGET)
@@ -14,6 +27,7 @@ function(qos_target TARGET)
     target_link_libraries(${TARGET} PRIVATE project_options)
     target_compile_features(${TARGET} PUBLIC cxx_std_20)
     set_target_properties(${TARGET} PROPERTIES CXX_EXTENSIONS OFF)
+    qos_precompile_standard_library(${TARGET})
     if(ARG_HEADERS)
         target_sources(${TARGET} PUBLIC
             FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${ARG_HEADERS})
