@@ -35,7 +35,7 @@ class SetupTest(Toy):
 
     def test_names_the_command_to_run_as_root_where_there_is_no_sudo(self):
         self.assertEqual(self.machine_with("apt-get", "cmake"), (
-            1, "", "setup: there is no sudo; please run as root: "
+            1, "", "setup: there is no sudo; please run as root: apt-get update && "
                    "apt-get install --no-install-recommends g++ ninja-build\n"))
 
     def test_names_the_packages_where_another_distribution_has_no_apt_get(self):
