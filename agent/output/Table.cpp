@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <iterator>
 #include <numeric>
 #include <optional>
 #include <string_view>
@@ -59,7 +60,7 @@ std::vector<std::string> linesOf(const Cell& cell, std::size_t width) {
 std::vector<std::uint8_t> valuesOf(const TermConditionsIpConfig& family) {
     std::vector<std::uint8_t> values;
     if (family.dscp) values.push_back(*family.dscp);
-    values.insert(values.end(), family.dscpSet.begin(), family.dscpSet.end());
+    std::ranges::copy(family.dscpSet, std::back_inserter(values));
     return values;
 }
 
