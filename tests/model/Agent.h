@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "agent/streams/Operations.h"
+#include "agent/streams/StreamOutput.h"
 #include "tests/model/State.h"
 
 namespace Model {
@@ -35,7 +36,6 @@ private:
     QosAgent::Database database_;
     QosAgent::Configuration configuration_{database_};
     std::optional<QosAgent::PluginHost> host_;
-    QosAgent::Output output_;
     std::optional<QosAgent::Operations> operations_;
     std::vector<std::string> lines_;
 };

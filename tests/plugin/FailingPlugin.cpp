@@ -43,7 +43,7 @@ void failIfTold(const std::string& when) {
         fail(std::string_view(told).substr(when.size() + 1));
 }
 
-class FailingPlugin : public Plugin::PluginBase<Context> {
+class FailingPlugin : public PluginBase<Context> {
 public:
     FailingPlugin() { failIfTold("load"); }
     void init(Context*) override {
