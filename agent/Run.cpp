@@ -136,7 +136,7 @@ private:
             if (!fault) continue;
             report(refusal(name, TextPlace{lines.number(), fault->offset + 1},
                            file.isKept() ? fault->message
-                                         : fault->message + " in: " +
+                                         : fault->message + "; line: " +
                                                excerptAround(lines.line(), fault->offset)));
             if (!options_.keepsGoing) return false;
             isSomeRefused_ = true;

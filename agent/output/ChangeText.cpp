@@ -69,14 +69,19 @@ std::vector<std::uint8_t> valuesOf(const std::optional<JsonValue>& family) {
     return values;
 }
 
-/// What a term holds, in words.
+/// What a term holds, in words. Tells what is there and empty from what is absent.
 std::string termText(std::string_view classifierType, const JsonValue& term) {
-    const auto conditions = memberOf(term, "conditions");
-    std::string text = matchText(classifierType, valuesOf(memberOf(conditions, "ipv4")),
-                                 valuesOf(memberOf(conditions, "ipv6")));
-    const std::string group = textOf(memberOf(memberOf(term, "actions"), "targetGroup"));
-    if (!group.empty())
-        text.append(text.empty() ? "" : ", ").append("group ").append(visibleName(group));
+    std::string text;
+    if (const auto conditions = memberOf(term, "conditions")) {
+        text = matchText(classifierType, valuesOf(memberOf(conditions, "ipv4")),
+                         valuesOf(memberOf(conditions, "ipv6")));
+        if (text.empty()) text = "no dscp";
+    }
+    if (const auto actions = memberOf(term, "actions")) {
+        const std::string group = textOf(memberOf(actions, "targetGroup"));
+        if (!text.empty()) text += ", ";
+        text += group.empty() ? "no group" : "group " + visibleName(group);
+    }
     return text.empty() ? "empty" : text;
 }
 

@@ -59,6 +59,16 @@ class CommandLineTest(unittest.TestCase):
         item = page.split(".It Fl Fl output", 1)[1].split(".It", 1)[0]
         self.assertEqual(set(re.findall(r"(?m)^\.Cm (\w+)", item)), FORMATS)
 
+    def test_lines_that_pages_feed_to_the_service_publish_something(self):
+        for page in ("packaging/qos-agent.1", "docs/operating.md"):
+            text = (SOURCE / page).read_text().replace(r"\-", "-")
+            lines = re.findall(r"echo '(\{.*\})' > /run/", text)
+            self.assertTrue(lines, page)
+            for line in lines:
+                run = subprocess.run([PROGRAM, "--follow=json", "--output", "none", "-"],
+                                     input=line, capture_output=True, text=True, check=True)
+                self.assertIn('{"update":', run.stdout, page)
+
     def test_completion_knows_each_option_and_no_other(self):
         self.assertEqual(completed("--"), self.options)
         self.assertEqual(completed("--fo"), {"--follow"})

@@ -64,6 +64,16 @@ TEST_F(ChangeTextTest, tellsTheLifeOfATerm) {
     EXPECT_EQ(remove("edge/terms"), "edge: no terms -> absent");
 }
 
+TEST_F(ChangeTextTest, tellsWhatIsEmptyFromWhatIsAbsent) {
+    update("edge/state", R"({"type":"IPV4"})");
+    EXPECT_EQ(update("edge/terms/term/1", R"({"conditions":{"ipv4":{},"ipv6":{}}})"),
+              "edge 1: absent -> no dscp");
+    EXPECT_EQ(update("edge/terms/term/1",
+                     R"({"conditions":{"ipv4":{},"ipv6":{}},"actions":{"targetGroup":""}})"),
+              "edge 1: no dscp -> no dscp, no group");
+    EXPECT_EQ(update("edge/terms/term/1", "{}"), "edge 1: no dscp, no group -> empty");
+}
+
 TEST_F(ChangeTextTest, tellsHowManyTermsGoWithAClassifier) {
     update("edge/state", R"({"type":"IPV4"})");
     update("edge/terms/term/1", "{}");

@@ -297,7 +297,8 @@ TEST_F(RunTest, repeatsARefusedLineThatCameThroughAPipe) {
     const Ended ended = end(child);
     EXPECT_EQ(ended.status, 2);
     EXPECT_TRUE(std::regex_match(
-        ended.err, std::regex(R"(-:1:10: expected a string, found a number in: \{"echo":.*1\}\n)")))
+        ended.err,
+        std::regex(R"(-:1:10: expected a string, found a number; line: \{"echo":.*1\}\n)")))
         << ended;
 }
 
