@@ -44,7 +44,7 @@ bool naturallyBelow(std::string_view left, std::string_view right) {
     std::string_view rightRest = right;
     while (!leftRest.empty() && !rightRest.empty()) {
         const std::strong_ordering order = takeAndCompare(leftRest, rightRest);
-        if (order != 0) return order < 0;
+        if (std::is_neq(order)) return std::is_lt(order);
     }
     if (leftRest.empty() != rightRest.empty()) return leftRest.empty();
     return left < right;
