@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -13,12 +14,30 @@
 /// The one interface of the core that doors see: plain data, callable from any thread.
 namespace QosAgent {
 
+/// What a request has to do with a commit that has to be confirmed: an edit of the configuration
+/// that is taken back unless its confirmation comes in time. There is one at a time.
+struct CommitAction {
+    enum class Kind {
+        begin,     ///< the request's line begins one
+        confirm,   ///< what was committed stays
+        cancel,    ///< what was committed is taken back now
+        postpone,  ///< the time begins anew
+    };
+    Kind kind = Kind::begin;
+    std::string id;  ///< chosen by the client; every later action has to repeat it
+    std::chrono::milliseconds time{};  ///< until it is taken back; of `begin` and `postpone`
+
+    friend bool operator==(const CommitAction&, const CommitAction&) = default;
+};
+
 /// One operation, as the text of a change-stream line.
 struct Request {
+    /// May be empty if there is a `commit`.
     std::string line;
     /// Where the request came from, for the record: `socket`, `gnmi`, `redis`, `-` for standard
     /// input, or the name of a file.
     std::string door;
+    std::optional<CommitAction> commit = {};
 };
 
 /// A remark about the text of a request.
@@ -41,6 +60,9 @@ struct Answer {
     std::optional<Remark> refused;
     /// The request was never tried: too many are waiting, or the service is stopping.
     bool isBusy = false;
+    /// The request was refused for what it meets, not for what it says: a commit waits for its
+    /// confirmation, or none does.
+    bool isConflict = false;
     /// A `follow` line asked to begin (true) or end (false) following on its stream.
     std::optional<bool> follows;
 
