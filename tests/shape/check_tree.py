@@ -41,6 +41,7 @@ MAY_INCLUDE = {
     "tests/support/": ("platform/",),
     "tests/platform/": ("platform/", "tests/support/"),
     "tests/QosOpenConfig/": ("platform/", "QosOpenConfig/", "tests/support/"),
+    "tests/agent/gnmi/": ("agent/", "tests/agent/"),
     "tests/agent/": ("platform/", "agent/", "QosOpenConfig/", "tests/support/"),
     "tests/plugin/": ("platform/", "agent/", "tests/agent/", "tests/support/"),
     "tests/fuzz/": ("platform/", "agent/", "tests/agent/", "tests/support/"),
@@ -57,9 +58,13 @@ SCRIPT_TREES = ("scripts", "packaging", "tests")
 
 # Beside the headers of the language and of the system, which lie in no folder or in `sys`.
 LIBRARIES = {"platform/OvSlab/": ("sanitizer/",), "agent/loop/": ("systemd/",),
-             "agent/": ("nlohmann/", "CLI/"), "tests/": ("gtest/", "gmock/", "CLI/"),
+             "agent/gnmi/": ("grpc/", "grpcpp/", "google/protobuf/", "openssl/"),
+             "agent/": ("nlohmann/", "CLI/"),
+             "tests/agent/gnmi/": ("gtest/", "gmock/", "grpcpp/", "google/protobuf/"),
+             "tests/": ("gtest/", "gmock/", "CLI/"),
              "bench/": ("benchmark/", "valgrind/")}
-SYSTEM = re.compile(r"(sys/)?\w+(\.h)?")
+# The messages of the services, which are generated.
+SYSTEM = re.compile(r"((sys|netinet)/)?\w+(\.h)?|\w+(\.grpc)?\.pb\.h")
 
 INCLUDE = re.compile(r"\s*#\s*include(?:_next)?\b\s*(.*)")
 QUOTED = re.compile(r'"([^"]+)"')
