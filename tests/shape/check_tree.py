@@ -31,7 +31,7 @@ MAY_INCLUDE = {
     **{schema: ("platform/",) for schema in ("platform/Qos/", "platform/Acl/", "platform/QosOc/")},
     "QosOpenConfig/": ("platform/",),
     "agent/loop/": (),
-    "agent/json/": (),
+    "agent/json/": ("platform/Vex/Escape.h",),
     "agent/feed/": ("platform/", "agent/database/", "agent/json/"),
     "agent/explain/": ("platform/", "agent/openconfig/", "agent/database/", "agent/json/"),
     **{door: SEEN_BY_DOORS for door in ("agent/gnmi/", "agent/http/")},
