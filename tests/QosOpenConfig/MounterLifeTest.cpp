@@ -80,16 +80,16 @@ TEST_F(MounterLifeTest, leavesNothingBehindWhenItCannotBeDriven) {
     fill();
     const char* path = "qos/openconfig/state/classifiers";
     StateDir tree = State::ClassifiersDir::create();
-    manager->entityIs(path, tree);
+    manager->entityIs(path, tree, Strata::Access::readAndWrite);
     const auto before = TestSupport::liveCounts();
-    const std::size_t failures =
-        TestSupport::failEachAllocation([this] { Plugin().init(context.get()); },
-                                        [&] {
-                                            context->mounterDelAll();
-                                            tree = State::ClassifiersDir::create();
-                                            manager->entityIs(path, tree);
-                                            EXPECT_EQ(TestSupport::liveCounts(), before);
-                                        });
+    const std::size_t failures = TestSupport::failEachAllocation(
+        [this] { Plugin().init(context.get()); },
+        [&] {
+            context->mounterDelAll();
+            tree = State::ClassifiersDir::create();
+            manager->entityIs(path, tree, Strata::Access::readAndWrite);
+            EXPECT_EQ(TestSupport::liveCounts(), before);
+        });
     EXPECT_GT(failures, 0u);
     EXPECT_EQ(TestSupport::textOf(*tree), kFilledState);
 }

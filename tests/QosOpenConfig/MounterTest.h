@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "QosOpenConfig/QosOpenConfigClassifierStateSm/Module.h"
 #include "QosOpenConfig/QosOpenConfigClassifierStateSmMounter.h"
 #include "tests/QosOpenConfig/QosOpenConfigClassifierStateSm/RootTest.h"
 
@@ -109,6 +110,8 @@ protected:
     Orin::Ptr<Mounter> mounter = Mounter::create();
 
 private:
+    Vex::ModuleRegistration machineTypes_{kStateSmModule};
+    Vex::ModuleRegistration mounterTypes_{kMounterModule};
     Vex::TraceRegistration mounterHandle_{mounterTraceHandle};
 };
 
