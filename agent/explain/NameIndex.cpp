@@ -82,7 +82,7 @@ bool NameIndex::handleAccessList(const KeyWatch::Keys& keys, bool isPresent) {
 
 bool NameIndex::handlePolicyMap(const KeyWatch::Keys& keys, bool isPresent) {
     if (keys.size() == 1) return isEnum(keys[0], Qos::MapType::mapQos);
-    const String& pmapName = keys[1].as<String>();
+    const auto& pmapName = keys[1].as<String>();
     if (keys.size() == 2) {
         handlePolicyMapName(pmapName, isPresent);
         // The classes of a policy map that was not made from classifiers have no effect.

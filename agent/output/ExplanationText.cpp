@@ -42,6 +42,7 @@ std::string rulesTitle(const std::vector<const RuleEvidence*>& rules) {
         return "rule " + std::to_string(first.id.value) + " at sequence " +
                std::to_string(first.sequence);
     std::vector<std::uint32_t> sequences;
+    sequences.reserve(rules.size());
     for (const RuleEvidence* rule : rules)
         sequences.push_back(rule->sequence);
     return "the rules at sequence " + listed(sequences);
@@ -84,7 +85,7 @@ private:
     void shortTerm(const TermExplanation& explanation);
     void accessList(const TermEvidence& term, const AccessListEvidence& list);
     void dscpSource(const TermEvidence& term);
-    void targetGroupSource(const TermEvidence& term);
+    void targetGroupSource(const PolicyMapEvidence& map);
     void configuredTargetGroup(const TermEvidence& term);
     void configuredDscp(const TermEvidence& term);
     void classMap(const TermEvidence& term);
@@ -160,7 +161,8 @@ void ExplanationWriter::wholeTerm(const TermExplanation& explanation) {
     text_ += '\n';
     dscpSource(term);
     configuredDscp(term);
-    targetGroupSource(term);
+    for (const PolicyMapEvidence& map : term.policyMaps)
+        targetGroupSource(map);
     configuredTargetGroup(term);
     classMap(term);
     if (!explanation.findings.empty()) text_ += '\n';
@@ -209,21 +211,15 @@ void ExplanationWriter::configuredDscp(const TermEvidence& term) {
          (state.empty() ? "none" : dscpText(state)) + are(state) + "in force.");
 }
 
-void ExplanationWriter::targetGroupSource(const TermEvidence& term) {
-    for (const PolicyMapEvidence& map : term.policyMaps) {
-        const std::string title = "policy map " + shown(map.policyMap->pmapName()) + " (version " +
-                                  std::to_string(map.policyMap->version()) + ")";
-        if (!map.trafficClass) {
-            line("In " + title + " the class of the term sets no traffic class.");
-            continue;
-        }
-        const std::string tc = "traffic class " + std::to_string(*map.trafficClass);
-        if (map.targetGroup.empty())
-            line("No forwarding group has " + tc + ", which " + title + " sets.");
-        else
-            line("Target group " + shown(map.targetGroup) + " comes from " + tc + ", which " +
-                 title + " sets.");
-    }
+void ExplanationWriter::targetGroupSource(const PolicyMapEvidence& map) {
+    const std::string title = "policy map " + shown(map.policyMap->pmapName()) + " (version " +
+                              std::to_string(map.policyMap->version()) + ")";
+    if (!map.trafficClass)
+        return line("In " + title + " the class of the term sets no traffic class.");
+    const std::string source =
+        "traffic class " + std::to_string(*map.trafficClass) + ", which " + title + " sets.";
+    if (map.targetGroup.empty()) return line("No forwarding group has " + source);
+    line("Target group " + shown(map.targetGroup) + " comes from " + source);
 }
 
 void ExplanationWriter::configuredTargetGroup(const TermEvidence& term) {
