@@ -77,7 +77,9 @@ class InstalledAgentTest(unittest.TestCase):
         self.addCleanup(TOGGLES.write_bytes, TOGGLES.read_bytes())
         TOGGLES.write_text('{"OCQosClassifierStatePath": false}', encoding="utf-8")
         output, complaints = self.run_agent("--output", "entities")
-        self.assertEqual(complaints, [])
+        self.assertEqual(complaints,
+                         [f'{TOGGLES}: warning: the toggle "OCQosClassifierStatePath" is off: '
+                          'what it enables does not run'])
         self.assertEqual(json.loads("\n".join(output))[STATE], {})
 
 

@@ -71,11 +71,11 @@ TEST_F(PluginHostTest, restartsNoOtherPluginThanTheOneThatIsNamed) {
     ASSERT_EQ(load(), std::nullopt);
     const auto before = host.mounters();
     ASSERT_EQ(before.size(), 2u);
-    EXPECT_TRUE(host.restart("Other"));
+    EXPECT_EQ(host.restart("Other"), std::nullopt);
     EXPECT_EQ(PlanMounter<Sound>::made, 2);
     EXPECT_EQ(host.mounters()[0], before[0]);
     EXPECT_NE(host.mounters()[1], before[1]);
-    EXPECT_TRUE(host.restart("ClassifierStateSmPlugin"));
+    EXPECT_EQ(host.restart("ClassifierStateSmPlugin"), std::nullopt);
     EXPECT_EQ(PlanMounter<Sound>::made, 2);
     EXPECT_NE(host.mounters()[0], before[0]);
     EXPECT_EQ(written(), kWritten);
@@ -84,7 +84,7 @@ TEST_F(PluginHostTest, restartsNoOtherPluginThanTheOneThatIsNamed) {
 TEST_F(PluginHostTest, restartsNothingForAnotherName) {
     ASSERT_EQ(load(), std::nullopt);
     const auto before = host.mounters();
-    EXPECT_FALSE(host.restart("Nobody"));
+    EXPECT_EQ(host.restart("Nobody"), "no plug-in is called \"Nobody\"");
     EXPECT_EQ(host.mounters(), before);
 }
 
