@@ -82,6 +82,12 @@ JsonWriter& JsonWriter::number(std::uint64_t value) {
     return *this;
 }
 
+JsonWriter& JsonWriter::number(std::string_view spelled) {
+    beginValue();
+    out_ += spelled;
+    return *this;
+}
+
 JsonWriter& JsonWriter::boolean(bool value) {
     beginValue();
     out_ += value ? "true" : "false";

@@ -32,6 +32,8 @@ public:
     JsonWriter& key(std::string_view name);
     JsonWriter& text(std::string_view value);
     JsonWriter& number(std::uint64_t value);
+    /// A number as it is spelled elsewhere; the writer does not check.
+    JsonWriter& number(std::string_view spelled);
     JsonWriter& boolean(bool value);
     JsonWriter& null();
 
