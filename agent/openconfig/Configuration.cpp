@@ -1,8 +1,23 @@
 #include "agent/openconfig/Configuration.h"
 
+#include <memory>
 #include <utility>
 
+#include "agent/json/JsonBuilder.h"
+
 namespace QosAgent {
+namespace {
+
+/// The place of a fault that an edit makes: where the edit says it, else the edit's path.
+Fault placedIn(const std::vector<ConfigurationEdit>& edits, std::size_t index, Fault fault) {
+    const std::size_t end =
+        index + 1 < edits.size() ? edits[index + 1].offset : JsonBuilder::kNoOffset;
+    const bool isSaidHere = fault.offset >= edits[index].offset && fault.offset < end;
+    if (!isSaidHere) fault.offset = edits[index].pathOffset;
+    return fault;
+}
+
+}  // namespace
 
 Configuration::Configuration(Database& database, Strictness strictness)
     : interner_(database.interner()), strictness_(strictness), translator_(database) {}
@@ -11,8 +26,75 @@ std::variant<std::vector<Warning>, Fault> Configuration::apply(const JsonValue& 
     OpenConfigReader reader(interner_, strictness_);
     auto read = reader.read(document);
     if (auto* fault = std::get_if<Fault>(&read)) return std::move(*fault);
+    const auto copy = std::make_shared<const Json>(copyOf(document));
+    tree_ = ConfigurationTree::of(copy, copy->root(), change_++);
     translator_.apply(std::get<OpenConfigDocument>(std::move(read)));
     return reader.warnings();
+}
+
+/// What a configuration says, or its first fault, and what of the newest change was passed over.
+struct Configuration::Reading {
+    std::variant<OpenConfigDocument, Fault> document;
+    std::vector<Warning> warnings;
+
+    const Fault* fault() const { return std::get_if<Fault>(&document); }
+};
+
+std::variant<std::vector<Warning>, Configuration::Refusal> Configuration::configure(
+    const JsonValue& json) {
+    auto edits = readEdits(json);
+    if (auto* fault = std::get_if<Fault>(&edits)) return Refusal{std::move(*fault)};
+    const auto& list = std::get<std::vector<ConfigurationEdit>>(edits);
+    auto trees = treesOf(list);
+    if (auto* refusal = std::get_if<Refusal>(&trees)) return std::move(*refusal);
+    const ConfigurationTree& edited = std::get<Trees>(trees).back();
+    Reading reading = read(edited);
+    if (const Fault* fault = reading.fault())
+        return refusalOf(list, std::get<Trees>(trees), *fault);
+    ++change_;
+    tree_ = edited;
+    translator_.apply(std::get<OpenConfigDocument>(std::move(reading.document)));
+    return std::move(reading.warnings);
+}
+
+std::variant<Configuration::Trees, Configuration::Refusal> Configuration::treesOf(
+    const std::vector<ConfigurationEdit>& edits) const {
+    Trees trees{tree_};
+    trees.reserve(edits.size() + 1);
+    for (const ConfigurationEdit& edit : edits) {
+        auto tree = edited(trees.back(), edit, change_);
+        if (auto* fault = std::get_if<Fault>(&tree))
+            return Refusal{std::move(*fault), trees.size() - 1};
+        trees.push_back(std::get<ConfigurationTree>(std::move(tree)));
+    }
+    return trees;
+}
+
+Configuration::Reading Configuration::read(const ConfigurationTree& tree) const {
+    OpenConfigReader reader(interner_, strictness_);
+    const Json json = tree.json(change_);
+    Reading reading{reader.read(json.root()), reader.warnings()};
+    std::erase_if(reading.warnings,
+                  [](const Warning& warning) { return warning.offset == JsonBuilder::kNoOffset; });
+    return reading;
+}
+
+/// Finds the edit before which the configuration could be read, and after which it cannot.
+Configuration::Refusal Configuration::refusalOf(const std::vector<ConfigurationEdit>& edits,
+                                                const Trees& trees, Fault fault) const {
+    std::size_t good = 0;
+    std::size_t bad = edits.size();
+    while (bad - good > 1) {
+        const std::size_t middle = good + (bad - good) / 2;
+        const Reading reading = read(trees[middle]);
+        if (reading.fault() == nullptr) {
+            good = middle;
+        } else {
+            bad = middle;
+            fault = *reading.fault();
+        }
+    }
+    return {placedIn(edits, good, std::move(fault)), good};
 }
 
 }  // namespace QosAgent

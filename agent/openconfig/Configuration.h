@@ -1,8 +1,11 @@
 #pragma once
 
+#include <cstdint>
 #include <variant>
 #include <vector>
 
+#include "agent/configuration/ConfigurationEdit.h"
+#include "agent/configuration/ConfigurationTree.h"
 #include "agent/openconfig/OpenConfigReader.h"
 #include "agent/openconfig/OpenConfigTranslator.h"
 
@@ -18,10 +21,34 @@ public:
     /// document was passed over, or why it is refused; nothing has changed then.
     std::variant<std::vector<Warning>, Fault> apply(const JsonValue& document);
 
+    /// Why edits are refused: a fault, and in which of them, from 0; nothing if it is in the list
+    /// itself.
+    struct Refusal {
+        Fault fault;
+        std::optional<std::size_t> edit = {};
+    };
+    /// Applies a list of edits, as `readEdits` reads it, all or none. Returns what of them was
+    /// passed over.
+    std::variant<std::vector<Warning>, Refusal> configure(const JsonValue& edits);
+
+    /// The configuration as it was given.
+    const ConfigurationTree& tree() const { return tree_; }
+
 private:
+    using Trees = std::vector<ConfigurationTree>;
+    struct Reading;
+
+    /// Each configuration on the way, the one before the edits first.
+    std::variant<Trees, Refusal> treesOf(const std::vector<ConfigurationEdit>& edits) const;
+    Reading read(const ConfigurationTree& tree) const;
+    Refusal refusalOf(const std::vector<ConfigurationEdit>& edits, const Trees& trees,
+                      Fault fault) const;
+
     Interner& interner_;
     Strictness strictness_;
     OpenConfigTranslator translator_;
+    ConfigurationTree tree_;
+    std::uint64_t change_ = 1;  ///< the number of the next change
 };
 
 }  // namespace QosAgent

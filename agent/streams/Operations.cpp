@@ -23,15 +23,16 @@ struct Verb {
     Apply apply;
     bool takesValue = false;
     bool mayChange = true;
-    static const Verb all[9];
+    static const Verb all[10];
 };
 
-const Verb Verb::all[9] = {
+const Verb Verb::all[10] = {
     {"update", &Operations::update, true},
     {"replace", &Operations::replace, true},
     {"delete", &Operations::remove},
     {"touch", &Operations::touch},
     {"openconfig", &Operations::openconfig},
+    {"configure", &Operations::configure},
     {"print", &Operations::print, false, false},
     {"echo", &Operations::echo, false, false},
     {"restart", &Operations::restart},
@@ -41,8 +42,10 @@ const Verb Verb::all[9] = {
 namespace {
 
 constexpr std::string_view kExplain = "explain";
-constexpr std::string_view kWhats[] = {"state", "database", "openconfig", "machines",
-                                       "table", "entities", "differences"};
+constexpr std::string_view kWhats[] = {
+    "state",    "database", "openconfig", "configuration",
+    "machines", "table",    "entities",   "differences",
+};
 
 bool isPassedOver(std::string_view line) {
     return line.starts_with('#') || line.find_first_not_of(" \t\r\n") == std::string_view::npos;
@@ -138,6 +141,7 @@ Operations::Operations(Database& database, Configuration& configuration, PluginH
 
 std::optional<Fault> Operations::apply(std::string_view line, StreamOutput& output) {
     mayChange_ = false;
+    refusedEdit_.reset();
     if (isPassedOver(line)) return {};
     output_ = &output;
     const JsonResult json = parseJsonLine(line);
@@ -215,6 +219,16 @@ Operations::Result Operations::openconfig(const JsonValue& document, const JsonV
     return {};
 }
 
+Operations::Result Operations::configure(const JsonValue& edits, const JsonValue*) {
+    auto applied = configuration_.configure(edits);
+    if (auto* refusal = std::get_if<Configuration::Refusal>(&applied)) {
+        refusedEdit_ = refusal->edit;
+        return std::move(refusal->fault);
+    }
+    warnings_ = std::get<std::vector<Warning>>(std::move(applied));
+    return {};
+}
+
 Operations::Result Operations::print(const JsonValue& what, const JsonValue*) {
     if (what.is(JsonKind::object)) return printExplanation(what);
     if (!what.is(JsonKind::string))
@@ -266,6 +280,8 @@ void Operations::writeDocument(JsonWriter& writer, std::string_view what) {
         writeDatabase(writer, database_);
     else if (what == "openconfig")
         writeOpenConfigState(writer, *Vex::entityCast<QosOc::State::ClassifiersDir>(state.root));
+    else if (what == "configuration")
+        configuration_.tree().write(writer);
     else if (what == "differences")
         explainer_.writeDifferences(writer);
     else

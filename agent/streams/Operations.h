@@ -33,6 +33,8 @@ public:
     std::optional<Fault> apply(std::string_view line, StreamOutput& output);
     /// Whether the last line applied was an operation that may change something, unlike `print`.
     bool mayChange() const { return mayChange_; }
+    /// Which edit of the last line was refused, from 0; nothing if it was no `configure`.
+    std::optional<std::size_t> refusedEdit() const { return refusedEdit_; }
     /// What the last line said that was passed over.
     std::vector<Warning> takeWarnings() { return std::exchange(warnings_, {}); }
 
@@ -46,6 +48,7 @@ private:
     Result remove(const JsonValue& path, const JsonValue* value);
     Result touch(const JsonValue& path, const JsonValue* value);
     Result openconfig(const JsonValue& document, const JsonValue* value);
+    Result configure(const JsonValue& edits, const JsonValue* value);
     Result print(const JsonValue& what, const JsonValue* value);
     Result echo(const JsonValue& text, const JsonValue* value);
     Result restart(const JsonValue& plugin, const JsonValue* value);
@@ -65,6 +68,7 @@ private:
     Checker checker_;
     Editor editor_;
     bool mayChange_ = false;
+    std::optional<std::size_t> refusedEdit_;
     std::vector<Warning> warnings_;
 };
 

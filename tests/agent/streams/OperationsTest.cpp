@@ -36,7 +36,7 @@ TEST_F(OperationsTest, refusesWhatIsNoOperation) {
     expectRefused("@[]", "expected an object, found an array");
     expectRefused("  @{}",
                   "no operation, expected one of update, replace, delete, touch, openconfig, "
-                  "print, echo, restart, follow");
+                  "configure, print, echo, restart, follow");
     expectRefused(R"({@"updat":"qos/status"})",
                   R"(unknown operation "updat", did you mean "update"?)");
     expectRefused(R"({"update":"qos/status","value":{},@"x":1})", R"(unknown operation "x")");
@@ -172,8 +172,8 @@ TEST_F(OperationsTest, tellsWhichLinesMayChangeSomething) {
 
 TEST_F(OperationsTest, refusesToPrintAnythingElse) {
     expectRefused(R"({"print":@"x"})",
-                  R"(cannot print "x", expected one of state, database, openconfig, machines, )"
-                  "table, entities, differences");
+                  R"(cannot print "x", expected one of state, database, openconfig, )"
+                  "configuration, machines, table, entities, differences");
     expectRefused(R"({"print":@{}})", R"(nothing to print, expected "explain")");
     expectRefused(R"({"print":{@"x":{}}})", R"(cannot print "x", expected "explain")");
     expectRefused(R"({"print":{"explain":{"classifier":"c"},@"x":1}})",

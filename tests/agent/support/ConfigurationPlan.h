@@ -32,6 +32,7 @@ struct ClassifierPlan {
 struct AttachmentPlan {
     std::string ipv4;
     std::string ipv6;
+    std::string id = {};  ///< of the interface; empty: by its place, `eth0` and so on
 };
 
 struct ConfigurationPlan {

@@ -33,7 +33,8 @@ private:
              [this](const ClassifierPlan& classifier) { write(classifier); });
         unsigned next = 0;
         list("interfaces", "interface", plan.interfaces, [&](const AttachmentPlan& attached) {
-            key("interface-id", "eth" + std::to_string(next++));
+            const std::string place = "eth" + std::to_string(next++);
+            key("interface-id", attached.id.empty() ? place : attached.id);
             json_.endObject();
             write(attached);
         });
