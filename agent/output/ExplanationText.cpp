@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <map>
 
+#include "agent/json/Visible.h"
 #include "agent/output/Dscp.h"
 #include "agent/output/Folding.h"
 #include "agent/output/MatchText.h"
-#include "platform/Vex/Escape.h"
 
 namespace QosAgent {
 namespace {
@@ -17,12 +17,6 @@ using QosOc::Classifier::Type;
 constexpr std::size_t kWidest = 80;
 constexpr std::size_t kIndent = 2;
 
-std::string shown(std::string_view name) {
-    std::string text;
-    Vex::appendEscaped(text, name);
-    return text;
-}
-
 std::string listed(const std::vector<std::uint32_t>& numbers) {
     std::string list;
     for (const std::uint32_t number : numbers)
@@ -32,7 +26,7 @@ std::string listed(const std::vector<std::uint32_t>& numbers) {
 
 std::string listTitle(const AccessListEvidence& list, const String& name) {
     return std::string(list.type == Acl::AclType::ipv6 ? "IPv6" : "IPv4") + " access list " +
-           shown(name);
+           visibleName(name);
 }
 
 /// `rule 7 at sequence 10`, or `the rules at sequence 10,20`.
@@ -62,7 +56,7 @@ std::string summaryOf(const TermEvidence& term) {
                   dscpValues(term.state, Type::IPV4), dscpValues(term.state, Type::IPV6));
     if (summary.empty()) summary = "no dscp";
     const String& group = targetGroup(term.state);
-    return summary + (group.empty() ? ", no target group" : ", target group " + shown(group));
+    return summary + (group.empty() ? ", no target group" : ", target group " + visibleName(group));
 }
 
 /// Writes an explanation line by line.
@@ -101,7 +95,7 @@ std::string ExplanationWriter::write(const Explanation& explanation) {
     for (const Finding* row : explanation.findings)
         finding(*row, true);
     if (explanation.askedTerm && explanation.terms.empty() && explanation.evidence->isKnown())
-        line("Nobody knows a term " + shown(*explanation.askedTerm) + " of this classifier.");
+        line("Nobody knows a term " + visibleName(*explanation.askedTerm) + " of this classifier.");
     for (const TermExplanation& term : explanation.terms)
         explanation.askedTerm ? wholeTerm(term) : shortTerm(term);
     nothingFound(explanation);
@@ -131,7 +125,7 @@ void ExplanationWriter::line(const std::string& text, std::string_view colour,
 
 void ExplanationWriter::classifierHead(const Explanation& explanation) {
     const ClassifierEvidence& classifier = *explanation.evidence;
-    const std::string name = "classifier " + shown(classifier.name);
+    const std::string name = "classifier " + visibleName(classifier.name);
     if (!classifier.isKnown()) return line("Nobody knows a " + name + ".");
     const bool isInState = classifier.state != nullptr;
     head(name +
@@ -147,7 +141,7 @@ void ExplanationWriter::finding(const Finding& finding, bool hasAdvice) {
 
 void ExplanationWriter::shortTerm(const TermExplanation& explanation) {
     const TermEvidence& term = explanation.evidence;
-    const std::string name = "term " + shown(term.id) + ":";
+    const std::string name = "term " + visibleName(term.id) + ":";
     line(name + " " + summaryOf(term), kBold, name.size());
     margin_ = kIndent;
     for (const Finding* row : explanation.findings)
@@ -157,7 +151,7 @@ void ExplanationWriter::shortTerm(const TermExplanation& explanation) {
 
 void ExplanationWriter::wholeTerm(const TermExplanation& explanation) {
     const TermEvidence& term = explanation.evidence;
-    head("term " + shown(term.id) + (term.state == nullptr ? ", not in the state" : ""));
+    head("term " + visibleName(term.id) + (term.state == nullptr ? ", not in the state" : ""));
     text_ += '\n';
     dscpSource(term);
     configuredDscp(term);
@@ -212,14 +206,14 @@ void ExplanationWriter::configuredDscp(const TermEvidence& term) {
 }
 
 void ExplanationWriter::targetGroupSource(const PolicyMapEvidence& map) {
-    const std::string title = "policy map " + shown(map.policyMap->pmapName()) + " (version " +
-                              std::to_string(map.policyMap->version()) + ")";
+    const std::string title = "policy map " + visibleName(map.policyMap->pmapName()) +
+                              " (version " + std::to_string(map.policyMap->version()) + ")";
     if (!map.trafficClass)
         return line("In " + title + " the class of the term sets no traffic class.");
     const std::string source =
         "traffic class " + std::to_string(*map.trafficClass) + ", which " + title + " sets.";
     if (map.targetGroup.empty()) return line("No forwarding group has " + source);
-    line("Target group " + shown(map.targetGroup) + " comes from " + source);
+    line("Target group " + visibleName(map.targetGroup) + " comes from " + source);
 }
 
 void ExplanationWriter::configuredTargetGroup(const TermEvidence& term) {
@@ -228,18 +222,18 @@ void ExplanationWriter::configuredTargetGroup(const TermEvidence& term) {
     if (term.configured == nullptr) return;
     if (configured == state) {
         if (!state.empty() && term.policyMaps.empty())
-            line("Target group " + shown(state) + " comes from the configuration.");
+            line("Target group " + visibleName(state) + " comes from the configuration.");
         return;
     }
     std::string text =
-        (configured.empty() ? "No target group" : "Target group " + shown(configured)) +
-        " is configured, " + (state.empty() ? "none" : shown(state)) + " is in force";
+        (configured.empty() ? "No target group" : "Target group " + visibleName(configured)) +
+        " is configured, " + (state.empty() ? "none" : visibleName(state)) + " is in force";
     if (isDecidedByPolicyMap(term)) {
         const MadeFromClassifier& made = *term.classifier->made;
         const String& name = !term.policyMaps.empty() ? term.policyMaps[0].policyMap->pmapName()
                              : made.ipv4PolicyMaps.empty() ? *made.ipv6PolicyMaps.begin()
                                                            : *made.ipv4PolicyMaps.begin();
-        text += ": policy map " + shown(name) + " has the classifier";
+        text += ": policy map " + visibleName(name) + " has the classifier";
     }
     line(text + ".");
 }
@@ -249,11 +243,11 @@ void ExplanationWriter::classMap(const TermEvidence& term) {
     std::map<Qos::ClassMapMatchOption, String> match;
     for (const auto& member : term.classMap->match())
         match.emplace(member.key, member.value);
-    std::string text = "Class map " + shown(term.objName);
+    std::string text = "Class map " + visibleName(term.objName);
     if (match.empty()) text += " has no match option";
     std::string_view before = " has ";
     for (const auto& [option, matched] : match) {
-        text.append(before).append(Vex::enumText(option)).append(" ").append(shown(matched));
+        text.append(before).append(Vex::enumText(option)).append(" ").append(visibleName(matched));
         before = ", ";
     }
     line(text + ".");

@@ -54,6 +54,12 @@ TEST_F(ExplanationTextTest, saysWhatIsConfiguredAndWhatIsInForce) {
               "  group and raise its version, or detach the classifier from the interfaces.");
 }
 
+TEST_F(ExplanationTextTest, escapesWhatNobodySees) {
+    EXPECT_EQ(text({"edge", "\u202eb\u009b"}),
+              "classifier edge, IPV4\n"
+              "Nobody knows a term \\u202eb\\u009b of this classifier.");
+}
+
 TEST_F(ExplanationTextTest, saysOfAClassifierWhatItsTermsAre) {
     update(kConfigured + "edge/terms/term/late", "{}");
     update(kLists + "openconfig:edge:web/aclSubConfig", "{}");
