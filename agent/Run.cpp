@@ -5,29 +5,34 @@
 #include <algorithm>
 #include <cstring>
 #include <exception>
+#include <functional>
 #include <new>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "agent/ServiceRun.h"
+#include "agent/connect/ClientRun.h"
 #include "agent/database/Document.h"
-#include "agent/database/Printer.h"
 #include "agent/documents/DocumentCheck.h"
 #include "agent/feed/Feed.h"
 #include "agent/host/File.h"
+#include "agent/host/InstalledLibrary.h"
 #include "agent/host/PluginHost.h"
 #include "agent/host/ToggleFolder.h"
 #include "agent/json/Excerpt.h"
 #include "agent/openconfig/Configuration.h"
-#include "agent/openconfig/StatePrinter.h"
 #include "agent/options/ExitCodes.h"
 #include "agent/output/Diagnostics.h"
 #include "agent/output/ExplanationText.h"
 #include "agent/output/Follower.h"
 #include "agent/output/Machines.h"
 #include "agent/output/Progress.h"
-#include "agent/output/Table.h"
+#include "agent/output/Results.h"
 #include "agent/output/Terminal.h"
+#include "agent/service/Record.h"
+#include "agent/service/RequestApplier.h"
 #include "agent/streams/LineReader.h"
 #include "agent/streams/Operations.h"
 #include "agent/trace/TraceOutput.h"
@@ -53,11 +58,21 @@ Strictness strictnessOf(const Options& options) {
     return options.isStrict ? Strictness::refuses : Strictness::warns;
 }
 
+/// Whether writing to the file would destroy something that is read.
+bool isAlsoRead(const std::string& file, const Options& options) {
+    const auto isFile = [&](const std::string& read) { return isSameFile(file, read); };
+    return std::ranges::any_of(options.documents, isFile) ||
+           std::ranges::any_of(options.streams, isFile) || isFile(options.pluginFile) ||
+           isFile(options.toggleFolder + '/' + kToggleFile);
+}
+
 /// What the command line asked for, step by step.
 class AgentRun : private StreamOutput {
 public:
-    explicit AgentRun(const Options& options)
+    /// `reopenTraces` opens the file of trace lines anew.
+    AgentRun(const Options& options, std::function<void()> reopenTraces)
         : options_(options),
+          reopenTraces_(std::move(reopenTraces)),
           out_(STDOUT_FILENO),
           configuration_(database_, strictnessOf(options)),
           host_(database_.entityManager()) {}
@@ -67,13 +82,7 @@ public:
             report(*refused);
             return kUnusable;
         }
-        {
-            const StopSignals stop;
-            for (const std::string& stream : options_.streams) {
-                if (stop.isStopRequested()) break;
-                if (!applyStream(stream, stop)) return kUnusable;
-            }
-        }
+        if (!(options_.service.isService() ? serve() : applyStreams())) return kUnusable;
         follower_.reset();
         printResults();
         return endStatus();
@@ -81,6 +90,8 @@ public:
 
 private:
     Refusal start() {
+        if (Refusal refused = openStore()) return refused;
+        if (Refusal refused = openRecord()) return refused;
         ToggleFolder toggles(options_.toggleFolder);
         const auto read = toggles.read(kToggleFile);
         if (const auto* refused = std::get_if<Diagnostic>(&read)) return *refused;
@@ -123,25 +134,68 @@ private:
         mergeDocument(database_, document, progress);
         return {};
     }
+    Refusal openStore() {
+        const auto& store = options_.service.store;
+        if (!store) return {};
+        const auto opened = openInstalled(store->library);
+        if (const auto* fault = std::get_if<std::string>(&opened))
+            return refusal("qos-agent", store->option + ' ' + *fault);
+        return refusal("qos-agent", store->option + " is not supported by this program");
+    }
+    Refusal openRecord() {
+        const std::string& name = options_.service.record;
+        if (name.empty()) return {};
+        if (isAlsoRead(name, options_))
+            return refusal(name, "--record would write to a file that is read");
+        record_.emplace(name);
+        if (record_->error() != 0) return refusal(name, std::strerror(record_->error()));
+        applier_.emplace(operations_, feed_, &*record_);
+        return {};
+    }
+    /// False when the program cannot go on.
+    bool serve() {
+        return ServiceRun(options_, *applier_, feed_,
+                          {[this](const AnsweredLine& line) { return print(line); },
+                           [this] { reopenFiles(); }})
+            .run();
+    }
+    bool print(const AnsweredLine& line) {
+        for (const std::string& text : line.answer.lines)
+            out_.line(text);
+        if (line.answer.follows) followIs(*line.answer.follows);
+        return accepted(line);
+    }
+    void reopenFiles() {
+        if (record_) record_->reopen();
+        reopenTraces_();
+    }
+    /// False when the program cannot go on.
+    bool applyStreams() {
+        const StopSignals stop;
+        for (const std::string& stream : options_.streams) {
+            if (stop.isStopRequested()) break;
+            if (!applyStream(stream, stop)) return false;
+        }
+        return true;
+    }
     /// False when the program cannot go on.
     bool applyStream(const std::string& name, const StopSignals& stop) {
         const File file = File::toReadLater(name);
         if (file.error() != 0) return unusable(name, file.error());
         LineReader lines(file.fd(), Limits{}.lineBytes, stop);
-        Operations operations(database_, configuration_, host_);
         while (out_.fault().empty() && lines.next()) {
-            const auto fault = operations.apply(lines.line(), *this);
-            for (const Warning& passed : operations.takeWarnings())
-                report(warning(name, {lines.number(), passed.offset + 1}, passed.message));
-            if (!fault) continue;
-            report(refusal(name, TextPlace{lines.number(), fault->offset + 1},
-                           file.isKept() ? fault->message
-                                         : fault->message + "; line: " +
-                                               excerptAround(lines.line(), fault->offset)));
-            if (!options_.keepsGoing) return false;
-            isSomeRefused_ = true;
+            Answer answer = applier_->apply(lines.line(), name, *this);
+            if (answer.refused) answer.line = lines.line();
+            if (!accepted({name, file.isKept(), lines.number(), answer})) return false;
         }
         return lines.error() == 0 || unusable(name, lines.error());
+    }
+    /// False when the program cannot go on.
+    bool accepted(const AnsweredLine& line) {
+        reportAnswer(line);
+        if (!line.answer.refused) return true;
+        isSomeRefused_ = true;
+        return options_.keepsGoing;
     }
     void line(std::string_view text) override { out_.line(text); }
     void followIs(bool follows) override {
@@ -155,29 +209,15 @@ private:
         return false;
     }
     void printResults() {
-        std::string text;
-        if (options_.output != OutputFormat::none) {
-            writeResult(text);
-            out_.line(text);
-        }
+        const Terminal terminal = terminalOn(STDOUT_FILENO);
+        if (options_.output != OutputFormat::none)
+            out_.line(resultText(options_.output, database_, terminal));
         if (options_.showsMachines) {
-            text = machineTree(database_, host_.mounters());
-            if (!text.empty()) out_.line(text);
+            const std::string tree = machineTree(database_, host_.mounters());
+            if (!tree.empty()) out_.line(tree);
         }
         if (options_.explained)
-            out_.line(explanationText(Explainer(database_).explain(*options_.explained),
-                                      terminalOn(STDOUT_FILENO)));
-    }
-    void writeResult(std::string& text) const {
-        JsonWriter writer(text, JsonWriter::Style::indented);
-        const auto state =
-            Vex::entityCast<QosOc::State::ClassifiersDir>(database_.stateTree().root);
-        if (options_.output == OutputFormat::entities)
-            writeDatabase(writer, database_);
-        else if (options_.output == OutputFormat::openconfig)
-            writeOpenConfigState(writer, *state);
-        else
-            text = stateTable(*state, terminalOn(STDOUT_FILENO));
+            out_.line(explanationText(Explainer(database_).explain(*options_.explained), terminal));
     }
     int endStatus() const {
         // A reader of followed changes who has seen enough goes away: that is no fault.
@@ -187,11 +227,15 @@ private:
     }
 
     const Options& options_;
+    std::function<void()> reopenTraces_;
     Output out_;
     Database database_;
     Configuration configuration_;
     Feed feed_{database_};
     PluginHost host_;
+    Operations operations_{database_, configuration_, host_};
+    std::optional<Record> record_;
+    std::optional<RequestApplier> applier_{std::in_place, operations_, feed_, nullptr};
     std::optional<Follower> follower_;
     bool isSomeRefused_ = false;
 };
@@ -207,12 +251,11 @@ int check(const Options& options) {
     return isGood ? kAllApplied : kUnusable;
 }
 
-/// Whether writing to the file would destroy something that is read.
-bool isAlsoRead(const std::string& file, const Options& options) {
-    const auto isFile = [&](const std::string& read) { return isSameFile(file, read); };
-    return std::ranges::any_of(options.documents, isFile) ||
-           std::ranges::any_of(options.streams, isFile) || isFile(options.pluginFile) ||
-           isFile(options.toggleFolder + '/' + kToggleFile);
+/// After a log's old file was moved away.
+void reopen(std::optional<File>& file, const std::string& name) {
+    if (!file) return;
+    if (const int error = file->reopen(File::toAppend(name, 0666)); error != 0)
+        report(refusal(name, std::strerror(error)));
 }
 
 }  // namespace
@@ -231,7 +274,7 @@ int run(const Options& options) {
     const TraceOutput traces(traceFile ? traceFile->fd() : STDERR_FILENO);
     for (const TraceSetting& setting : options.traces)
         Vex::traceLevelsIs(setting.handle, setting.level + 1);
-    const int status = AgentRun(options).run();
+    const int status = AgentRun(options, [&] { reopen(traceFile, options.traceFile); }).run();
     if (!traceFile || traces.fault().empty()) return status;
     report(refusal(options.traceFile, traces.fault()));
     return kUnusable;
@@ -242,7 +285,8 @@ int runProgram(int argc, const char* const* argv) {
         const auto options = parseOptions(argc, argv);
         if (const auto* ended = std::get_if<ExitStatus>(&options)) return ended->status;
         const auto& asked = std::get<Options>(options);
-        return asked.checksOnly ? check(asked) : run(asked);
+        if (asked.checksOnly) return check(asked);
+        return asked.service.connect.empty() ? run(asked) : runClient(asked);
     } catch (const std::bad_alloc&) {
         // Composing a line would need memory.
         constexpr std::string_view line = "qos-agent: out of memory\n";

@@ -29,14 +29,19 @@ _qos_agent() {
             _qos_agent_files "$word" .so ;;
         --toggle-dir | --toggle-dir=)
             _qos_agent_files "$word" ;;
-        --trace-file | --trace-file=)
+        --trace-file | --trace-file= | --record | --record= | --listen | --listen= | \
+            --connect | --connect= | --tls-cert | --tls-cert= | --tls-key | --tls-key= | \
+            --tls-client-ca | --tls-client-ca=)
             _qos_agent_files "$word" '' ;;
-        --trace | --trace= | --explain | --explain=) ;;
+        --trace | --trace= | --explain | --explain= | --gnmi | --gnmi= | --gnmi-writers | \
+            --gnmi-writers= | --http | --http= | --store | --store=) ;;
         *)
             if [[ $word == -* ]]; then
                 mapfile -t COMPREPLY < <(compgen -W '--plugin --toggle-dir --output --follow
-                    --machines --explain --trace --trace-file --keep-going --strict --check
-                    --help --version' -- "$word")
+                    --machines --explain --trace --trace-file --keep-going --strict --check --record
+                    --listen --connect --gnmi --tls-cert --tls-key --tls-client-ca --gnmi-insecure
+                    --gnmi-writers --http --http-open --store --apply-documents --help
+                    --version' -- "$word")
             else
                 _qos_agent_files "$word" .json .jsonl
             fi ;;

@@ -12,13 +12,16 @@ std::string Change::valueJson() const {
     return text;
 }
 
-const std::string& Change::line() const {
-    if (!line_.empty()) return line_;
-    JsonWriter writer(line_);
+const ChangeLinePtr& Change::shared() const {
+    if (shared_) return shared_;
+    ChangeLine line{path_, {}, isDelete()};
+    JsonWriter writer(line.text);
     writer.beginObject().key(isDelete() ? "delete" : "update").text(path_);
     if (!isDelete()) writeValue(writer.key("value"), *type_, *value_);
     writer.endObject();
-    return line_;
+    line.text += '\n';
+    shared_ = std::make_shared<const ChangeLine>(std::move(line));
+    return shared_;
 }
 
 }  // namespace QosAgent

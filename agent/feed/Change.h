@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -7,6 +8,14 @@
 #include "platform/Vex/Value.h"
 
 namespace QosAgent {
+
+/// A published change as plain data, shared by all who keep it.
+struct ChangeLine {
+    std::string path;  ///< whole, with the one at which the state tree is mounted
+    std::string text;  ///< a change-stream line, `update` or `delete`, with its line end
+    bool isDelete = false;
+};
+using ChangeLinePtr = std::shared_ptr<const ChangeLine>;
 
 /// One published change of the state tree. Borrows what it names: valid during the notification.
 class Change {
@@ -25,15 +34,20 @@ public:
 
     /// The value as compact JSON. Precondition: no delete.
     std::string valueJson() const;
-    /// The change as a line of a change stream, `update` or `delete`, without a line end. Composed
-    /// once, however many listeners ask.
-    const std::string& line() const;
+    /// The change as a line of a change stream, without a line end. Composed once, however many
+    /// listeners ask.
+    std::string_view line() const {
+        const std::string& text = shared()->text;
+        return std::string_view(text).substr(0, text.size() - 1);
+    }
+    /// The same to keep.
+    const ChangeLinePtr& shared() const;
 
 private:
     const std::string& path_;
     const Vex::Type* type_ = nullptr;
     const Vex::Value* value_ = nullptr;
-    mutable std::string line_;
+    mutable ChangeLinePtr shared_;
 };
 
 /// Is notified of each published change, within the change. Throws nothing.

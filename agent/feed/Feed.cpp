@@ -34,17 +34,24 @@ void Feed::listenerIs(ChangeListener& listener) {
 
 void Feed::listenerDel(ChangeListener& listener) {
     std::erase(listeners_, &listener);
-    if (listeners_.empty() && !keepsState_) watch_.reset();
+    if (listeners_.empty() && stateKeepers_ == 0) watch_.reset();
 }
 
 void Feed::keepState() {
-    if (std::exchange(keepsState_, true)) return;
+    if (stateKeepers_++ > 0) return;
     // The listeners know already what the new watch notifies of.
     const auto listeners = std::exchange(listeners_, {});
     watch_.reset();
     watch_.emplace(subtree_, static_cast<ChangeListener&>(*this), StateWatch::Beginning::notified);
     listeners_ = listeners;
     endRequest();
+}
+
+void Feed::releaseState() {
+    if (--stateKeepers_ > 0) return;
+    state_ = {};
+    collector_ = {};
+    if (listeners_.empty()) watch_.reset();
 }
 
 void Feed::watch() {
@@ -58,7 +65,7 @@ std::string_view Feed::below(const Change& change) const {
 void Feed::changed(const Change& change) {
     for (ChangeListener* listener : listeners_)
         listener->changed(change);
-    if (keepsState_) record(change);
+    if (stateKeepers_ > 0) record(change);
 }
 
 void Feed::record(const Change& change) {
@@ -73,7 +80,7 @@ void Feed::record(const Change& change) {
 }
 
 void Feed::endRequest() {
-    if (!keepsState_) return;
+    if (stateKeepers_ == 0) return;
     ChangeSetPtr changes;
     std::vector<std::shared_ptr<Mailbox>> readers;
     {

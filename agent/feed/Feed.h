@@ -30,8 +30,10 @@ public:
     /// Neither function may be called within a change.
     void listenerIs(ChangeListener& listener);
     void listenerDel(ChangeListener& listener);
-    /// From now on keeps the state as an immutable map, which snapshots and subscriptions need.
+    /// Keeps the state as an immutable map, which snapshots and subscriptions need, until
+    /// `releaseState` has been called as often.
     void keepState();
+    void releaseState();
     /// The state as it is now; empty unless it is kept. During the notification of a change, the
     /// state before that change.
     const StateMap& state() const { return state_; }
@@ -55,7 +57,7 @@ private:
 
     const Subtree& subtree_;
     std::vector<ChangeListener*> listeners_;
-    bool keepsState_ = false;
+    unsigned stateKeepers_ = 0;
     StateMap state_;
     ChangeCollector collector_;
     std::optional<StateWatch> watch_;

@@ -32,6 +32,15 @@ File File::toReadLater(const std::string& name) {
     return file;
 }
 
+File File::toAppend(const std::string& name, unsigned mode) {
+    return File(::open(name.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, mode));
+}
+
+int File::reopen(const File& other) {
+    if (other.error() != 0) return other.error();
+    return ::dup3(other.fd(), fd_, O_CLOEXEC) < 0 ? errno : 0;
+}
+
 File File::toWrite(const std::string& name) {
     return File(::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666));
 }

@@ -14,10 +14,15 @@ public:
     /// The same for a file that is read as it grows. Does not wait for the first writer of a named
     /// pipe: the caller must wait until the file is readable before it reads.
     static File toReadLater(const std::string& name);
+    /// Opens for writing at the end, created with `mode` if absent.
+    static File toAppend(const std::string& name, unsigned mode);
     /// Opens for writing, empty and made if absent.
     static File toWrite(const std::string& name);
     File(File&& other) noexcept;
     File& operator=(File&&) = delete;
+    /// Takes over what `other` has opened, under the same descriptor. Returns 0, or `errno` where
+    /// `other` is not open: this file stays open then.
+    int reopen(const File& other);
     ~File();
 
     /// Not negative if it is open.

@@ -9,6 +9,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kPluginName = "libQosOpenConfig.so";
+constexpr const char* kLibraryFolder = "lib/qos-agent";
 constexpr const char* kToggleFolder = "etc/qos-agent";
 
 fs::path programFolder() {
@@ -29,7 +30,13 @@ bool isThere(const fs::path& path) {
 
 std::string defaultPluginFile() {
     const fs::path beside = programFolder() / kPluginName;
-    return isThere(beside) ? beside : installFolder() / "lib" / "qos-agent" / kPluginName;
+    return isThere(beside) ? beside : installFolder() / kLibraryFolder / kPluginName;
+}
+
+std::string installedLibrary(const std::string& name) {
+    for (const fs::path& folder : {programFolder(), installFolder() / kLibraryFolder})
+        if (const fs::path file = folder / name; isThere(file)) return file;
+    return {};
 }
 
 std::string defaultToggleFolder() {

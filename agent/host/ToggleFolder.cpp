@@ -12,6 +12,8 @@ namespace {
 
 using Toggles = ToggleFolder::Toggles;
 
+constexpr std::size_t kMostBytes = std::size_t{1} << 20;
+
 std::variant<Toggles, Fault> togglesIn(const JsonValue& json) {
     if (!json.is(JsonKind::object))
         return Fault{json.offset(), unexpected("an object", json.kind())};
@@ -30,8 +32,8 @@ std::variant<Toggles, Diagnostic> ToggleFolder::read(std::string_view file) cons
     if (folder_.empty()) return Toggles{};
     const std::string name = nameOf(file);
     if (isSpecialFile(name)) return refusal(name, kSpecialFile);
-    const Limits limits;
-    const FileText read = readFile(name, limits.lineBytes);
+    const Limits limits{.lineBytes = kMostBytes};
+    const FileText read = readFile(name, kMostBytes);
     if (read.error == ENOENT || read.error == ENOTDIR) return Toggles{};
     if (read.error != 0) return refusal(name, std::strerror(read.error));
     const JsonResult json = parseJsonLine(read.text, limits);

@@ -12,7 +12,7 @@ namespace QosAgent {
 /// The largest inputs that are accepted; one more of any is refused.
 struct Limits {
     std::size_t documentBytes = std::size_t{256} << 20;  ///< at most 4 GiB - 1 has an effect
-    std::size_t lineBytes = std::size_t{1} << 20;        ///< a line of a change stream
+    std::size_t lineBytes = std::size_t{256} << 20;      ///< a line of a change stream
     std::size_t depth = 64;                              ///< arrays and objects in one another
     std::size_t textBytes = std::size_t{64} << 10;       ///< a key or string, decoded
 };

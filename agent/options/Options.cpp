@@ -14,6 +14,7 @@
 #include "agent/json/Excerpt.h"
 #include "agent/json/Suggestion.h"
 #include "agent/options/ExitCodes.h"
+#include "agent/options/ServiceArguments.h"
 #include "agent/output/Diagnostics.h"
 #include "agent/output/Output.h"
 
@@ -202,8 +203,9 @@ void checkInputs(const std::vector<std::string>& inputs) {
             throw CLI::ValidationError("INPUT", fault);
 }
 
-OutputFormat formatFrom(const std::string& text) {
+OutputFormat formatFrom(const std::string& text, bool isService) {
     if (!text.empty()) return kFormats.at(text);
+    if (isService) return OutputFormat::none;
     return ::isatty(STDOUT_FILENO) != 0 ? OutputFormat::table : OutputFormat::openconfig;
 }
 
@@ -219,7 +221,7 @@ void complete(Options& options, const Given& given) {
         options.traces.push_back(*traceFrom(trace));
     options.pluginFile = given.plugin.empty() ? defaultPluginFile() : given.plugin;
     options.toggleFolder = given.toggleFolder.empty() ? defaultToggleFolder() : given.toggleFolder;
-    options.output = formatFrom(given.format);
+    options.output = formatFrom(given.format, options.service.isService());
     options.follows = !given.followForm.empty();
     if (options.follows) options.followForm = followFormFrom(given.followForm);
     if (!given.explained.empty())
@@ -242,7 +244,9 @@ std::string wrongCount(const CLI::App& app, const std::string& name) {
     if (!name.starts_with("--")) return excerpt("--" + name) + " takes no value";
     const CLI::Option* option = app.get_option(name);
     if (option->results().size() > 1) return excerpt(name) + " is given more than once";
-    return excerpt(name) + " needs a " + option->get_type_name();
+    const std::string value = option->get_type_name();
+    const bool beginsWithVowel = std::string_view("AEIOU").find(value.front()) != std::string::npos;
+    return excerpt(name) + (beginsWithVowel ? " needs an " : " needs a ") + value;
 }
 
 /// The library begins its accounts with the option's name.
@@ -273,9 +277,13 @@ std::variant<Options, ExitStatus> parseOptions(int argc, const char* const* argv
     Given given;
     Options options;
     describe(app, given, options);
+    ServiceArguments service(app, options.service);
     try {
         app.parse(argc, argv);
         checkInputs(given.inputs);
+        service.complete();
+        if (!options.service.connect.empty() && !std::ranges::all_of(given.inputs, isStream))
+            throw CLI::ValidationError("--connect", "takes change streams, and no documents");
         if (options.checksOnly && std::ranges::all_of(given.inputs, isStream))
             throw CLI::ValidationError("--check", "no document is given");
     } catch (const CLI::ParseError& answer) {

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "agent/explain/Question.h"
+#include "agent/options/OutputFormat.h"
+#include "agent/options/ServiceOptions.h"
 #include "agent/output/FollowOutput.h"
 
 namespace QosAgent {
@@ -16,8 +18,6 @@ struct TraceSetting {
     unsigned level;
     friend bool operator==(const TraceSetting&, const TraceSetting&) = default;
 };
-
-enum class OutputFormat { table, openconfig, entities, none };
 
 /// What the command line asks for.
 struct Options {
@@ -35,6 +35,7 @@ struct Options {
     bool keepsGoing = false;
     bool isStrict = false;  ///< what would be warned of is refused
     bool checksOnly = false;
+    ServiceOptions service;
 };
 
 /// The command line was answered already, or refused: the program ends with this status.

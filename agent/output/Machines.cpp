@@ -2,6 +2,7 @@
 
 #include "agent/database/Printer.h"
 #include "agent/json/Visible.h"
+#include "agent/output/MachineText.h"
 #include "agent/output/MachineWalk.h"
 
 namespace QosAgent {
@@ -57,43 +58,32 @@ private:
 
 class TreeSink : public MachineSink {
 public:
-    explicit TreeSink(std::string& out) : out_(out) {}
+    explicit TreeSink(MachineText& tree) : tree_(tree) {}
 
     void beginMachine(std::string_view label, std::string_view type, const Text& key) override {
-        begin(label).append(type);
-        appendName(key);
-        ++depth_;
+        tree_.beginMachine(label, type, key);
     }
-    void endMachine() override { --depth_; }
-    void beginMembers(std::string_view label) override {
-        begin(label);
-        out_.pop_back();  // the space after the label
-        ++depth_;
-    }
-    void endMembers() override { --depth_; }
+    void endMachine() override { tree_.end(); }
+    void beginMembers(std::string_view label) override { tree_.beginMembers(label); }
+    void endMembers() override { tree_.end(); }
     void member(const TypedValue& key, const TypedValue& value) override {
-        begin({}).append(json(key)).append(": ").append(json(value));
+        tree_.value({}, json(key) + ": " + json(value));
     }
     void input(std::string_view label, std::string_view type, const Text& name) override {
-        begin(label).append(type);
-        appendName(name);
+        tree_.named(label, type, name);
     }
-    void nothing(std::string_view label) override { begin(label).append("none"); }
+    void nothing(std::string_view label) override { tree_.value(label, "none"); }
     void value(std::string_view label, const TypedValue& value) override {
-        begin(label).append(json(value));
+        const auto* list = std::get_if<Vex::ListValue>(&value.value);
+        if (list == nullptr || !list->items.empty()) {
+            tree_.value(label, json(value));
+            return;
+        }
+        tree_.beginMembers(label);
+        tree_.end();
     }
 
 private:
-    std::string& begin(std::string_view label) {
-        if (!out_.empty()) out_ += '\n';
-        out_.append(2 * depth_, ' ');
-        if (!label.empty()) out_.append(label).append(": ");
-        return out_;
-    }
-    void appendName(const Text& name) {
-        if (!name) return;
-        out_.append(" ").append(visibleName(*name));
-    }
     static std::string json(const TypedValue& value) {
         if (value.value.isAbsent()) return "none";
         std::string text;
@@ -102,8 +92,7 @@ private:
         return visible(text);
     }
 
-    std::string& out_;
-    std::size_t depth_ = 0;
+    MachineText& tree_;
 };
 
 }  // namespace
@@ -116,10 +105,10 @@ void writeMachines(JsonWriter& writer, const Database& database, MachineOwners o
 }
 
 std::string machineTree(const Database& database, MachineOwners owners) {
-    std::string tree;
+    MachineText tree;
     TreeSink sink(tree);
     walkMachines(sink, database, owners);
-    return tree;
+    return tree.text();
 }
 
 }  // namespace QosAgent

@@ -63,6 +63,8 @@ struct Answer {
     /// The request was refused for what it meets, not for what it says: a commit waits for its
     /// confirmation, or none does.
     bool isConflict = false;
+    /// The line itself, if it was refused.
+    std::string line;
     /// A `follow` line asked to begin (true) or end (false) following on its stream.
     std::optional<bool> follows;
 
@@ -75,9 +77,10 @@ public:
 
     virtual ~Service() = default;
 
-    /// Applies the request on the event thread, whole, after those submitted before it. Calls
-    /// `done` there exactly once, when the request is applied or refused. `done` must not wait.
-    /// When the service stops, requests that were not begun are answered as busy.
+    /// Applies the request on the event thread, whole, after those submitted before it. Calls `done`
+    /// there exactly once, when the request is applied or refused. `done` must not wait. A request
+    /// that is not accepted is answered as busy before `submit` returns, on the calling thread; one
+    /// that was not begun when the service stops is answered as busy, too.
     virtual void submit(Request request, Done done) = 0;
 
     /// The published state as it is after some request, no earlier than the last one answered.

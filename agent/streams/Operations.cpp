@@ -47,10 +47,6 @@ constexpr std::string_view kWhats[] = {
     "machines", "table",    "entities",   "differences",
 };
 
-bool isPassedOver(std::string_view line) {
-    return line.starts_with('#') || line.find_first_not_of(" \t\r\n") == std::string_view::npos;
-}
-
 const Verb* verbNamed(std::string_view name) {
     const auto* at = std::find_if(std::begin(Verb::all), std::end(Verb::all),
                                   [name](const Verb& verb) { return verb.name == name; });
@@ -130,6 +126,10 @@ std::string_view fixedFault(const Form& form) {
 }
 
 }  // namespace
+
+bool isPassedOver(std::string_view line) {
+    return line.starts_with('#') || line.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
 
 Operations::Operations(Database& database, Configuration& configuration, PluginHost& host)
     : database_(database),

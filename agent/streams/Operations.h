@@ -21,6 +21,9 @@ namespace QosAgent {
 
 struct Verb;
 
+/// Whether the line is no operation: empty, or a comment.
+bool isPassedOver(std::string_view line);
+
 /// Applies the operations of change streams, one JSON object a line. A line is checked whole before
 /// any of it is applied.
 class Operations {

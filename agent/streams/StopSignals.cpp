@@ -1,7 +1,5 @@
 #include "agent/streams/StopSignals.h"
 
-#include <poll.h>
-
 #include <cerrno>
 
 namespace QosAgent {
@@ -37,6 +35,11 @@ bool StopSignals::isStopRequested() const {
 }
 
 bool StopSignals::waitReadable(int fd) const {
+    std::array<pollfd, 1> waited{{{fd, POLLIN, 0}}};
+    return wait(waited);
+}
+
+bool StopSignals::wait(std::span<pollfd> descriptors) const {
     sigset_t blocked;
     sigset_t before;
     sigemptyset(&blocked);
@@ -44,8 +47,9 @@ bool StopSignals::waitReadable(int fd) const {
         sigaddset(&blocked, signal);
     // Blocked between the question and the wait: a signal then ends the wait, not falls between.
     ::sigprocmask(SIG_BLOCK, &blocked, &before);
-    pollfd waited{fd, POLLIN, 0};
-    while (!isStopRequested() && ::ppoll(&waited, 1, nullptr, &before) < 0 && errno == EINTR) {
+    while (!isStopRequested() &&
+           ::ppoll(descriptors.data(), descriptors.size(), nullptr, &before) < 0 &&
+           errno == EINTR) {
         // Another signal: a read now could take a pipe without writers for one that has ended.
     }
     ::sigprocmask(SIG_SETMASK, &before, nullptr);

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <poll.h>
+
 #include <array>
 #include <csignal>
+#include <span>
 
 namespace QosAgent {
 
@@ -15,6 +18,9 @@ public:
     StopSignals& operator=(const StopSignals&) = delete;
 
     bool isStopRequested() const;
+    /// Waits until one of the descriptors is ready; passes over negative ones. False when asked to
+    /// stop, before or meanwhile.
+    bool wait(std::span<pollfd> descriptors) const;
     /// Waits until a read of the file would not block. False when asked to stop, before or
     /// meanwhile.
     bool waitReadable(int fd) const;

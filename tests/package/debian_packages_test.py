@@ -231,7 +231,9 @@ class DebianPackagesTest(unittest.TestCase):
             os.mkfifo(pipe)
             # As systemd opens it: a writer that goes away is not the end.
             with open(os.open(pipe, os.O_RDWR), "rb") as stream, subprocess.Popen(
-                    [self.root / "usr" / command[0], *command[1:]], stdin=stream,
+                    [self.root / "usr" / command[0],
+                     *(part.replace("/run/qos-agent/service", folder) for part in command[1:])],
+                    stdin=stream,
                     stdout=subprocess.PIPE, text=True, env=self.environment) as service:
                 for name in ("voice", "video"):
                     pipe.write_text(f'{{"update": "{CMAPS}/{name}/match/matchIpv6AccessGroup",'

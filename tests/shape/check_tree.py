@@ -18,7 +18,15 @@ SERVICES = ("platform/Strata/", "platform/Plugin/", "platform/Agent/")
 # All that a door, which is a library of its own, sees of the program.
 SEEN_BY_DOORS = ("agent/service/Service.h", "agent/service/Door.h", "agent/feed/StateMap.h",
                  "agent/feed/StateValue.h", "agent/feed/Snapshot.h", "agent/feed/ChangeSet.h",
-                 "agent/feed/Subscription.h", "agent/configuration/", "agent/json/")
+                 "agent/feed/Subscription.h", "agent/configuration/", "agent/json/",
+                 "agent/host/SocketPath.h")
+
+# The rooms of the program that know no door, and what they know of loop and service.
+CORE = tuple(f"agent/{room}/" for room in (
+    "configuration", "database", "documents", "explain", "host", "openconfig", "options", "output",
+    "streams", "trace"))
+KNOWN_TO_CORE = ("platform/", *CORE, "agent/json/", "agent/feed/", "agent/loop/Loop.h",
+                 "agent/service/Service.h", "agent/service/Door.h", "agent/service/DoorTable.h")
 
 # A folder of the tree, and the folders besides itself from which it may include. Of folders within
 # each other the inner one stands first.
@@ -38,6 +46,11 @@ MAY_INCLUDE = {
     **{door: SEEN_BY_DOORS for door in ("agent/gnmi/", "agent/http/")},
     "agent/service/Service.h": ("agent/feed/",),
     "agent/service/Door.h": ("agent/service/Service.h",),
+    "agent/service/": KNOWN_TO_CORE,
+    "agent/socket/": ("agent/service/Service.h", "agent/feed/", "agent/host/", "agent/json/",
+                      "agent/loop/Loop.h", "agent/streams/LineBuffer.h"),
+    "agent/connect/": KNOWN_TO_CORE,
+    **{room: KNOWN_TO_CORE for room in CORE},
     "agent/": ("platform/",),
     "tests/support/": ("platform/",),
     "tests/platform/": ("platform/", "tests/support/"),

@@ -38,7 +38,7 @@ Texts outcomeOf(const ChangeSet& changes) {
 
 class Lines : public ChangeListener {
 public:
-    void changed(const Change& change) override { lines.push_back(change.line()); }
+    void changed(const Change& change) override { lines.emplace_back(change.line()); }
     Texts lines;
 };
 

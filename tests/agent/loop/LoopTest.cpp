@@ -1,4 +1,3 @@
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -13,7 +12,7 @@
 #include <vector>
 
 #include "agent/loop/Loop.h"
-#include "agent/loop/LoopModule.h"
+#include "tests/agent/support/LoopLibrary.h"
 #include "tests/agent/support/TemporaryFolder.h"
 
 namespace QosAgent {
@@ -22,18 +21,9 @@ namespace {
 using namespace std::chrono_literals;
 using Texts = std::vector<std::string>;
 
-const LoopModule& module() {
-    static const LoopModule* const opened = [] {
-        void* library = ::dlopen(QOS_LOOP_FILE, RTLD_NOW | RTLD_LOCAL);
-        EXPECT_NE(library, nullptr) << ::dlerror();
-        return reinterpret_cast<const LoopModule* (*)()>(::dlsym(library, kLoopSymbol))();
-    }();
-    return *opened;
-}
-
 class LoopTest : public ::testing::Test {
 protected:
-    LoopTest() : loop(module().make()) { EXPECT_EQ(::pipe2(pipe_, O_CLOEXEC), 0); }
+    LoopTest() : loop(loopModule().make()) { EXPECT_EQ(::pipe2(pipe_, O_CLOEXEC), 0); }
     ~LoopTest() override {
         ::close(pipe_[0]);
         ::close(pipe_[1]);
@@ -55,7 +45,7 @@ private:
 };
 
 TEST_F(LoopTest, isOfTheVersionThatTheProgramExpects) {
-    EXPECT_EQ(module().version, kLoopVersion);
+    EXPECT_EQ(loopModule().version, kLoopVersion);
 }
 
 TEST_F(LoopTest, callsWhenADescriptorIsReady) {

@@ -8,7 +8,7 @@ namespace QosAgent {
 namespace {
 
 constexpr std::size_t kMostDocumentBytes = std::size_t{256} << 20;
-constexpr std::size_t kMostLineBytes = std::size_t{1} << 20;
+constexpr std::size_t kMostLineBytes = std::size_t{256} << 20;
 constexpr std::size_t kMostTextBytes = std::size_t{64} << 10;
 constexpr std::size_t kMostLevels = 64;
 
@@ -43,11 +43,19 @@ TEST_F(BadInputTest, isADocumentOfMoreThan256Mebibytes) {
               (Ended{2, "", document + ":1:1: text longer than 268435456 bytes\n"}));
 }
 
-TEST_F(BadInputTest, isALineOfMoreThanAMebibyte) {
-    const std::string line = echo("a");
-    const std::string most = line + std::string(kMostLineBytes - line.size(), ' ') + '\n';
-    EXPECT_EQ(apply(most + ' ' + most + line),
-              (Ended{1, "# a\n# a\n", "-:2:1: text longer than 1048576 bytes\n"}));
+TEST_F(BadInputTest, isALineOfMoreThan256Mebibytes) {
+    const std::string stream = file("lines.jsonl", "");
+    const auto zeros = [&](std::size_t count) {
+        std::filesystem::resize_file(stream, std::filesystem::file_size(stream) + count);
+        std::ofstream(stream, std::ios::app) << '\n';
+    };
+    zeros(kMostLineBytes + 1);
+    std::ofstream(stream, std::ios::app) << echo("a") << '\n';
+    zeros(kMostLineBytes);
+    EXPECT_EQ(run({"--output", "none", "--keep-going", "--trace-file", path("t"), stream}),
+              (Ended{1, "# a\n",
+                     stream + ":1:1: text longer than 268435456 bytes\n" + stream +
+                         ":3:1: expected a value, found byte 0x00\n"}));
 }
 
 TEST_F(BadInputTest, isATextOfMoreThan64Kibibytes) {

@@ -232,13 +232,6 @@ TEST_F(RunTest, goesOnAfterABadLineWhenAskedTo) {
                      "-:3:11: the root of a subtree cannot be deleted\n"}));
 }
 
-TEST_F(RunTest, refusesALineThatIsTooLong) {
-    const std::string line = "{\"echo\":\"" + std::string(std::size_t{2} << 20, 'x') + "\"}\n";
-    EXPECT_EQ(run({"--output", "none", "--keep-going", "--trace-file", path("t"), "-"},
-                  line + "{\"echo\":\"a\"}\n"),
-              (Ended{1, "# a\n", "-:1:1: text longer than 1048576 bytes\n"}));
-}
-
 TEST_F(RunTest, refusesStreamsThatCannotBeRead) {
     expectRefused({path("none.jsonl")}, path("none.jsonl") + ": No such file or directory");
     std::filesystem::create_directory(path("dir.jsonl"));

@@ -215,10 +215,5 @@ TEST_F(OperationsTest, refusesToRestartWhatIsNotThere) {
     expectRefused(R"({"restart":@{}})", "expected a string, found an object");
 }
 
-TEST_F(OperationsTest, refusesLinesOverTheLimit) {
-    EXPECT_EQ(db.apply(R"({"echo":")" + std::string(std::size_t{1} << 20, 'x') + "\"}"),
-              "1: text longer than 1048576 bytes");
-}
-
 }  // namespace
 }  // namespace QosAgent

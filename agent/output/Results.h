@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+#include "agent/database/Database.h"
+#include "agent/options/OutputFormat.h"
+#include "agent/output/Terminal.h"
+
+namespace QosAgent {
+
+/// What `--output` prints at the end, without the last line end. Precondition: the format is not
+/// `none`.
+std::string resultText(OutputFormat format, const Database& database, const Terminal& terminal);
+
+}  // namespace QosAgent

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <optional>
+
+#include "agent/feed/Feed.h"
+#include "agent/loop/Loop.h"
+#include "agent/service/Service.h"
+
+namespace QosAgent {
+
+/// The service that doors see: requests of any thread wait here in order of arrival and are applied
+/// one by one on the loop's thread, where descriptors get their turn in between.
+class RequestQueue final : public Service {
+public:
+    /// As many requests may wait; one more is answered as busy.
+    static constexpr std::size_t kMostWaiting = 1024;
+    using Apply = std::function<Answer(Request)>;
+
+    /// Loop and feed must outlive the queue.
+    RequestQueue(Loop& loop, Feed& feed, Apply apply)
+        : loop_(loop), feed_(feed), apply_(std::move(apply)) {}
+
+    void submit(Request request, Done done) override;
+    Snapshot snapshot() override { return feed_.snapshot(); }
+    std::unique_ptr<Subscription> subscribe(std::function<void()> wake) override {
+        return feed_.subscribe(std::move(wake));
+    }
+
+    /// Answers requests that were not begun, and all later ones, as busy. Event thread only.
+    void stop();
+
+private:
+    struct Waiting {
+        Request request;
+        Done done;
+    };
+
+    void runSome();
+    std::optional<Waiting> take();
+
+    Loop& loop_;
+    Feed& feed_;
+    Apply apply_;
+    std::mutex mutex_;  ///< guards what follows
+    std::deque<Waiting> waiting_;
+    bool isScheduled_ = false;  ///< `runSome` will be called, or is running
+    bool isStopped_ = false;
+};
+
+}  // namespace QosAgent

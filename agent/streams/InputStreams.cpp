@@ -1,0 +1,72 @@
+#include "agent/streams/InputStreams.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
+
+#include "agent/json/JsonReader.h"
+
+namespace QosAgent {
+namespace {
+
+constexpr std::size_t kPieceBytes = std::size_t{64} << 10;
+
+}  // namespace
+
+InputStreams::InputStreams(std::vector<std::string> names, Loop& loop, Service& service,
+                           Handlers handlers)
+    : names_(std::move(names)), loop_(loop), service_(service), handlers_(std::move(handlers)) {}
+
+void InputStreams::openNext() {
+    close();
+    if (next_ == names_.size()) return;
+    const std::string& name = names_[next_++];
+    file_.emplace(File::toReadLater(name));
+    if (file_->error() != 0) return handlers_.failed(name, file_->error());
+    lines_.emplace(Limits{}.lineBytes, kPieceBytes);
+    isAtEnd_ = false;
+    watch_ = loop_.watch(file_->fd(), true, false, [this] { read(); });
+}
+
+void InputStreams::read() {
+    const auto room = lines_->room();
+    const ssize_t count = ::read(file_->fd(), room.data(), room.size());
+    if (count < 0) {
+        if (errno != EAGAIN && errno != EINTR) handlers_.failed(names_[next_ - 1], errno);
+        return;
+    }
+    isAtEnd_ = count == 0;
+    lines_->filled(static_cast<std::size_t>(count));
+    submitNext();
+}
+
+void InputStreams::submitNext() {
+    if (lines_->next() || (isAtEnd_ && lines_->last())) {
+        // Not watched meanwhile: a file that has ended is ready for ever.
+        watch_.reset();
+        service_.submit({lines_->take(), names_[next_ - 1]},
+                        [this](const Answer& answer) { answered(answer); });
+    } else if (isAtEnd_) {
+        openNext();
+    } else if (!watch_) {
+        watch_ = loop_.watch(file_->fd(), true, false, [this] { read(); });
+    }
+}
+
+void InputStreams::answered(const Answer& answer) {
+    const bool goesOn =
+        handlers_.answered({names_[next_ - 1], file_->isKept(), lines_->number(), answer});
+    if (goesOn && !answer.isBusy)
+        submitNext();
+    else
+        close();
+}
+
+void InputStreams::close() {
+    watch_.reset();
+    lines_.reset();
+    file_.reset();
+}
+
+}  // namespace QosAgent
