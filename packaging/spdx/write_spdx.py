@@ -19,7 +19,7 @@ from pathlib import Path
 HERE = Path(__file__).resolve().parent
 CHANGELOG = HERE.parents[1] / "debian/changelog"
 SELF = "SPDXRef-qos-agent"
-MAY_LACK = ("TEST_DEPENDENCY_OF", "DEV_DEPENDENCY_OF")
+MAY_LACK = ("TEST_DEPENDENCY_OF", "DEV_DEPENDENCY_OF", "OPTIONAL_DEPENDENCY_OF")
 
 
 def installed_version(package):
