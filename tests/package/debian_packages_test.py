@@ -165,7 +165,7 @@ class DebianPackagesTest(unittest.TestCase):
 
     def test_run(self):
         table = self.agent("--output", "table", CONFIGURATION)
-        self.assertRegex(table, r"(?m)^edge-in-4 +IPV4 +voice +dscp 46 +voice$")
+        self.assertRegex(table, r"(?m)^edge-in-4 +IPV4 +voice +dscp 46\(EF\) +voice$")
 
     def test_heed_the_toggles_in_etc(self):
         toggles = self.root / "etc/qos-agent/QosOpenConfig.json"

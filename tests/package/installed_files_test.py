@@ -28,7 +28,7 @@ OWN = "(?:Acl|Agent|Orin|OvSlab|Ovk|Plugin|Qos|QosOc|Strata|Vex)::"
 COUNTERS = "OvSlab::TrackerOf<"
 OFFERS = {
     AGENT: f"(?:{COUNTERS}|{OWN}.*kTypeName$|std::)",
-    PLATFORM: f"(?:{OWN}|std::)",
+    PLATFORM: f"(?:{OWN}|getToggleState[(]|std::)",
     PLUG_IN: COUNTERS,
 }
 # The plug-in's copies are of sizes known when it is compiled, or of none that a compiler knows.
