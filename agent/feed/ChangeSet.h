@@ -27,7 +27,9 @@ struct ChangeSet {
     /// In byte order of their paths.
     std::vector<Update> updates;
 
-    bool isEmpty() const { return deletes.empty() && updates.empty(); }
+    bool isEmpty() const {
+        return deletes.empty() && updates.empty() && before.configuration == after.configuration;
+    }
 };
 
 using ChangeSetPtr = std::shared_ptr<const ChangeSet>;

@@ -86,7 +86,8 @@ void Feed::endRequest() {
     {
         const std::lock_guard lock(mutex_);
         Snapshot next{latest_.sequence + 1,
-                      std::max(latest_.time, std::chrono::system_clock::now()), state_};
+                      std::max(latest_.time, std::chrono::system_clock::now()), state_,
+                      configurationSource_()};
         changes = collector_.take(latest_, next);
         latest_ = std::move(next);
         readers = mailboxes();

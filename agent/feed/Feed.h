@@ -39,6 +39,10 @@ public:
     const StateMap& state() const { return state_; }
     /// The path of a change, below the root of the state tree.
     std::string_view below(const Change& change) const;
+    /// Where snapshots have the configuration from; without a source it is empty in all of them.
+    void configurationSourceIs(std::function<ConfigurationTree()> source) {
+        configurationSource_ = std::move(source);
+    }
     /// A request has been applied: makes its outcome the latest snapshot and tells subscribers.
     void endRequest();
 
@@ -59,6 +63,7 @@ private:
     std::vector<ChangeListener*> listeners_;
     unsigned stateKeepers_ = 0;
     StateMap state_;
+    std::function<ConfigurationTree()> configurationSource_ = [] { return ConfigurationTree(); };
     ChangeCollector collector_;
     std::optional<StateWatch> watch_;
     mutable std::mutex mutex_;  ///< guards what follows

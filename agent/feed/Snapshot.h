@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 
+#include "agent/configuration/ConfigurationTree.h"
 #include "agent/feed/StateMap.h"
 
 namespace QosAgent {
@@ -15,6 +16,8 @@ struct Snapshot {
     /// When the last of them was applied. Never decreases from one snapshot to a later one.
     std::chrono::system_clock::time_point time;
     StateMap state;
+    /// The OpenConfig configuration as it was given.
+    ConfigurationTree configuration = {};
 };
 
 }  // namespace QosAgent

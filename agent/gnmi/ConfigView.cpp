@@ -6,58 +6,48 @@ namespace QosAgent::Gnmi {
 
 namespace {
 
-void write(JsonWriter& writer, std::string& out, const JsonValue& value) {
-    if (value.is(JsonKind::string)) {
-        writer.text(value.text());
-    } else if (value.is(JsonKind::boolean)) {
-        writer.boolean(value.boolean());
-    } else if (value.is(JsonKind::number)) {
-        writer.number(value.plainNumber().value_or(0));
-    } else if (value.is(JsonKind::array)) {
-        writer.beginArray();
-        for (const JsonValue& element : value.elements())
-            write(writer, out, element);
-        writer.endArray();
-    } else {
-        writer.null();
-    }
-}
+using Kind = ConfigurationView::Kind;
 
-bool isNamed(std::string_view member, std::string_view name) {
-    const std::size_t colon = member.find(':');
-    return (colon == std::string_view::npos ? member : member.substr(colon + 1)) == name;
+/// Whether the configuration has a node of the kind that the model asks for. What is malformed in a
+/// part that the agent does not carry is not served.
+bool fits(const ConfigurationView& view, const SchemaNode& node) {
+    switch (node.kind()) {
+        case NodeKind::list:
+            return view.kind() == Kind::list;
+        case NodeKind::container:
+            return view.kind() == Kind::container;
+        case NodeKind::leaf:
+            return view.kind() == Kind::leaf;
+        case NodeKind::leafList:
+            return view.kind() == Kind::leafList;
+    }
+    return false;
 }
 
 }  // namespace
 
 ConfigView ConfigView::child(const SchemaNode& child) const {
-    if (!json_) return {};
-    for (const JsonMember& member : json_->members())
-        if (isNamed(member.key, child.name())) return ConfigView(member.value);
-    return {};
+    if (!view_ || view_->kind() != Kind::container) return {};
+    auto member = view_->member(child.name());
+    return member && fits(*member, child) ? ConfigView(std::move(member)) : ConfigView();
 }
 
-ConfigView ConfigView::entry(const SchemaNode& list, std::string_view key) const {
-    if (!json_) return {};
-    for (const JsonValue& element : json_->elements())
-        if (ConfigView(element).key(list) == key) return ConfigView(element);
-    return {};
+ConfigView ConfigView::entry(std::string_view key) const {
+    return view_ ? ConfigView(view_->entry(key)) : ConfigView();
 }
 
 ConfigView::Entries ConfigView::entries() const {
-    static const JsonNode none{0, 0, 1, JsonKind::array};
-    return Entries(json_ ? json_->elements() : JsonValue(&none, nullptr).elements());
-}
-
-std::string ConfigView::key(const SchemaNode& list) const {
-    const ConfigView leaf = child(*list.child(list.key()));
-    return leaf ? std::string(leaf.json_->text()) : std::string();
+    std::vector<std::string> keys;
+    if (view_)
+        view_->eachEntry(
+            [&](std::string_view key, const ConfigurationView&) { keys.emplace_back(key); });
+    return {*this, std::move(keys)};
 }
 
 std::string ConfigView::json() const {
     std::string text;
     JsonWriter writer(text);
-    write(writer, text, *json_);
+    view_->write(writer);
     return text;
 }
 

@@ -1,54 +1,57 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "agent/configuration/ConfigurationTree.h"
 #include "agent/gnmi/Schema.h"
-#include "agent/json/Json.h"
 
 namespace QosAgent::Gnmi {
 
-/// A node of the configuration, or none. Borrows: the configuration must outlive it.
+/// A node of the configuration as the served model has it, or none. Keeps what it shows alive.
 class ConfigView {
 public:
     class Entries;
 
     /// No node.
     ConfigView() = default;
-    explicit ConfigView(const JsonValue& json) : json_(json) {}
+    explicit ConfigView(std::optional<ConfigurationView> view) : view_(std::move(view)) {}
 
-    explicit operator bool() const { return json_.has_value(); }
+    explicit operator bool() const { return view_.has_value(); }
     /// The member that stands for a child in the model; none if it is absent.
     ConfigView child(const SchemaNode& child) const;
     /// The entry of a list with that key; none if it is absent.
-    ConfigView entry(const SchemaNode& list, std::string_view key) const;
+    ConfigView entry(std::string_view key) const;
     /// The entries of a list, in the order given.
     Entries entries() const;
-    /// The key of this entry of `list`.
-    std::string key(const SchemaNode& list) const;
     /// The value of a leaf or leaf-list as RFC 7951 JSON.
     std::string json() const;
 
 private:
-    std::optional<JsonValue> json_;
+    std::optional<ConfigurationView> view_;
 };
 
 /// Goes through the entries of a list.
 class ConfigView::Entries {
 public:
-    explicit Entries(const JsonRange<JsonValue>& range) : at_(range.begin()), end_(range.end()) {}
+    Entries(ConfigView list, std::vector<std::string> keys)
+        : list_(std::move(list)), keys_(std::move(keys)) {}
 
-    bool isAtEnd() const { return at_ == end_; }
-    ConfigView operator*() const { return ConfigView(*at_); }
+    bool isAtEnd() const { return at_ == keys_.size(); }
+    const std::string& key() const { return keys_[at_]; }
+    ConfigView operator*() const { return list_.entry(key()); }
     Entries& operator++() {
         ++at_;
         return *this;
     }
 
 private:
-    JsonIterator<JsonValue> at_;
-    JsonIterator<JsonValue> end_;
+    ConfigView list_;
+    std::vector<std::string> keys_;
+    std::size_t at_ = 0;
 };
 
 }  // namespace QosAgent::Gnmi

@@ -2,20 +2,27 @@
 
 #include <algorithm>
 
+#include "agent/configuration/ConfigurationTree.h"
+
 namespace QosAgent::Gnmi {
 
 namespace {
 
 /// Nothing above an entry of a list directly below `qos` is ever deleted as a whole.
 bool isHighest(const SchemaNode& node) {
-    return node.depth() <= 1 || (node.isList() && node.depth() == 3);
+    return node.isList() && node.depth() == 3;
+}
+
+/// Whether the node is above such entries, if it has any below it.
+bool isAboveEntries(const SchemaNode& node) {
+    return node.depth() < 3 && !node.isLeaf();
 }
 
 /// The highest node that holds nothing any more and has `gone` at or below it; not above `limit`.
 DataPath highestEmpty(const Tree& after, DataPath gone, const SchemaNode& limit) {
     while (gone.node != &limit && !isHighest(*gone.node)) {
         DataPath parent = gone.parent();
-        if (after.holds(parent)) break;
+        if (parent.node->depth() <= 1 || after.holds(parent)) break;
         gone = std::move(parent);
     }
     return gone;
@@ -28,7 +35,7 @@ public:
 
     void compareSubtree(const DataPath& node) {
         if (isDeleted(node)) return;
-        if (!after_.holds(node)) {
+        if (!isAboveEntries(*node.node) && !after_.holds(node)) {
             if (before_.holds(node)) addDelete(highestEmpty(after_, node, schemaRoot()));
             return;
         }
@@ -38,7 +45,7 @@ public:
 
     void compareEntry(const DataPath& entry) {
         if (isDeleted(entry) || !seen_.insert(entry).second) return;
-        if (!after_.holds(entry)) {
+        if (entry.node->isList() && !after_.holds(entry)) {
             if (before_.holds(entry)) addDelete(highestEmpty(after_, entry, schemaRoot()));
             return;
         }
@@ -113,6 +120,19 @@ bool wasMeant(const DataPath& node, const Query& query, const Tree& before) {
     return false;
 }
 
+/// The node of the served model for a path of the configuration: the nearest above it where the
+/// model has no such node.
+DataPath dataPathOf(const ModelPath& path) {
+    DataPath found{&schemaRoot(), {}};
+    for (const QosAgent::PathElement& element : path) {
+        const SchemaNode* child = found.node->child(element.name);
+        if (child == nullptr || (child->isList() && element.keys.empty())) break;
+        found.node = child;
+        if (child->isList()) found.keys.push_back(element.keys.front().value);
+    }
+    return found;
+}
+
 }  // namespace
 
 DataPath entryOf(const DataPath& node) {
@@ -131,6 +151,10 @@ void addTouched(Touched& touched, const ChangeSet& changes) {
     }
     for (const ChangeSet::Update& update : changes.updates)
         touched.entries.insert(entryOfStatePath(update.path));
+    eachDifference(changes.before.configuration, changes.after.configuration,
+                   [&](const ModelPath& path, const auto&, const auto&) {
+                       touched.subtrees.insert(dataPathOf(path));
+                   });
 }
 
 std::vector<Notice> difference(const Tree& before, const Tree& after, const Touched& touched) {

@@ -72,7 +72,7 @@ ConfigView Tree::configOf(const DataPath& node) const {
     auto key = node.keys.begin();
     for (const SchemaNode* step : node.node->chain()) {
         view = view.child(*step);
-        if (step->isList()) view = view.entry(*step, *key++);
+        if (step->isList()) view = view.entry(*key++);
     }
     return view;
 }

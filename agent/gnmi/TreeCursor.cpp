@@ -121,19 +121,20 @@ bool TreeCursor::nextEntry() {
     if (frame.exact) {
         while (frame.next < frame.exact->size()) {
             const std::string key((*frame.exact)[frame.next++]);
-            if (visitEntry(key, frame.config.entry(list, key))) return true;
+            if (visitEntry(key, frame.config.entry(key))) return true;
         }
     } else {
         while (!frame.entries->isAtEnd()) {
+            const std::string key = frame.entries->key();
             const ConfigView entry = **frame.entries;
             ++*frame.entries;
-            if (visitEntry(entry.key(list), entry)) return true;
+            if (visitEntry(key, entry)) return true;
         }
         const std::vector<std::string> around(keys_.begin(), keys_.end() - 1);
         while (auto key = tree_.state.nextKey(list, around,
                                               frame.lastOfState ? &*frame.lastOfState : nullptr)) {
             frame.lastOfState = key;
-            if (!frame.config.entry(list, *key) && visitEntry(*key, {})) return true;
+            if (!frame.config.entry(*key) && visitEntry(*key, {})) return true;
         }
     }
     keys_.pop_back();

@@ -41,7 +41,7 @@ MAY_INCLUDE = {
     "agent/loop/": (),
     "agent/json/": ("platform/Vex/Escape.h",),
     "agent/configuration/": ("agent/json/",),
-    "agent/feed/": ("platform/", "agent/database/", "agent/json/"),
+    "agent/feed/": ("platform/", "agent/database/", "agent/configuration/", "agent/json/"),
     "agent/explain/": ("platform/", "agent/openconfig/", "agent/database/", "agent/json/"),
     **{door: SEEN_BY_DOORS for door in ("agent/gnmi/", "agent/http/")},
     "agent/service/Service.h": ("agent/feed/",),

@@ -111,6 +111,38 @@ TEST(DifferenceTest, tellsWhatWasRemovedAndCreatedAgainAsItsOutcome) {
                             std::string(kTerm) + "/conditions/ipv4/state/dscp=47"));
 }
 
+/// The lines of a difference between two configurations.
+Lines configurationChanges(const std::string& before, const std::string& after) {
+    const auto earlier = TreeBuilder().configuration(before);
+    const auto later = TreeBuilder().at(7).configuration(after);
+    ChangeSet set;
+    set.before.configuration = earlier.configuration();
+    set.after.configuration = later.configuration();
+    return changes(earlier, later, set);
+}
+
+std::string queues(const std::string& list) {
+    return R"({"openconfig-qos:qos": {"queues": {"queue": [)" + list + "]}}}";
+}
+
+TEST(DifferenceTest, tellsWhatChangesInTheConfiguration) {
+    const std::string one = R"({"name": "a", "config": {"name": "a", "queue-id": 1}})";
+    const std::string two = R"({"name": "a", "config": {"name": "a", "queue-id": 2}})";
+    const std::string other = R"({"name": "b", "config": {"name": "b"}})";
+    EXPECT_THAT(configurationChanges(queues(one), queues(two)),
+                ElementsAre("@7", "/qos/queues/queue[name=a]/config/queue-id=2"));
+    EXPECT_THAT(configurationChanges(queues(one), queues(one + "," + other)),
+                ElementsAre("@7", "/qos/queues/queue[name=b]/config/name=\"b\""));
+    EXPECT_THAT(configurationChanges(queues(one + "," + other), queues(one)),
+                ElementsAre("@7", "-/qos/queues/queue[name=b]"));
+    EXPECT_THAT(configurationChanges(queues(one), "{}"),
+                ElementsAre("@7", "-/qos/queues/queue[name=a]"));
+    EXPECT_THAT(configurationChanges(queues(one), queues(one)), IsEmpty());
+    EXPECT_THAT(configurationChanges(
+                    R"({"qos": {"packet-trim": {"config": {"symmetric-dscp": 1}}}})", "{}"),
+                ElementsAre("@7", "-/qos/packet-trim"));
+}
+
 TEST(DifferenceTest, isFilteredByWhatAStreamAsksFor) {
     const auto before = TreeBuilder().classifier("c").term("c", term("t", 46)).build();
     const Notice notice{

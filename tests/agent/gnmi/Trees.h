@@ -49,7 +49,8 @@ public:
         return *this;
     }
     TreeBuilder& configuration(const std::string& json) {
-        configuration_ = std::make_shared<Json>(std::get<Json>(parseJson(json)));
+        const auto tree = std::make_shared<const Json>(std::get<Json>(parseJson(json)));
+        configuration_ = ConfigurationTree::of(tree, tree->root(), 0);
         return *this;
     }
     TreeBuilder& classifier(const std::string& name, const std::string& type = "IPV4") {
@@ -72,13 +73,10 @@ public:
         return *this;
     }
     const StateMap& state() const { return state_; }
+    const ConfigurationTree& configuration() const { return configuration_; }
     TreePtr build() const {
-        Tree tree{timestamp_, {}, StateSource(state_)};
-        if (configuration_ != nullptr) tree.config = ConfigView(configuration_->root());
-        // The configuration has to live as long as the tree.
-        const auto kept = std::make_shared<std::pair<std::shared_ptr<Json>, Tree>>(configuration_,
-                                                                                   std::move(tree));
-        return {kept, &kept->second};
+        return std::make_shared<const Tree>(
+            Tree{timestamp_, ConfigView(configuration_.view()), StateSource(state_)});
     }
 
 private:
@@ -87,7 +85,7 @@ private:
     }
 
     std::int64_t timestamp_ = 0;
-    std::shared_ptr<Json> configuration_;
+    ConfigurationTree configuration_;
     StateMap state_;
 };
 
