@@ -154,6 +154,7 @@ private:
     }
     /// False when the program cannot go on.
     bool serve() {
+        feed_.configurationSourceIs([this] { return configuration_.tree(); });
         return ServiceRun(options_, *applier_, feed_,
                           {[this](const AnsweredLine& line) { return print(line); },
                            [this] { reopenFiles(); }})

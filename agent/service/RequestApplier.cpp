@@ -25,7 +25,7 @@ public:
 Answer RequestApplier::apply(std::string_view line, std::string_view door, StreamOutput& output) {
     Answer answer;
     if (const auto fault = operations_.apply(line, output))
-        answer.refused = Remark{fault->offset + 1, fault->message};
+        answer.refused = Remark{fault->offset + 1, fault->message, operations_.refusedEdit()};
     else if (record_ != nullptr && operations_.mayChange())
         record_->append(line, door);
     for (Warning& warning : operations_.takeWarnings())
