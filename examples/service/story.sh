@@ -4,7 +4,8 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
+pid=
+trap '[ -z "$pid" ] || kill "$pid" || true; rm -rf "$folder"' EXIT
 socket=$folder/agent.socket
 
 exec {service}< <(exec qos-agent --listen "$socket" --record "$folder/record.jsonl" \
@@ -39,6 +40,7 @@ with socket.socket(socket.AF_UNIX) as agent:
 
 kill "$pid"
 wait "$pid"
+pid=
 echo "== the record, replayed over the same document"
 sed 's/^# .* /# TIME /' "$folder/record.jsonl"
 qos-agent --output table configuration.json "$folder/record.jsonl"
