@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Configures a classifier by gNMI, watches its state, and prints both.
+"""Configures a classifier by gNMI Set, watches its state by Subscribe, and prints both.
 
     watch.py ADDRESS
 """
@@ -41,51 +41,61 @@ def text(message):
 
 
 EDGE = ("classifier", "name", "edge")
+GROUP = ("forwarding-group", "name", "EF")
 
 
-def document(dscp):
-    return json.dumps({
-        "name": "edge", "config": {"name": "edge", "type": "IPV4"},
-        "terms": {"term": [{"id": "voice", "config": {"id": "voice"},
-                            "conditions": {"ipv4": {"config": {"dscp": dscp}}}}]}})
+def classifier(dscp):
+    """A classifier with one term, which sends packets of this DSCP to the forwarding group."""
+    return {"name": "edge", "config": {"name": "edge", "type": "IPV4"},
+            "terms": {"term": [{"id": "voice", "config": {"id": "voice"},
+                                "conditions": {"ipv4": {"config": {"dscp": dscp}}},
+                                "actions": {"config": {"target-group": "EF"}}}]}}
+
+
+def update(node, *elements):
+    value = gnmi.TypedValue(json_ietf_val=json.dumps(node).encode())
+    return gnmi.Update(path=path("qos", *elements), val=value)
 
 
 def configure(stub, dscp):
-    print("set", dscp)
-    value = gnmi.TypedValue(json_ietf_val=document(dscp).encode())
-    stub.Set(gnmi.SetRequest(replace=[gnmi.Update(path=path("qos", "classifiers", EDGE), val=value)]))
+    print(f"Set: classifier edge, term voice, dscp {dscp}, target group EF")
+    stub.Set(gnmi.SetRequest(
+        update=[update({"name": "EF", "config": {"name": "EF"}}, "forwarding-groups", GROUP)],
+        replace=[update(classifier(dscp), "classifiers", EDGE)]))
+
+
+def remove(stub):
+    print("Set: no classifier edge")
+    stub.Set(gnmi.SetRequest(delete=[path("qos", "classifiers", EDGE)]))
 
 
 def watch(stub):
-    """Yields None for the end of the first values, and lines about what changed."""
-    state = gnmi.Subscription(path=path("qos", "classifiers", EDGE, "terms", "term", "..."))
+    """Yields the lines to print for each notification; None where the first values end."""
+    state = gnmi.Subscription(path=path("qos", "classifiers", EDGE, "terms", "term", "...", "state"))
     request = gnmi.SubscribeRequest(subscribe=gnmi.SubscriptionList(
         subscription=[state], encoding="PROTO"))
     for response in stub.Subscribe(iter([request])):
         if response.sync_response:
             yield None
-        for gone in response.update.delete:
-            yield f"delete {text(gone)}"
-        for update in response.update.update:
-            if any(element.name == "state" for element in update.path.elem):
-                value = getattr(update.val, update.val.WhichOneof("value"))
-                yield f"update {text(update.path)} {value}"
+            continue
+        lines = [f"  delete {text(gone)}" for gone in response.update.delete]
+        for changed in response.update.update:
+            value = getattr(changed.val, changed.val.WhichOneof("value"))
+            lines.append(f"  update {text(changed.path)} = {value}")
+        yield lines
 
 
 def main(address):
     stub = gnmi_pb2_grpc.gNMIStub(grpc.insecure_channel(address))
-    changes = watch(stub)
-    while next(changes) is not None:
+    notifications = watch(stub)
+    while next(notifications) is not None:
         pass
-    for dscp in (46, 40):
-        configure(stub, dscp)
-        for change in changes:
-            print(change)
-            if change.endswith(f"dscp {dscp}"):
-                break
-    print("set nothing")
-    stub.Set(gnmi.SetRequest(delete=[path("qos", "classifiers", EDGE)]))
-    print(next(changes))
+    configure(stub, 46)
+    print(*next(notifications), sep="\n")
+    configure(stub, 40)
+    print(*next(notifications), sep="\n")
+    remove(stub)
+    print(*next(notifications), sep="\n")
 
 
 main(sys.argv[1])
