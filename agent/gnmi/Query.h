@@ -35,6 +35,8 @@ public:
     bool isPossible() const;
     /// Whether the leaf, at whose parent the walk is, is meant.
     bool isLeafMeant(const SchemaNode& leaf) const;
+    /// Whether the query means leaves of this side at all.
+    bool wants(Side side) const { return query_->wants(side); }
     /// The keys that the requested paths name for entries of a list below the node; nothing where
     /// every entry can be meant.
     std::optional<std::vector<std::string_view>> exactKeys(const SchemaNode& list) const;

@@ -147,7 +147,8 @@ bool TreeCursor::visitEntry(const std::string& key, ConfigView config) {
     if (!match.isPossible()) return false;
     keys_.back() = key;
     const DataPath entry{&list, keys_};
-    if (!config && !tree_.state.hasEntry(entry)) return false;
+    const bool hasState = match.wants(Side::state) && tree_.state.hasEntry(entry);
+    if (!config && !hasState) return false;
     node_ = &list;
     isInside_ = match.isInside();
     stateLeaves_.push_back(tree_.stateLeaves(entry));

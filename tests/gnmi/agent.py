@@ -1,7 +1,9 @@
 """A running agent with a gNMI door, and clients of it, for the tests in this folder."""
 
 import functools
+import json
 import os
+import queue
 import signal
 import socket
 import subprocess
@@ -14,7 +16,7 @@ import grpc
 
 ROOT = Path(__file__).resolve().parents[2]
 PROTO = ROOT / "agent/gnmi/proto"
-PATIENCE = 60  # seconds until something that should happen counts as not happening
+PATIENCE = 30  # seconds until something that should happen counts as not happening
 
 
 @functools.cache
@@ -35,13 +37,14 @@ def stubs():
 class Agent:
     """The program, until the end of a `with`."""
 
-    def __init__(self, program, *options, address="127.0.0.1:0"):
+    def __init__(self, program, *options, address="127.0.0.1:0", environment=None):
         self.folder = tempfile.TemporaryDirectory()
-        self.socket_path = os.path.join(self.folder.name, "agent.sock")
-        self.errors = open(os.path.join(self.folder.name, "stderr"), "w+")
+        self.socket_path = self.path("agent.sock")
+        self.errors = open(self.path("stderr"), "w+", encoding="utf-8")
         self.process = subprocess.Popen(
             [program, "--gnmi", address, "--gnmi-insecure", "--listen", self.socket_path,
              *map(str, options)],
+            env={**os.environ, **(environment or {})},
             stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=self.errors)
         self.address = self.wait_for_line("qos-agent: gnmi on ")
         self.wait_for_line("qos-agent: listening on ")
@@ -60,13 +63,21 @@ class Agent:
     def wait_for_line(self, beginning):
         deadline = time.monotonic() + PATIENCE
         while time.monotonic() < deadline:
-            for line in Path(self.errors.name).read_text().splitlines():
+            for line in self.errors_text().splitlines():
                 if line.startswith(beginning):
                     return line[len(beginning):]
             if self.process.poll() is not None:
                 break
             time.sleep(0.02)
-        raise AssertionError(f"no line {beginning!r}: {Path(self.errors.name).read_text()}")
+        raise AssertionError(f"no line {beginning!r}: {self.errors_text()}")
+
+    def path(self, name):
+        """The path of a file in a folder that lives as long as the agent."""
+        return os.path.join(self.folder.name, name)
+
+    def errors_text(self):
+        """What the agent wrote on standard error."""
+        return Path(self.errors.name).read_text()
 
     def stop(self):
         """Ends the program as a service manager does; returns its status and the seconds it took."""
@@ -107,7 +118,7 @@ def path(text, **fields):
     """A path message from a string such as `/qos/queues/queue[name=q]`, without escapes."""
     pb, _ = stubs()
     message = pb.Path(**fields)
-    while text:
+    while text.strip("/"):
         end = len(text)
         bracket, slash = text.find("[", 1), text.find("/", 1)
         if bracket != -1 and (slash == -1 or bracket < slash):
@@ -135,7 +146,6 @@ def text_of(message, prefix=None):
 
 
 def value_of(value):
-    import json
     field = value.WhichOneof("value")
     if field in ("json_val", "json_ietf_val"):
         return json.loads(getattr(value, field))
@@ -172,8 +182,8 @@ class Client:
         """`replace`, `update` and `union` are pairs of a path and RFC 7951 JSON."""
         def updates(pairs):
             return [self.pb.Update(path=path(text),
-                                   val=self.pb.TypedValue(json_ietf_val=json.encode()))
-                    for text, json in pairs]
+                                   val=self.pb.TypedValue(json_ietf_val=value.encode()))
+                    for text, value in pairs]
         return self.stub.Set(self.pb.SetRequest(
             delete=[path(text) for text in delete], replace=updates(replace),
             update=updates(update), union_replace=updates(union), **fields), timeout=PATIENCE)
@@ -185,17 +195,17 @@ class Client:
 class Stream:
     """A Subscribe stream and the tree that a collector makes of it."""
 
-    def __init__(self, client, *paths, mode="STREAM", subscription=None, **fields):
+    def __init__(self, client, *paths, mode="STREAM", subscription=None, extension=(),
+                 patience=PATIENCE, **fields):
         pb = client.pb
         self.pb = pb
-        requests = pb.SubscribeRequest(subscribe=pb.SubscriptionList(
+        request = pb.SubscribeRequest(extension=extension, subscribe=pb.SubscriptionList(
             subscription=[pb.Subscription(path=path(text), **(subscription or {}))
                           for text in paths],
             mode=pb.SubscriptionList.Mode.Value(mode), **fields))
-        import queue
         self.requests = queue.Queue()
-        self.requests.put(requests)
-        self.call = client.stub.Subscribe(iter(self.requests.get, None), timeout=PATIENCE)
+        self.requests.put(request)
+        self.call = client.stub.Subscribe(iter(self.requests.get, None), timeout=patience)
         self.tree = {}
         self.faults = []
 

@@ -22,7 +22,7 @@ def make_term(classifier, term, *values):
     return [line("update", f"{MAP}/{both}/match/matchIpAccessGroup", both),
             line("replace", f"{ACL}/{both}/aclSubConfig",
                  {"ipRuleById": rules,
-                  "ruleIdBySequence": {str(10 * at): str(at)
+                  "ruleIdBySequence": {str(10 * at): at
                                        for at in range(1, len(values) + 1)}})]
 
 

@@ -136,6 +136,13 @@ TEST_F(GetTest, givesATargetBackInThePrefixOnly) {
     EXPECT_EQ(other.notification(0).prefix().target(), "");
 }
 
+TEST_F(GetTest, leavesEntriesOfTheStateAloneOutOfTheConfiguration) {
+    tree = TreeBuilder().classifier("c").build();
+    EXPECT_THAT(ask("type: CONFIG path { }"), ElementsAre("@99", "/=json {}"));
+    EXPECT_THAT(ask("type: CONFIG " + pathOf("/qos/classifiers/classifier[name=c]")),
+                ElementsAre(HasSubstr("nothing is there")));
+}
+
 TEST_F(GetTest, refusesWhatIsNotThereAsNotFound) {
     EXPECT_THAT(ask(pathOf("/qos/classifiers/classifier[name=none]")),
                 ElementsAre("5 /qos/classifiers/classifier[name=none]: nothing is there"));
