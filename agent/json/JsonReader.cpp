@@ -2,14 +2,14 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <iterator>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
 #include <vector>
 
-#include "agent/json/Excerpt.h"
+#include "agent/json/CountingIterator.h"
+#include "agent/json/DuplicateKeys.h"
 #include "agent/json/SyntaxFault.h"
 
 namespace QosAgent {
@@ -20,32 +20,6 @@ using Lexer = nlohmann::json;
 
 constexpr int kNumberOverflow = 406;  // the id of that exception
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
-
-/// Feeds the lexer and counts what it has taken. One space follows the text: so the lexer has
-/// always taken one byte more than the number it reports, also at the end of the text.
-class CountingIterator {
-public:
-    using iterator_category = std::input_iterator_tag;
-    using value_type = char;
-    using difference_type = std::ptrdiff_t;
-    using pointer = void;
-    using reference = char;
-
-    CountingIterator(std::string_view text, std::size_t at, std::size_t* taken)
-        : text_(text), at_(at), taken_(taken) {}
-
-    char operator*() const { return at_ < text_.size() ? text_[at_] : ' '; }
-    CountingIterator& operator++() {
-        *taken_ = ++at_;
-        return *this;
-    }
-    bool operator==(const CountingIterator& other) const { return at_ == other.at_; }
-
-private:
-    std::string_view text_;
-    std::size_t at_;
-    std::size_t* taken_;
-};
 
 /// What may come after a token, and what beyond the separator that may come there.
 struct Place {
@@ -122,9 +96,9 @@ private:
     bool fail(Fault fault);
     /// Objects are checked for duplicates when they close; this checks those that never will.
     void preferOpenDuplicate();
-    std::optional<Fault> firstDuplicate(std::uint32_t container);
-    void listKeys(std::uint32_t object);
-    std::string_view textOf(std::uint32_t node) const;
+    std::optional<Fault> duplicateIn(std::uint32_t container) {
+        return duplicateKeys_.firstIn(nodes_, texts_, container);
+    }
 
     std::string_view text_;
     const Limits& limits_;
@@ -134,7 +108,7 @@ private:
     std::vector<JsonNode> nodes_;
     std::vector<char> texts_;
     std::vector<std::uint32_t> open_;  // the containers around the next token, by node
-    std::vector<std::uint32_t> keys_;  // of the object in firstDuplicate, by node
+    DuplicateKeys duplicateKeys_;
     std::optional<Fault> fault_;
 };
 
@@ -186,7 +160,7 @@ bool TreeBuilder::open(JsonKind kind) {
 bool TreeBuilder::close() {
     const std::uint32_t container = open_.back();
     nodes_[container].place = static_cast<std::uint32_t>(nodes_.size() - container);
-    if (auto fault = firstDuplicate(container)) return fail(*std::move(fault));
+    if (auto fault = duplicateIn(container)) return fail(*std::move(fault));
     open_.pop_back();
     return endToken(Last::value, taken_);
 }
@@ -255,38 +229,8 @@ void TreeBuilder::preferOpenDuplicate() {
     for (; !open_.empty(); open_.pop_back()) {
         const std::uint32_t container = open_.back();
         nodes_[container].place = static_cast<std::uint32_t>(nodes_.size() - container);
-        if (auto duplicate = firstDuplicate(container)) fault_ = std::move(duplicate);
+        if (auto duplicate = duplicateIn(container)) fault_ = std::move(duplicate);
     }
-}
-
-std::optional<Fault> TreeBuilder::firstDuplicate(std::uint32_t container) {
-    if (nodes_[container].kind != JsonKind::object || nodes_[container].size < 2) return {};
-    listKeys(container);
-    // Sorting, unlike hashing, costs the same whatever names an adversary picks.
-    std::sort(keys_.begin(), keys_.end(), [this](std::uint32_t left, std::uint32_t right) {
-        const int order = textOf(left).compare(textOf(right));
-        return order != 0 ? order < 0 : left < right;
-    });
-    std::uint32_t first = 0;
-    for (std::size_t i = 1; i < keys_.size(); ++i) {
-        if (first != 0 && keys_[i] > first) continue;
-        if (textOf(keys_[i - 1]) == textOf(keys_[i])) first = keys_[i];
-    }
-    if (first == 0) return {};  // node 0 is the root, never a key
-    return Fault{nodes_[first].offset, "duplicate key " + excerpt(textOf(first))};
-}
-
-void TreeBuilder::listKeys(std::uint32_t object) {
-    const std::uint32_t end = object + nodes_[object].place;
-    keys_.clear();
-    for (std::uint32_t at = object + 1; at < end;) {
-        keys_.push_back(at++);
-        if (at < end) at += nodes_[at].nodes();  // the last key may lack its value as yet
-    }
-}
-
-std::string_view TreeBuilder::textOf(std::uint32_t node) const {
-    return JsonValue(&nodes_[node], texts_.data()).text();
 }
 
 JsonResult parseWithin(std::size_t mostBytes, std::string_view text, const Limits& limits) {

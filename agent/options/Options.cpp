@@ -28,14 +28,14 @@ namespace {
 constexpr const char* kProgram = "qos-agent";
 constexpr const char* kVersion = "qos-agent " QOS_AGENT_VERSION;
 
-/// The library puts it behind the options.
+/// The library prints this after the options.
 constexpr const char* kHelpEnd =
-    R"(Ctrl-C, or SIGTERM, ends the change streams: what is to be printed at the end
-is printed. A second one, or one before they are read, ends the program at once.
+    R"(Ctrl-C or SIGTERM ends the change streams; the program then prints its output.
+A second one, or one while documents are loaded, ends the program at once.
 
 Exit status:
   0  all input was applied
-  1  some line of a change stream was refused, under --keep-going
+  1  a line of a change stream was refused, under --keep-going
   2  the command line, a document, a stream or the plug-in could not be used
 
 Examples:
@@ -43,11 +43,11 @@ Examples:
     qos-agent --output table configuration.json
   Apply changes to it, and see each change of the state as it happens:
     qos-agent --follow=text --output none configuration.json changes.jsonl
-  Follow another program's changes, whatever lines it gets wrong:
+  Follow another program's changes, and report the lines that it gets wrong:
     device-changes | qos-agent --follow --keep-going --output none -
   Find out why a term does not have what is configured:
     qos-agent --output none --explain edge/voice configuration.json
-  Find out more: trace the plug-in, and show what it is working on:
+  Trace the plug-in, and show its machines:
     qos-agent --trace '*/8' --machines --output none configuration.json)";
 
 const std::map<std::string, OutputFormat> kFormats{
@@ -57,7 +57,7 @@ const std::map<std::string, OutputFormat> kFormats{
     {"none", OutputFormat::none},
 };
 
-/// What the library gives for `--follow` without a form. Nobody types it.
+/// The library's value of `--follow` without a form. No user types it.
 constexpr const char* kFormUnsaid = "\x01";
 
 const std::map<std::string, FollowForm> kFollowForms{
@@ -76,7 +76,7 @@ public:
     }
 };
 
-/// What the library collects; texts are checked by its validators.
+/// The values that the library collects. Its validators check the texts.
 struct Given {
     std::vector<std::string> inputs;
     std::string plugin;
@@ -92,8 +92,8 @@ bool isStream(const std::string& input) {
     return input == "-" || input.ends_with(".jsonl");
 }
 
-/// Files of other names than `*.json` that the shell hands over as documents: standard input, and
-/// the output of a command in `<(COMMAND)`.
+/// Returns true for the files that are documents although their names do not end in `.json`:
+/// standard input, and the output of a command in `<(COMMAND)`.
 bool isDescriptor(const std::string& input) {
     return input == "/dev/stdin" || input.starts_with("/dev/fd/");
 }
@@ -127,7 +127,7 @@ std::string followFormFault(const std::string& text) {
     return "expected json or text, found " + excerpt(text);
 }
 
-/// The installed folder may be missing; one that somebody names must be there.
+/// The installed folder may be missing. A folder that the user names must exist.
 std::string folderFault(const std::string& name) {
     std::error_code error;
     const bool isFolder = std::filesystem::is_directory(name, error);
@@ -145,21 +145,27 @@ CLI::Validator check(std::string (*fault)(const std::string&)) {
     return CLI::Validator([fault](std::string& text) { return fault(text); }, "");
 }
 
-void describe(CLI::App& app, Given& given, Options& options) {
+void describeProgram(CLI::App& app) {
     app.set_help_flag("-h,--help", "Print this help and exit");
     app.set_version_flag("--version", kVersion, "Print the version and exit");
     app.footer(kHelpEnd);
     app.formatter(std::make_shared<HelpFormatter>());
     app.get_formatter()->column_width(25);
+}
+
+void describeInputs(CLI::App& app, Given& given) {
     app.add_option("INPUT", given.inputs,
                    "A document (.json, or /dev/stdin) or a change stream\n"
-                   "(.jsonl, or - for standard input); several are taken\n"
+                   "(.jsonl, or - for standard input); several are applied\n"
                    "in order")
         ->type_name("");
     app.add_option("--plugin", given.plugin, "The plug-in's shared library")->type_name("FILE");
     app.add_option("--toggle-dir", given.toggleFolder, "The folder that holds QosOpenConfig.json")
         ->type_name("DIR")
         ->check(check(folderFault));
+}
+
+void describeOutput(CLI::App& app, Given& given, Options& options) {
     app.add_option("--output", given.format,
                    "What to print at the end: table (the default on\n"
                    "a terminal), openconfig (otherwise), entities or none")
@@ -176,6 +182,9 @@ void describe(CLI::App& app, Given& given, Options& options) {
                    "the state it has; in a name ~1 is / and ~0 is ~")
         ->type_name("C[/T]")
         ->check(check(questionFault));
+}
+
+void describeTraces(CLI::App& app, Given& given) {
     app.add_option("--trace", given.traces,
                    "Trace a handle (* is all) up to level 0 to 9;\n"
                    "may be given again")
@@ -185,10 +194,13 @@ void describe(CLI::App& app, Given& given, Options& options) {
     app.add_option("--trace-file", given.traceFile,
                    "Where trace lines go, if not to standard error")
         ->type_name("FILE");
+}
+
+void describeChecks(CLI::App& app, Options& options) {
     app.add_flag("--keep-going", options.keepsGoing,
                  "Report a bad change-stream line and go on with the next")
         ->disable_flag_override();
-    app.add_flag("--strict", options.isStrict, "Refuse documents and lines that would be warned of")
+    app.add_flag("--strict", options.isStrict, "Refuse input that would cause a warning")
         ->disable_flag_override();
     app.add_flag("--check", options.checksOnly,
                  "Check the documents, report every fault (at most 20\n"
@@ -196,7 +208,16 @@ void describe(CLI::App& app, Given& given, Options& options) {
         ->disable_flag_override();
 }
 
-/// Asked after the options: the value of a misspelt one looks like an input.
+/// In the order of the help.
+void describe(CLI::App& app, Given& given, Options& options) {
+    describeProgram(app);
+    describeInputs(app, given);
+    describeOutput(app, given, options);
+    describeTraces(app, given);
+    describeChecks(app, options);
+}
+
+/// Must be called after the options are parsed: the value of a misspelt option looks like an input.
 void checkInputs(const std::vector<std::string>& inputs) {
     for (const std::string& input : inputs)
         if (const std::string fault = inputFault(input); !fault.empty())
@@ -239,7 +260,8 @@ std::string unknownOption(const CLI::App& app, const std::string& given) {
            suggestion(name, std::vector<std::string_view>(names.begin(), names.end()));
 }
 
-/// Of an option that has too few values, or too many. A flag is named without its dashes.
+/// The message for an option with too few or too many values. The library names a flag without its
+/// dashes.
 std::string wrongCount(const CLI::App& app, const std::string& name) {
     if (!name.starts_with("--")) return excerpt("--" + name) + " takes no value";
     const CLI::Option* option = app.get_option(name);
@@ -249,7 +271,7 @@ std::string wrongCount(const CLI::App& app, const std::string& name) {
     return excerpt(name) + (beginsWithVowel ? " needs an " : " needs a ") + value;
 }
 
-/// The library begins its accounts with the option's name.
+/// The library's messages begin with the option's name.
 std::string wordsFor(const CLI::ParseError& refused, const CLI::App& app) {
     const std::string account = refused.what();
     const std::string remaining = app.remaining().empty() ? "" : app.remaining().front();
@@ -260,7 +282,7 @@ std::string wordsFor(const CLI::ParseError& refused, const CLI::App& app) {
     return account;
 }
 
-/// Prints what was asked for in place of a run: the help, or the version.
+/// Prints the help or the version.
 int print(const CLI::App& app, const CLI::ParseError& asked) {
     std::ostringstream text;
     app.exit(asked, text);

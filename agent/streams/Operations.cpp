@@ -3,13 +3,9 @@
 #include <algorithm>
 
 #include "agent/database/Path.h"
-#include "agent/database/Printer.h"
 #include "agent/database/Scalars.h"
 #include "agent/json/Excerpt.h"
 #include "agent/json/Suggestion.h"
-#include "agent/openconfig/StatePrinter.h"
-#include "agent/output/Machines.h"
-#include "agent/output/Table.h"
 #include "platform/Vex/Escape.h"
 #include "platform/Vex/Trace.h"
 
@@ -41,12 +37,6 @@ const Verb Verb::all[10] = {
 
 namespace {
 
-constexpr std::string_view kExplain = "explain";
-constexpr std::string_view kWhats[] = {
-    "state",    "database", "openconfig", "configuration",
-    "machines", "table",    "entities",   "differences",
-};
-
 const Verb* verbNamed(std::string_view name) {
     const auto* at = std::find_if(std::begin(Verb::all), std::end(Verb::all),
                                   [name](const Verb& verb) { return verb.name == name; });
@@ -72,11 +62,10 @@ std::string unknownOperation(std::string_view name) {
     return "unknown operation " + excerpt(name) + suggestion(name, known);
 }
 
-template <class Names, class NameOf>
-std::string listed(const Names& names, NameOf nameOf) {
+std::string verbNames() {
     std::string list;
-    for (const auto& each : names)
-        list.append(list.empty() ? "" : ", ").append(nameOf(each));
+    for (const Verb& verb : Verb::all)
+        list.append(list.empty() ? "" : ", ").append(verb.name);
     return list;
 }
 
@@ -105,9 +94,7 @@ std::variant<Line, Fault> linePartsOf(const JsonValue& operation) {
 
 std::optional<Fault> lineFault(const Line& line, const JsonValue& operation) {
     if (line.verb == nullptr)
-        return Fault{operation.offset(),
-                     "no operation, expected one of " +
-                         listed(Verb::all, [](const Verb& verb) { return verb.name; })};
+        return Fault{operation.offset(), "no operation, expected one of " + verbNames()};
     if (line.verb->takesValue && !line.value)
         return Fault{operation.offset(), "no value for the operation " + excerpt(line.verb->name)};
     if (!line.verb->takesValue && line.value)
@@ -135,7 +122,7 @@ Operations::Operations(Database& database, Configuration& configuration, PluginH
     : database_(database),
       configuration_(configuration),
       host_(host),
-      explainer_(database),
+      printer_(database, configuration, host),
       checker_(database.interner()),
       editor_(database) {}
 
@@ -230,62 +217,10 @@ Operations::Result Operations::configure(const JsonValue& edits, const JsonValue
 }
 
 Operations::Result Operations::print(const JsonValue& what, const JsonValue*) {
-    if (what.is(JsonKind::object)) return printExplanation(what);
-    if (!what.is(JsonKind::string))
-        return Fault{what.offset(), unexpected("a string", what.kind())};
-    if (std::find(std::begin(kWhats), std::end(kWhats), what.text()) == std::end(kWhats))
-        return Fault{what.offset(), "cannot print " + excerpt(what.text()) + ", expected one of " +
-                                        listed(kWhats, [](std::string_view name) { return name; })};
-    std::string text;
-    writePrinted(text, what.text());
-    output_->line(text);
+    auto printed = printer_.print(what);
+    if (auto* fault = std::get_if<Fault>(&printed)) return std::move(*fault);
+    output_->line(std::get<std::string>(printed));
     return {};
-}
-
-Operations::Result Operations::printExplanation(const JsonValue& what) {
-    for (const JsonMember& member : what.members())
-        if (member.key != kExplain)
-            return Fault{member.keyOffset,
-                         "cannot print " + excerpt(member.key) + ", expected " + excerpt(kExplain)};
-    const auto asked = what.find(kExplain);
-    if (!asked) return Fault{what.offset(), "nothing to print, expected " + excerpt(kExplain)};
-    const auto question = questionFrom(asked->value);
-    if (const auto* fault = std::get_if<Fault>(&question)) return *fault;
-    std::string text;
-    JsonWriter writer(text);
-    writeExplanation(writer, explainer_.explain(std::get<Question>(question)));
-    output_->line(text);
-    return {};
-}
-
-void Operations::writePrinted(std::string& text, std::string_view what) {
-    if (what == "table") {
-        text =
-            stateTable(*Vex::entityCast<QosOc::State::ClassifiersDir>(database_.stateTree().root));
-        return;
-    }
-    const bool isIndented = what == "entities";
-    JsonWriter writer(text, isIndented ? JsonWriter::Style::indented : JsonWriter::Style::compact);
-    if (isIndented)
-        writeDatabase(writer, database_);
-    else
-        writeDocument(writer, what);
-}
-
-void Operations::writeDocument(JsonWriter& writer, std::string_view what) {
-    const Subtree& state = database_.stateTree();
-    if (what == "state")
-        writeEntity(writer, *state.root);
-    else if (what == "database")
-        writeDatabase(writer, database_);
-    else if (what == "openconfig")
-        writeOpenConfigState(writer, *Vex::entityCast<QosOc::State::ClassifiersDir>(state.root));
-    else if (what == "configuration")
-        configuration_.tree().write(writer);
-    else if (what == "differences")
-        explainer_.writeDifferences(writer);
-    else
-        writeMachines(writer, database_, host_.mounters());
 }
 
 Operations::Result Operations::echo(const JsonValue& text, const JsonValue*) {

@@ -10,35 +10,35 @@
 #include "agent/database/Checker.h"
 #include "agent/database/Editor.h"
 #include "agent/database/Path.h"
-#include "agent/explain/Explainer.h"
 #include "agent/host/PluginHost.h"
 #include "agent/json/JsonReader.h"
-#include "agent/json/JsonWriter.h"
 #include "agent/openconfig/Configuration.h"
+#include "agent/streams/PrintOperation.h"
 #include "agent/streams/StreamOutput.h"
 
 namespace QosAgent {
 
 struct Verb;
 
-/// Whether the line is no operation: empty, or a comment.
+/// Returns true if the line holds no operation: it is empty or a comment.
 bool isPassedOver(std::string_view line);
 
-/// Applies the operations of change streams, one JSON object a line. A line is checked whole before
-/// any of it is applied.
+/// Applies the operations of change streams, one JSON object on each line. It checks a line as a
+/// whole before it applies any part of it.
 class Operations {
 public:
-    /// What is passed outlives the operations.
+    /// The arguments must outlive the operations.
     Operations(Database& database, Configuration& configuration, PluginHost& host);
 
-    /// Applies a line, or passes over one that is empty or a comment. What it prints goes to
-    /// `output`. Returns the fault of a line that is refused; nothing has changed then.
+    /// Applies a line; no-op if the line is empty or a comment. Writes what the operation prints to
+    /// `output`. Returns a fault if the line is refused; nothing has changed then.
     std::optional<Fault> apply(std::string_view line, StreamOutput& output);
-    /// Whether the last line applied was an operation that may change something, unlike `print`.
+    /// Returns true if the last applied line may have changed something, unlike `print`.
     bool mayChange() const { return mayChange_; }
-    /// Which edit of the last line was refused, from 0; nothing if it was no `configure`.
+    /// Returns the index of the refused edit of the last line, from 0; nothing if the line was not
+    /// a refused `configure`.
     std::optional<std::size_t> refusedEdit() const { return refusedEdit_; }
-    /// What the last line said that was passed over.
+    /// Returns the warnings of the last line, and forgets them.
     std::vector<Warning> takeWarnings() { return std::exchange(warnings_, {}); }
 
 private:
@@ -57,17 +57,14 @@ private:
     Result restart(const JsonValue& plugin, const JsonValue* value);
     Result follow(const JsonValue& isWanted, const JsonValue* value);
 
-    /// The place to work on, with the value checked if there is one.
+    /// Parses the path, and checks the value if there is one.
     std::variant<Path, Fault> place(const JsonValue& path, const JsonValue* value);
-    void writePrinted(std::string& text, std::string_view what);
-    void writeDocument(JsonWriter& writer, std::string_view what);
-    Result printExplanation(const JsonValue& what);
 
     Database& database_;
     Configuration& configuration_;
     PluginHost& host_;
     StreamOutput* output_ = nullptr;  ///< of the line that is being applied
-    Explainer explainer_;
+    PrintOperation printer_;
     Checker checker_;
     Editor editor_;
     bool mayChange_ = false;
