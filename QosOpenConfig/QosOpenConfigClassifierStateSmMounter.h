@@ -7,8 +7,8 @@
 
 namespace QosOc {
 
-/// Mounts the four inputs and the state tree, and keeps the root machine over them while the
-/// toggle "OCQosClassifierStatePath" is on. Destroying it leaves the state tree as it stands.
+/// Mounts the four inputs and the state tree, and owns the root machine over them if the toggle
+/// "OCQosClassifierStatePath" is on. Its destructor leaves the state tree unchanged.
 class ClassifierStateSmMounter final : public MounterBase,
                                        public OvSlab::Slabbed<ClassifierStateSmMounter> {
 public:
@@ -55,18 +55,18 @@ public:
     void classifierConfigDirIs(const ConfigDir& classifierConfigDir);
     void classifierStateDirIs(const StateDir& classifierStateDir);
 
-    /// Null while there is none.
+    /// Returns the root machine; null if there is none.
     const Orin::Ptr<ClassifierStateSm>& classifierStateSm() const noexcept {
         return classifierStateSm_;
     }
-    /// The root machine over these inputs: the one that is there, or a new one. The old one goes
-    /// once the new one is active.
+    /// Returns the root machine over these inputs; creates it if absent. A root machine over other
+    /// inputs is destroyed once the new one is active.
     Orin::Ptr<ClassifierStateSm> classifierStateSmIs(const QosStatus& qosStatus,
                                                      const AclConfig& aclCliConfig,
                                                      const QosConfig& qosCliConfig,
                                                      const ConfigDir& classifierConfigDir,
                                                      const StateDir& classifierStateDir);
-    /// Detaches the root machine, silences its whole tree and returns it; null if there was none.
+    /// Removes the root machine, silences its whole tree and returns it; null if there was none.
     Orin::Ptr<ClassifierStateSm> classifierStateSmDel();
 
 private:
@@ -78,7 +78,7 @@ private:
     Orin::Ptr<ClassifierStateSm> classifierStateSm_;
 };
 
-/// The mounter's own handle: "QosOpenConfigClassifierStateSmMounter".
+/// The mounter's trace handle: "QosOpenConfigClassifierStateSmMounter".
 [[gnu::visibility("hidden")]] extern constinit Vex::TraceHandle mounterTraceHandle;
 /// The types of the mounter source.
 extern const Vex::Module kMounterModule;

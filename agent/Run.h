@@ -4,12 +4,12 @@
 
 namespace QosAgent {
 
-/// Runs the agent once through: documents, plug-in, change streams, what is to be printed. Returns
-/// the exit status; every refusal has been reported.
+/// Runs the agent: loads the documents, starts the plug-in, applies the change streams, prints the
+/// results. Reports refusals on standard error. Returns the exit status.
 int run(const Options& options);
 
-/// The whole program: its command line, then `run`. What is thrown is reported in one line; memory
-/// that runs out while a change is being told of ends the process.
+/// Runs the whole program: parses the command line, then calls `run`. Reports an exception in one
+/// line. If memory runs out during a notification, the process ends.
 int runProgram(int argc, const char* const* argv);
 
 }  // namespace QosAgent

@@ -5,7 +5,7 @@
 
 namespace QosOc {
 
-/// Makes the term of one access list exist, and keeps one AclSubStateSm for its rules.
+/// Creates the term of one access list, and keeps one AclSubStateSm for its rules.
 class AclStateSm final : public Vex::Reactor<AclStateSm> {
 public:
     static constexpr std::string_view kTypeName = "QosOc::AclStateSm";
@@ -25,8 +25,8 @@ public:
     static Orin::Ptr<AclStateSm> AclStateSmIs(const Orin::Ptr<const Acl::AclConfig>& aclConfig,
                                               const StateDir& classifierStateDir);
 
-    /// A child made from other inputs is replaced: the old one falls silent and takes nothing back.
-    /// Throws the null-argument error when the first input is null.
+    /// Replaces a child that was created from other inputs; the old one is silenced and removes no
+    /// state. Throws `MutatorArgNullPointerException` if the first input is null.
     const Orin::Ptr<AclSubStateSm>& aclSubStateSmIs(
         const Orin::Ptr<const Acl::AclSubConfig>& aclSubConfig,
         const Orin::Ptr<const AclNameAndType>& aclNameAndType, const StateDir& classifierStateDir);

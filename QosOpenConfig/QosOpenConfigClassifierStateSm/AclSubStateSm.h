@@ -9,7 +9,7 @@
 
 namespace QosOc {
 
-/// Turns the rules of one access list into the conditions of its term.
+/// Writes the rules of one access list as the conditions of its term.
 class AclSubStateSm final : public Vex::Reactor<AclSubStateSm> {
 public:
     static constexpr std::string_view kTypeName = "QosOc::AclSubStateSm";
@@ -31,12 +31,12 @@ public:
         const Orin::Ptr<const Acl::AclSubConfig>& aclSubConfig,
         const Orin::Ptr<const AclNameAndType>& aclNameAndType, const StateDir& classifierStateDir);
 
-    /// `dscpValueSet` is for generic access only: the rules neither read nor write it.
+    /// `dscpValueSet` is for access by the type record; the machine does not use it.
     const Orin::Vector<unsigned char>& dscpValueSet() const noexcept { return dscpValueSet_; }
-    /// Throws `std::out_of_range` when the index is not below the size.
+    /// Throws `std::out_of_range` if the index is not less than the size.
     void dscpValueSetIs(std::size_t index, unsigned char value);
     void dscpValueSetPush(unsigned char value);
-    /// Removes the last value and returns it. Throws `std::out_of_range` when there is none.
+    /// Removes the last value and returns it. Throws `std::out_of_range` if there is none.
     unsigned char dscpValueSetPop();
     void dscpValueSetPopAll();
 
@@ -50,7 +50,7 @@ public:
                                                &AclSubStateSm::handleAclRules>>;
 
 private:
-    /// The DSCP values that the rules match, in their order.
+    /// Returns the DSCP values that the rules match, in the order of the rules.
     void readDscps(Orin::Vector<unsigned char>& values) const;
 
     Vex::Watched<Acl::AclSubConfig> aclSubConfig_;

@@ -5,8 +5,8 @@
 
 namespace QosOc {
 
-/// Keeps one AclStateSm for each access list of a type, and at its start takes the conditions of
-/// vanished lists out of the state tree.
+/// Keeps one AclStateSm for each access list of a type. At its start it removes stale conditions,
+/// of lists that do not exist any more, from the state tree.
 class AclTypeStateSm final : public Vex::Reactor<AclTypeStateSm> {
 public:
     static constexpr std::string_view kTypeName = "QosOc::AclTypeStateSm";
@@ -32,10 +32,10 @@ public:
     Orin::Ptr<AclStateSm> aclStateSmDel(const Orin::String& aclName);
     void aclStateSmDelAll();
 
-    /// Lists whose name maps to no term get no child here; a later change gives them one.
+    /// Creates no child for lists whose name means no term; a later change of such a list does.
     void handleInitialized();
     void handleAclConfig(const Orin::String& aclName);
-    /// Takes back what the lists wrote that the input still names.
+    /// Removes the state of the lists that are still in the input.
     void doPrepareToDie();
 
     static constexpr Orin::Dispatch aclTypeConfigDispatch =

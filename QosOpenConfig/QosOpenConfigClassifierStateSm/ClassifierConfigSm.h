@@ -29,8 +29,8 @@ public:
         const Orin::Ptr<const ClassifiersWithPmap>& classifiersWithPmap,
         const StateDir& classifierStateDir);
 
-    /// A child made from other inputs is replaced: the old one falls silent and takes nothing back.
-    /// Throws the null-argument error when the first input is null.
+    /// Replaces a child that was created from other inputs; the old one is silenced and removes no
+    /// state. Throws `MutatorArgNullPointerException` if the first input is null.
     const Orin::Ptr<ClassifierTermsSm>& classifierTermsSmIs(
         const Orin::Ptr<const Config::Terms>& terms, const Orin::String& name,
         Classifier::Type type, const Orin::Ptr<const ClassifiersWithPmap>& classifiersWithPmap,
@@ -39,7 +39,7 @@ public:
 
     void handleInitialized();
     void handleClassifierTerms();
-    /// Lets the child clear the actions that it wrote; the classifier stays.
+    /// Lets the child clear the target groups that it wrote; the classifier stays.
     void doPrepareToDie();
 
     static constexpr Orin::Dispatch classifierConfigDispatch =

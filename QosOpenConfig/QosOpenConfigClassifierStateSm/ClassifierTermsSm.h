@@ -7,8 +7,8 @@
 
 namespace QosOc {
 
-/// Mirrors the configured target groups of one classifier's terms, unless a policy map uses the
-/// classifier: then the policy map's machine owns its actions.
+/// Publishes the configured target groups of one classifier's terms, unless a policy map uses the
+/// classifier: then the policy map's machine sets them.
 class ClassifierTermsSm final : public Vex::Reactor<ClassifierTermsSm> {
 public:
     static constexpr std::string_view kTypeName = "QosOc::ClassifierTermsSm";
@@ -39,7 +39,7 @@ public:
     void handleClassifierTerm(const Orin::String& termId);
     /// Clears the action of every configured term; terms and classifier stay.
     void doPrepareToDie();
-    /// Writes the target group, or clears it where it is empty.
+    /// Sets the target group, or clears it if `targetGroup` is empty.
     void updateClassifierTermActionStatePath(const Orin::String& termId,
                                              const Orin::String& targetGroup);
 

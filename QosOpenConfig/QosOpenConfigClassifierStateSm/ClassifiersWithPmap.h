@@ -5,7 +5,7 @@
 
 namespace QosOc {
 
-/// The classifiers in use by policy maps, and how often each was counted in. Publishes nothing.
+/// The registry of classifiers that policy maps use, with the number of uses. Publishes nothing.
 class ClassifiersWithPmap final : public Vex::Entity<ClassifiersWithPmap> {
 public:
     static constexpr std::string_view kTypeName = "QosOc::ClassifiersWithPmap";
@@ -21,14 +21,14 @@ public:
     static Orin::Ptr<ClassifiersWithPmap> ClassifiersWithPmapIs();
 
     const CountByClassifier& classifier() const noexcept { return classifier_; }
-    /// True when a policy map uses the classifier.
+    /// Returns true if a policy map uses the classifier.
     bool isInUse(const Config::ClassifierConfig& key) const noexcept {
         const unsigned* count = classifier_.find(key);
         return count != nullptr && *count != 0;
     }
-    /// Enters the key with the count, or gives it another count.
+    /// Inserts the key with the count, or replaces its count.
     void classifierIs(const Config::ClassifierConfig& key, unsigned count);
-    /// Removes the key and returns its count; 0 when it was absent.
+    /// Removes the key and returns its count; 0 if absent.
     unsigned classifierDel(const Config::ClassifierConfig& key);
     void classifierDelAll();
 

@@ -6,8 +6,8 @@
 
 namespace QosOc {
 
-/// Writes what one class map stands for: a term, if the class map was made from one, otherwise the
-/// classifier of its name.
+/// Creates the object that one class map means: a term, if the class map was made from one,
+/// otherwise the classifier of its name.
 class CmapStatusSm final : public Vex::Reactor<CmapStatusSm> {
 public:
     static constexpr std::string_view kTypeName = "QosOc::CmapStatusSm";
@@ -26,10 +26,10 @@ public:
         const Orin::Ptr<const Qos::ClassMapStatus>& cmapStatus, const StateDir& classifierStateDir);
 
     void handleInitialized();
-    /// A match option came, changed or went. One that went writes again with the IPv4 type: that
-    /// matters only where classifier or term are missing.
+    /// Handles a match option that was added, changed or removed. A removed one writes again with
+    /// the IPv4 type; this matters only if the classifier or term is missing.
     void handleCmapStatusMatch(Qos::ClassMapMatchOption option);
-    /// Takes back the term or the classifier.
+    /// Removes the term or the classifier.
     void doPrepareToDie();
 
     static constexpr Orin::Dispatch cmapStatusDispatch =

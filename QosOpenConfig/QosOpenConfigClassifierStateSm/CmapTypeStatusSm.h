@@ -33,8 +33,8 @@ public:
 
     void handleInitialized();
     void handleCmapStatus(const Orin::String& cmapName);
-    /// Takes back what the class maps wrote that the input still holds; children whose class map
-    /// has gone already stay, and keep their state.
+    /// Removes the state of the class maps that are still in the input. Children whose class map
+    /// was removed before stay, and so does their state.
     void doPrepareToDie();
 
     static constexpr Orin::Dispatch cmapTypeStatusDispatch =

@@ -13,12 +13,12 @@ struct OwnNames {
     bool contain(const Orin::String& name) const noexcept { return name == ipv4 || name == ipv6; }
 };
 
-/// Walks a collection of classifiers: calls `visit` with each classifier of the policy map, and
-/// `pass` with the name of each other one.
+/// Walks a collection of classifiers. Calls `visit` with each classifier of the policy map, and
+/// `pass` with the name of each other classifier.
 ///
-/// `pass` only traces. While the trace is off, the two own classifiers are looked up instead, so
-/// that the cost does not depend on the number of the others; they are visited in the order of the
-/// walk, and only if they are still there, as the walk would find them.
+/// `pass` must only trace. While the trace is off, this function looks the two own classifiers up
+/// instead, so that the cost does not depend on the number of other classifiers. It visits them in
+/// the order of the walk, and only if they are still present, as the walk would.
 template <class Classifiers, class Visit, class Pass>
 void visitOwn(const Classifiers& classifiers, const OwnNames& own, Visit visit, Pass pass) {
     if (traceEnabled()) {

@@ -13,11 +13,11 @@ namespace QosOc {
 
 struct OwnNames;
 
-/// Makes the classes of one policy map terms of its two classifiers, and gives each term the target
-/// group of the traffic class that its class sets.
+/// Creates a term for each class of one policy map, in its two classifiers, and sets the term's
+/// target group: that of the traffic class that the class sets.
 class PmapStatusSm final : public Vex::Reactor<PmapStatusSm> {
 public:
-    /// Follows which forwarding-group map the CLI configuration holds.
+    /// Watches the CLI configuration for another forwarding-group map.
     class VexCliConfig final : public Vex::NotifieeConst<Qos::Input::Config> {
     public:
         VexCliConfig(Notifier notifier, PmapStatusSm& owner);
@@ -26,7 +26,7 @@ public:
     private:
         PmapStatusSm& owner_;
     };
-    /// Follows the entries of that map.
+    /// Watches the entries of that map.
     class VexVex_CliConfig_ForwardingGroupNameToTcMapIn final
         : public Vex::NotifieeConst<Qos::ForwardingGroupNameToTcMap> {
     public:
@@ -64,17 +64,17 @@ public:
         const Orin::Ptr<const Config::ClassifiersDir>& classifierConfigDir,
         const StateDir& classifierStateDir);
 
-    /// Watches this map from now on, or none; recomputes nothing.
+    /// Watches this map from now on, or none if null. Does not recompute.
     void vex_CliConfig_ForwardingGroupNameToTcMapInIs(const TcMap& map);
     void vex_CliConfig_ForwardingGroupNameToTcMapInDel();
 
     void handleInitialized();
     void handlePmapStatusVersionUpdate();
     void handleForwardingGroupNameToTcMap();
-    /// Gives the classifiers back to the OpenConfig configuration: writes again what it says of
-    /// them, and deletes nothing.
+    /// Gives the classifiers back to the OpenConfig configuration: writes the configured terms and
+    /// target groups, and removes nothing.
     void doPrepareToDie();
-    /// Writes the terms of all classes and their actions, and records what it wrote.
+    /// Writes the terms of all classes and their target groups, and returns a record of them.
     ClassifierMetaData::Ptr updateClassifierTermActions();
 
     static constexpr Orin::Dispatch pmapStatusDispatch =
@@ -86,11 +86,11 @@ private:
     const Orin::String& pmapName() const noexcept;
     OwnNames ownNames() const noexcept;
     Orin::String targetGroupOf(const Qos::PolicyMapClass& policyMapClass) const;
-    /// Writes the terms of all classes and their actions; calls `record` with the key and the
+    /// Writes the terms of all classes and their target groups; calls `record` with the key and the
     /// target group of each.
     template <class Record>
     void writeTermActions(Record record);
-    /// Writes the term of a class and its action, and returns the class's target group.
+    /// Writes the term of a class and its target group, and returns the target group.
     Orin::String writeTermAction(const StatePlace& place, const ClassifierKey& key,
                                  const Orin::String& cmapName,
                                  const Qos::PolicyMapClass& policyMapClass) const;

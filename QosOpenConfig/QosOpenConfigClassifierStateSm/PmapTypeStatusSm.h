@@ -46,12 +46,12 @@ public:
     void pmapStatusSmDelAll();
 
     void handleInitialized();
-    /// Counts one use in for each notification of a policy map that is there, one out for each of
-    /// one that is not.
+    /// Adds one use for each notification of a present policy map, and removes one for each
+    /// notification of an absent one.
     void handlePmapStatus(const Orin::String& pmapName);
     void updateClassifiersWithPmap(const Orin::String& classifierName,
                                    Classifier::Type classifierType, bool add);
-    /// Takes one use back for each policy map of the input, and tears their machines down.
+    /// Removes one use for each policy map of the input, and tears down their machines.
     void doPrepareToDie();
 
     static constexpr Orin::Dispatch pmapTypeStatusDispatch =

@@ -6,16 +6,16 @@
 #include "platform/QosOc/ClassifierType.h"
 #include "platform/QosOc/State/ClassifiersDir.h"
 
-/// The only code that writes the state tree. Every function looks at the tree as it is and may be
-/// repeated; removing what is absent is a no-op. The root is never null. A caller that writes
-/// several times in a row passes a `StatePlace` in place of the root.
+/// The only code that writes the state tree. Every function reads the current tree and can be
+/// repeated; removing an absent object is a no-op. The root must not be null. A caller that writes
+/// several times in a row should pass a `StatePlace` instead of the root.
 namespace QosOc {
 
 using StateDir = Orin::Ptr<State::ClassifiersDir>;
 
-/// The state tree, and the classifier and term that were looked up in it last, so that several
-/// writes in a row need not look them up each time. Every change clears both. Nobody else may
-/// change the tree between two writes through one place, so it must not outlive a handler.
+/// The state tree, with the classifier and term that were looked up last, so that several writes in
+/// a row look them up once. Every write clears both. No other code may change the tree between two
+/// writes through one place, so a place must not outlive a handler.
 class StatePlace {
 public:
     explicit StatePlace(const StateDir& root) noexcept : root_(*root) {}
@@ -37,7 +37,7 @@ public:
         if (term_ != nullptr && term_->id == id) return term_;
         return term_ = in == nullptr || in->terms() == nullptr ? nullptr : in->terms()->term(id);
     }
-    /// Where the term is that was looked up last; there must be one.
+    /// Returns the collection of the term that was looked up last. Precondition: there is one.
     State::Terms& terms() const noexcept { return *classifier_->terms(); }
     void forget() const noexcept { classifier_ = nullptr; }
 
@@ -47,7 +47,7 @@ private:
     mutable State::Term* term_ = nullptr;  // of `classifier_`
 };
 
-/// Adds the classifier, unless it exists: then it keeps everything, its type included.
+/// Adds the classifier. No-op if it exists: it also keeps its type.
 void addClassifier(const StatePlace& place, const Orin::String& name, Classifier::Type type);
 inline void addClassifier(const StateDir& root, const Orin::String& name, Classifier::Type type) {
     addClassifier(StatePlace(root), name, type);
@@ -58,7 +58,7 @@ inline void deleteClassifier(const StateDir& root, const Orin::String& name) {
     deleteClassifier(StatePlace(root), name);
 }
 
-/// Adds the term, and its classifier if needed. A term that exists keeps what it has.
+/// Adds the term, and its classifier if absent. No-op if the term exists.
 void addClassifierTerm(const StatePlace& place, const Orin::String& name, Classifier::Type type,
                        const Orin::String& termId);
 inline void addClassifierTerm(const StateDir& root, const Orin::String& name, Classifier::Type type,
@@ -73,9 +73,9 @@ inline void deleteClassifierTerm(const StateDir& root, const Orin::String& name,
     deleteClassifierTerm(StatePlace(root), name, termId);
 }
 
-/// Makes the DSCP values the conditions of the term, and adds the term if needed: a single value is
-/// stored as a DSCP, several as a set, in their order and with their duplicates. The family is that
-/// of `type`; the other family's conditions are emptied. No-op without values.
+/// Sets the conditions of the term to the DSCP values, and adds the term if absent. A single value
+/// is stored as a DSCP, several as a set, in order and with duplicates. Sets the family of `type`
+/// and empties the other one. No-op if there are no values.
 void addClassifierTermCondition(const StatePlace& place, const Orin::String& name,
                                 Classifier::Type type, const Orin::String& termId,
                                 Orin::Vector<unsigned char>& values);
@@ -92,7 +92,7 @@ inline void deleteClassifierTermCondition(const StateDir& root, const Orin::Stri
     deleteClassifierTermCondition(StatePlace(root), name, termId, removeConditions);
 }
 
-/// Sets the term's target group, and adds the term if needed.
+/// Sets the term's target group, and adds the term if absent.
 void addClassifierTermAction(const StatePlace& place, const Orin::String& name,
                              Classifier::Type type, const Orin::String& termId,
                              const Orin::String& targetGroup);
@@ -101,7 +101,7 @@ inline void addClassifierTermAction(const StateDir& root, const Orin::String& na
                                     const Orin::String& targetGroup) {
     addClassifierTermAction(StatePlace(root), name, type, termId, targetGroup);
 }
-/// Clears the term's target group. The actions container stays, or is added, empty.
+/// Clears the term's target group. Keeps the actions container, or adds an empty one.
 void deleteClassifierTermAction(const StatePlace& place, const Orin::String& name,
                                 const Orin::String& termId);
 inline void deleteClassifierTermAction(const StateDir& root, const Orin::String& name,

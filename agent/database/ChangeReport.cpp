@@ -15,7 +15,7 @@ using Vex::Value;
 
 const Value kAbsent;
 
-/// The members of a map; none where it is absent.
+/// Returns the members of a map; none if the map is absent.
 std::span<const MapMember> membersOf(const Value& map) {
     if (map.isAbsent()) return {};
     return map.as<MapValue>().members;

@@ -10,20 +10,20 @@
 
 namespace QosAgent {
 
-/// The place at which an editor works, and the reports of what it does there. Costs one branch a
-/// step while nobody listens.
+/// Keeps the path at which an editor works, and reports the editor's changes. Costs one branch for
+/// each step while there is no listener.
 class ChangeReport {
 public:
     explicit ChangeReport(const InputChanges& changes) : changes_(changes) {}
 
     bool isWanted() const { return changes_.hasListeners(); }
-    /// The report begins at the root of a subtree, or after that many steps of a path.
+    /// Begins at the root of a subtree, or after the first `steps` steps of a path.
     void begin(const Subtree& subtree) {
         if (isWanted()) place_ = subtree.mount->path;
     }
     void begin(const Path& path, std::size_t steps);
 
-    /// The place is a step further down while this lives.
+    /// Moves one step down the path, and back at the end of the scope.
     class Below {
     public:
         Below(ChangeReport& report, std::string_view attribute) : Below(report) {
@@ -47,10 +47,10 @@ public:
     void created() const { tell(InputChanges::Kind::created); }
     void changed() const { tell(InputChanges::Kind::changed); }
     void removed() const { tell(InputChanges::Kind::removed); }
-    /// The entity here is none any more, but its place is kept.
+    /// Reports that the entity was replaced by null; the member stays.
     void emptied(const Vex::TypeRecord& type);
-    /// A value of that type took the place of another; absent: of none, or none took its place.
-    /// The parts that can be there or not are reported one by one.
+    /// Reports that a value of this type replaced another; absence means no value before or now.
+    /// Optional parts are reported one by one.
     void valueChanged(const Vex::Type& type, const Vex::Value& before, const Vex::Value& after);
 
 private:

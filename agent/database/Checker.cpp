@@ -36,7 +36,7 @@ void Checker::checkNamed(const Form& form, const Keys& keys, const JsonValue& va
             continue;
         }
         const Form inner = formOf(*attribute);
-        // A single entity is kept under no key.
+        // A single entity has no key.
         checkAll(inner, inner.isEntity() ? Keys{} : keys, member.value, faults);
     }
 }

@@ -11,15 +11,15 @@
 
 namespace QosAgent {
 
-/// One subtree, and its root.
+/// A subtree and its root.
 struct Subtree {
     const MountPoint* mount;
     Vex::Type type;  ///< of the root
     Orin::Ptr<Vex::TypedNode> root;
 };
 
-/// The state database of the agent: the roots of all subtrees, there from the beginning and never
-/// replaced, in an entity manager in which plug-ins find them.
+/// The agent's database: the root entities of all subtrees, in an entity manager from which
+/// plug-ins mount them. The roots are created once and never replaced.
 class Database {
 public:
     Database();
@@ -29,13 +29,13 @@ public:
     const Orin::Ptr<Strata::EntityManager>& entityManager() const { return entityManager_; }
     /// In the order of `mountPoints()`.
     const std::vector<Subtree>& subtrees() const { return subtrees_; }
-    /// The one mounted at the path; null if there is none.
+    /// Returns the subtree that is mounted at the path; null if there is none.
     const Subtree* subtreeAt(std::string_view path) const;
-    /// The one that the plug-in writes.
+    /// Returns the subtree that the plug-in writes.
     const Subtree& stateTree() const;
-    /// For all texts that enter the database.
+    /// The interner for all texts in the database.
     Interner& interner() { return interner_; }
-    /// Where every writer of the inputs reports, and others listen.
+    /// Every writer of the inputs must report its changes here; listeners receive them.
     InputChanges& inputChanges() { return inputChanges_; }
 
 private:

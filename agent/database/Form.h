@@ -7,47 +7,47 @@
 
 namespace QosAgent {
 
-/// What may stand at one place of the text form: the type records as documents, values and paths
-/// see them. Cheap to copy; refers to type records only.
+/// The form of the text at one place of the database, as documents, values and paths have it.
+/// Derived from the type records. Cheap to copy; refers to type records only.
 struct Form {
-    /// Of the thing; of its members where it is keyed.
+    /// The type at the place; for a collection, of its members.
     const Vex::Type* type;
-    /// Not null: a collection, with members by keys of this type.
+    /// For a collection, the type of the keys; otherwise null.
     const Vex::Type* keyType = nullptr;
     Vex::Role role = Vex::Role::plain;
     bool isRoot = false;
     bool isMember = false;          ///< a member of a collection
-    bool isNullable = false;        ///< null may stand for it
-    bool isMemberNullable = false;  ///< null may stand for a member of it
+    bool isNullable = false;        ///< the value may be null
+    bool isMemberNullable = false;  ///< a member may be null
 
     bool isKeyed() const { return keyType != nullptr; }
     bool isEntity() const { return !isKeyed() && type->shape == Vex::Shape::entity; }
-    /// An object of members by name.
+    /// Returns true if the form is an object with members by name.
     bool hasNamedMembers() const { return !isKeyed() && type->record != nullptr; }
-    /// Repeats a key, and so cannot change.
+    /// Returns true if the value repeats a key, and so cannot change.
     bool repeatsKey() const { return role == Vex::Role::key || role == Vex::Role::outerKey; }
 };
 
 Form rootForm(const Vex::Type& type);
 Form formOf(const Vex::AttributeRecord& attribute);
-/// The form of the members of a keyed one.
+/// Returns the form of a collection's members.
 Form memberForm(const Form& keyed);
 
-/// The attribute that text can name so; null if there is none.
+/// Returns the attribute with this name; null if there is none in the text form.
 const Vex::AttributeRecord* namedInText(const Vex::TypeRecord& type, std::string_view name);
-/// What is wrong when there is none. `where` follows the name.
+/// Returns the message for an unknown name. `where` follows the name.
 std::string unknownMember(const Vex::TypeRecord& type, std::string_view name,
                           std::string_view where = {});
 
-/// The keys that the parts of a thing may repeat: its own and that of its collection's holder.
-/// Absent where there are none.
+/// The keys that members of an object may repeat: its own key and that of the object that holds its
+/// collection. Absent if there are none.
 struct Keys {
     Vex::Value own;
     Vex::Value outer;
 
-    /// The keys of what is kept under `key` within the thing that has these.
+    /// Returns the keys of the member under `key` of the object that has these keys.
     Keys under(const Vex::Value& key) const { return {key, own}; }
-    /// The one that an attribute of this role repeats.
+    /// Returns the key that an attribute with this role repeats.
     const Vex::Value& repeatedBy(Vex::Role role) const {
         return role == Vex::Role::outerKey ? outer : own;
     }

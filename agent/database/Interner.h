@@ -8,9 +8,9 @@
 
 namespace QosAgent {
 
-/// Gives out the shared text of each name, so that the names that join the parts of a database, and
-/// the parts decoded from them, are equal pointers. Remembers the texts asked for last: at least
-/// `kGeneration` of them, at most twice as many, however long the agent runs.
+/// Returns one shared text for equal names, so that the names that connect the objects of a
+/// database, and the parts decoded from them, can be compared by pointer. Remembers the texts of
+/// the last calls: at least `kGeneration` texts, at most twice as many.
 class Interner {
 public:
     static constexpr std::size_t kGeneration = std::size_t{1} << 18;

@@ -16,7 +16,7 @@ constexpr MountPoint kMountPoints[] = {
     {"qos/openconfig/state/classifiers", "QosOc::State::ClassifiersDir", true},
 };
 
-/// As many parts of the path as the other has.
+/// Returns the first parts of `path`, as many as `other` has.
 std::string_view leadingParts(std::string_view path, std::string_view other) {
     std::size_t end = path.find('/');
     for (auto more = std::count(other.begin(), other.end(), '/'); more > 0; --more)

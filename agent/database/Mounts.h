@@ -6,16 +6,16 @@
 
 namespace QosAgent {
 
-/// A subtree of the database: where it can be mounted, and of what type it is.
+/// A subtree of the database: its mount path and its type.
 struct MountPoint {
     std::string_view path;
     std::string_view type;
-    bool isState;  ///< written by the plug-in alone, once that has started
+    bool isState;  ///< after the plug-in has started, only the plug-in writes it
 };
 
-/// All of them, in the order in which they are shown.
+/// Returns all mount points, in the order of printing.
 std::span<const MountPoint> mountPoints();
-/// What is wrong with a path that leads into none of them.
+/// Returns the message for a path that leads into none of them.
 std::string noSubtree(std::string_view path);
 
 }  // namespace QosAgent

@@ -23,7 +23,7 @@ public:
     PathReader(const Subtree& subtree, Interner& interner)
         : path_{&subtree, {}, rootForm(subtree.type), {}}, interner_(interner) {}
 
-    /// What is wrong with the part; empty if nothing is.
+    /// Returns why the part is wrong; empty if it is right.
     std::string enter(std::string_view part) {
         if (path_.form.isKeyed()) return enterKey(part);
         if (path_.form.hasNamedMembers()) return enterName(part);
@@ -49,7 +49,7 @@ private:
             return unknownMember(*path_.form.type->record, part, " in the path");
         lastPart_ = part;
         path_.form = formOf(*attribute);
-        // A single entity is kept under no key.
+        // A single entity has no key.
         if (path_.form.isEntity()) path_.keys = {};
         path_.steps.push_back({attribute, {}});
         return {};
@@ -57,7 +57,7 @@ private:
 
     Path path_;
     Interner& interner_;
-    std::string_view lastPart_;  ///< that was entered, as it stands in the path
+    std::string_view lastPart_;  ///< the last part, as it is written in the path
 };
 
 }  // namespace

@@ -17,22 +17,22 @@ struct Step {
     Vex::Value key;
 };
 
-/// A place in the database, whether or not anything is there.
+/// A place in the database, which need not exist.
 struct Path {
     const Subtree* subtree;
     std::vector<Step> steps;  ///< from the subtree's root
-    Form form;                ///< of what the path leads to
-    Keys keys;                ///< that this may repeat
+    Form form;                ///< the form at the place
+    Keys keys;                ///< the keys that the value there may repeat
 };
 
-/// The place that `text` names: a mounted path followed by names and keys, separated by `/`; `~0`
-/// and `~1` stand for `~` and `/` in a key. Else what is wrong with it.
+/// Parses a path: a mount path followed by names and keys, separated by `/`. In a key, `~0` stands
+/// for `~` and `~1` for `/`. Returns the place, or a message that says what is wrong.
 std::variant<Path, std::string> parsePath(Database& database, std::string_view text);
 
-/// Appends `/` and the key as `parsePath` reads it.
+/// Appends `/` and the key, escaped for `parsePath`.
 void appendKeyStep(std::string& path, std::string_view key);
-/// The key that a part between two `/` stands for; nothing if a `~` in it begins neither `~0` nor
-/// `~1`.
+/// Returns the key, with `~0` and `~1` unescaped. Returns nothing if another character follows a
+/// `~`.
 std::optional<std::string> keyFromStep(std::string_view part);
 
 }  // namespace QosAgent

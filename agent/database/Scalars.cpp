@@ -20,7 +20,7 @@ bool isDigits(std::string_view text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), isDigit);
 }
 
-/// Decimal digits without leading zeros.
+/// Parses decimal digits without leading zeros.
 std::optional<std::uint64_t> plainNumber(std::string_view text) {
     if (!isDigits(text) || (text.size() > 1 && text[0] == '0')) return {};
     std::uint64_t number = 0;
@@ -40,7 +40,7 @@ std::optional<Value> enumerationFrom(const Type& type, std::string_view name) {
     return {};
 }
 
-/// A number stands only for what has no name.
+/// A number is accepted only for a value without a name.
 std::optional<Value> unnamedFrom(const Type& type, std::optional<std::uint64_t> number) {
     if (type.isNamedOnly || !number || !Vex::nameOf(type.names, *number).empty()) return {};
     return within(type, number);

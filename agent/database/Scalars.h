@@ -8,24 +8,24 @@
 #include "agent/json/Json.h"
 #include "platform/Vex/TypeRecord.h"
 
-/// How single values look as text: keys, and values that are neither records nor lists.
+/// Converts single values to and from text: keys, and values that are neither records nor lists.
 namespace QosAgent {
 
-/// The key that `text` stands for; nothing if it stands for none.
+/// Parses a key. Returns nothing if `text` is not a valid key.
 std::optional<Vex::Value> keyFrom(const Vex::Type& type, std::string_view text, Interner& interner);
-/// Why `keyFrom` gave nothing.
+/// Returns the message for a text that `keyFrom` refuses.
 std::string keyFault(const Vex::Type& type, std::string_view text);
 std::string keyText(const Vex::Type& type, const Vex::Value& key);
-/// Ascending: absent first, names by bytes, numbers by value, records field by field.
+/// The order of keys: absent first, names by bytes, numbers by value, records by field.
 bool keyBelow(const Vex::Value& left, const Vex::Value& right);
 
-/// The value that a JSON value stands for; nothing if it stands for none.
+/// Converts a JSON value. Returns nothing if it is not a valid value of the type.
 std::optional<Vex::Value> scalarFrom(const Vex::Type& type, const JsonValue& json,
                                      Interner& interner);
-/// Why `scalarFrom` gave nothing.
+/// Returns the message for a JSON value that `scalarFrom` refuses.
 std::string scalarFault(const Vex::Type& type, const JsonValue& json);
 
-/// `expected WANTED, found ...`.
+/// Returns `expected WANTED, found ...`.
 std::string unexpected(std::string_view wanted, JsonKind found);
 
 }  // namespace QosAgent

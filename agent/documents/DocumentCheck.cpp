@@ -9,7 +9,7 @@
 namespace QosAgent {
 namespace {
 
-/// Returns whether there are none.
+/// Returns true if there are none.
 bool reportFaults(const DocumentFile& document, std::vector<Fault> faults) {
     if (faults.size() == DocumentCheck::kMostFaults)
         faults.back().message += " (no more than " + std::to_string(DocumentCheck::kMostFaults) +
@@ -44,7 +44,7 @@ bool DocumentCheck::checkState(const DocumentFile& document) {
 bool DocumentCheck::checkConfiguration(const DocumentFile& document) {
     OpenConfigReader reader(database_.interner(), strictness_, kMostFaults);
     reader.read(document.json.root());
-    // Under --strict the faults hold the warnings already.
+    // Under --strict the faults include the warnings.
     if (strictness_ == Strictness::warns)
         reportAll(document, reader.warnings(), Diagnostic::Kind::warning);
     return reportFaults(document, reader.faults());

@@ -11,20 +11,20 @@ namespace QosAgent {
 /// Checks documents one by one and applies nothing.
 class DocumentCheck {
 public:
-    /// No more faults of one document are reported.
+    /// The most faults that are reported for one document.
     static constexpr std::size_t kMostFaults = 20;
 
     explicit DocumentCheck(Strictness strictness) : strictness_(strictness) {}
 
-    /// Reads a document and reports all of its faults and warnings on standard error; of broken
-    /// JSON, the first fault alone. Returns whether it has no fault.
+    /// Reads a document and reports all of its faults and warnings on standard error; for malformed
+    /// JSON, the first fault only. Returns true if it has no fault.
     bool check(const std::string& name);
 
 private:
     bool checkState(const DocumentFile& document);
     bool checkConfiguration(const DocumentFile& document);
 
-    Database database_;  ///< empty: it knows the subtrees
+    Database database_;  ///< stays empty; describes the subtrees
     Strictness strictness_;
 };
 

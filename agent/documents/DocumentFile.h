@@ -11,18 +11,18 @@
 
 namespace QosAgent {
 
-/// A document of the command line: what its file holds, as text and as a tree.
+/// A document of the command line: the contents of its file, as text and as a tree.
 struct DocumentFile {
     std::string name;
     std::string text;
     Json json;
 };
 
-/// Reads a document and its JSON syntax, or returns why it cannot be used.
+/// Reads a document and parses its JSON. Returns a refusal if one of these fails.
 std::variant<DocumentFile, Diagnostic> readDocument(const std::string& name);
 
-/// Reports faults or warnings, `{offset, message}` in ascending order of place, with their places
-/// in the document. Reads the text once, however many there are.
+/// Reports faults or warnings, `{offset, message}` in ascending order of offset, with their places
+/// in the document. Reads the text once.
 template <class Findings>
 void reportAll(const DocumentFile& document, const Findings& findings, Diagnostic::Kind kind) {
     TextPlace place = kTextBegin;

@@ -5,8 +5,8 @@
 
 namespace QosAgent {
 
-/// While it lives, the signals that a loop receives are blocked in the calling thread and in the
-/// threads that it starts.
+/// Blocks the signals that a loop receives, in the calling thread and the threads that it starts,
+/// as long as this object exists.
 class BlockedSignals {
 public:
     static constexpr std::array kStopping{SIGINT, SIGTERM};
@@ -24,7 +24,7 @@ public:
     BlockedSignals(const BlockedSignals&) = delete;
     BlockedSignals& operator=(const BlockedSignals&) = delete;
 
-    /// Lets the process have them as before, those that arrived meanwhile as well.
+    /// Unblocks the signals; pending ones are delivered.
     void release() const { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
 
 private:

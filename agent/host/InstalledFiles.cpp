@@ -42,7 +42,7 @@ std::string installedLibrary(const std::string& name) {
 std::string defaultToggleFolder() {
     const fs::path installed = installFolder();
     if (fs::path folder = installed / kToggleFolder; isThere(folder)) return folder;
-    // The configuration of what is installed in /usr lies in /etc.
+    // A program that is installed in /usr has its configuration in /etc.
     const fs::path above = installed.parent_path() / kToggleFolder;
     return installed.filename() == "usr" && isThere(above) ? above : fs::path();
 }

@@ -13,7 +13,7 @@
 namespace QosAgent {
 namespace {
 
-/// Reads one of the file's structures; false when it does not have that much.
+/// Reads a structure of the file. Returns false if the file is too short.
 template <class Structure>
 bool readAt(const File& file, std::uint64_t offset, Structure& structure) {
     return ::pread(file.fd(), &structure, sizeof structure, static_cast<off_t>(offset)) ==
@@ -25,8 +25,8 @@ bool isLibrary(const ElfW(Ehdr) & header) {
            header.e_phentsize == sizeof(ElfW(Phdr));
 }
 
-/// Whether the file has all that is to be mapped of it: what is not there could be mapped all the
-/// same, and the first access would end the process.
+/// Returns true if the file contains all bytes that its segments map. The system would map missing
+/// pages, too, and the first access to one would kill the process.
 bool isWhole(const File& file, std::uint64_t size) {
     ElfW(Ehdr) header;
     if (!readAt(file, 0, header) || !isLibrary(header)) return true;
@@ -42,8 +42,8 @@ bool isTrustedOwner(uid_t owner) {
     return owner == 0 || owner == ::geteuid();
 }
 
-/// Whether only that user is in the group: distributions give each user such a group, and let it
-/// write what its user makes.
+/// Returns true if the user is the only member of the group. Distributions create such a group for
+/// each user, and make new files writable for it.
 bool isPrivateGroup(gid_t group, uid_t user) {
     const passwd* const account = ::getpwuid(user);
     if (account == nullptr || account->pw_gid != group) return false;

@@ -6,18 +6,18 @@
 
 namespace QosAgent {
 
-/// The file of a shared library, opened once: what is checked here is what is loaded, whatever
-/// takes its place in the folder meanwhile.
+/// The file of a shared library, opened once: the file that is checked is the file that is loaded,
+/// even if the path names another one by then.
 class LibraryFile {
 public:
     explicit LibraryFile(const std::string& path);
 
-    /// Why the file must not be loaded; empty if nothing is known against it. A library is a
-    /// regular file that belongs to root or to the user of this process, that nobody else may
-    /// write, and that is not cut off, which would end the process. The C library refuses the rest.
+    /// Returns why the file must not be loaded; empty if no reason is known. It must be a regular
+    /// file, owned by root or the user of this process, not writable by others, and not truncated,
+    /// which would kill the process. The C library reports other faults.
     std::string fault() const;
-    /// The name by which the C library loads this very file. Keep this object as long as the
-    /// library is loaded: debuggers look the name up later.
+    /// Returns the name by which the C library loads this open file. The caller must keep this
+    /// object as long as the library is loaded, because debuggers look the name up later.
     std::string loadName() const;
 
 private:

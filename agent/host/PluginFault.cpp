@@ -11,7 +11,7 @@
 namespace QosAgent {
 namespace {
 
-/// The name of the type of the exception that is being handled.
+/// Returns the type name of the exception that is being handled.
 std::string typeOfException() {
     const char* const name = abi::__cxa_current_exception_type()->name();
     int status = 0;
@@ -27,7 +27,7 @@ std::optional<std::string> faultOfPlugin(const std::function<void()>& code) {
         code();
         return {};
     } catch (const std::bad_alloc&) {
-        // Another one: the class of the one that was thrown may be the plug-in's own.
+        // A new exception: the class of the thrown one may be the plug-in's.
         throw std::bad_alloc();
     } catch (const std::exception& thrown) {
         const std::string text = thrown.what();

@@ -6,9 +6,9 @@
 
 namespace QosAgent {
 
-/// Runs code of a plug-in, and returns what that throws in words: its text, or its type where it
-/// has none. The exception is destroyed before the function returns, since its code may lie in the
-/// library that the caller closes next. Throws `std::bad_alloc` when memory runs out.
+/// Runs code of a plug-in. If the code throws, returns the exception's text, or its type if it has
+/// no text. The exception is destroyed before the function returns, because its code may be in the
+/// library that the caller closes next. Throws `std::bad_alloc` if memory runs out.
 std::optional<std::string> faultOfPlugin(const std::function<void()>& code);
 
 }  // namespace QosAgent

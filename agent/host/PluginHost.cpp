@@ -14,12 +14,12 @@ namespace {
 constexpr const char* kNotLoaded = "cannot be loaded: ";
 constexpr const char* kNotStarted = "cannot be started: ";
 
-/// A file named `-` is no standard input here.
+/// Here a file named `-` does not mean standard input.
 std::string asPath(const std::string& file) {
     return file.find('/') == std::string::npos ? "./" + file : file;
 }
 
-/// The C library's account of what went wrong, without the file name that it begins with.
+/// Returns the C library's error message without the file name at its beginning.
 std::string loadFault(const std::string& path) {
     const std::string text = ::dlerror();
     const std::string lead = path + ": ";
@@ -46,7 +46,7 @@ std::optional<std::string> PluginHost::load(const std::string& file) {
     file_.emplace(asPath(file));
     if (const std::string fault = file_->fault(); !fault.empty()) return kNotLoaded + fault;
     const std::string name = file_->loadName();
-    // Static objects of the library may throw. It stays mapped then, for good.
+    // Static objects of the library may throw. The library then stays mapped for good.
     const auto thrown =
         faultOfPlugin([&] { library_.reset(::dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL)); });
     if (thrown) return kNotStarted + *thrown;

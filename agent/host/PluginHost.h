@@ -12,22 +12,22 @@
 
 namespace QosAgent {
 
-/// Opens the plug-in's library, lets the plug-ins in it create their mounters over the database,
-/// and takes it all down in the opposite order.
+/// Opens the plug-in's library and initialises its plug-ins, which create their mounters over the
+/// database. Destroys everything in the reverse order.
 class PluginHost {
 public:
     explicit PluginHost(const Orin::Ptr<Strata::EntityManager>& entityManager);
     ~PluginHost();
 
-    /// Loads the library and starts the plug-ins that register themselves. Returns why that cannot
-    /// be done, if it cannot.
+    /// Loads the library and starts the plug-ins that it registers. Returns a message if that
+    /// fails.
     std::optional<std::string> load(const std::string& file);
-    /// Destroys the mounters of one plug-in and creates them anew over the same database; the
-    /// library and its other plug-ins stay. Returns why that cannot be done, if it cannot: no
-    /// plug-in of that name is registered, and nothing was done; or the plug-in failed, and its
-    /// mounters are gone.
+    /// Destroys the mounters of one plug-in and creates them again over the same database. The
+    /// library and its other plug-ins are not affected. Returns a message if no plug-in of this
+    /// name is registered; nothing has changed then. Also returns a message if the plug-in fails;
+    /// it has no mounters then.
     std::optional<std::string> restart(std::string_view plugin);
-    /// The mounters that are alive.
+    /// Returns the existing mounters.
     std::vector<Orin::Ptr<const Vex::TypedNode>> mounters() const;
 
 private:
@@ -35,12 +35,12 @@ private:
         void operator()(void* library) const;
     };
     using Context = Agent::MounterPlugin::MounterContext;
-    /// A plug-in, and the context that keeps its mounters.
+    /// A plug-in, and the context that owns its mounters.
     struct Hosted {
         const Plugin::Loader<Context>::LoaderInitCallerWithContext* initCaller;
         Orin::Ptr<Context> context;
     };
-    /// Initialises a plug-in. Returns what it throws; its mounters are gone then.
+    /// Initialises a plug-in. If it throws, returns the message; it has no mounters then.
     static std::optional<std::string> start(const Hosted& hosted);
 
     Orin::Ptr<Strata::EntityManager> entityManager_;

@@ -19,7 +19,7 @@ std::string lockOf(const std::string& path) {
     return path + ".lock";
 }
 
-/// Whether the lock's file is still the one of that name: whoever held it before removes it.
+/// Returns true if the lock's file still has this name: the previous holder removes the file.
 bool isCurrent(int lock, const std::string& name) {
     struct stat held {};
     struct stat named {};
@@ -27,8 +27,8 @@ bool isCurrent(int lock, const std::string& name) {
            held.st_ino == named.st_ino && held.st_dev == named.st_dev;
 }
 
-/// Returns the locked descriptor; -1 and `errno` if it cannot be had, `EWOULDBLOCK` if another
-/// process has it.
+/// Returns the locked descriptor. Returns -1 and sets `errno` if that fails; `EWOULDBLOCK` if
+/// another process holds the lock.
 int takeLock(const std::string& name) {
     for (;;) {
         const int lock = ::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
@@ -42,7 +42,7 @@ int takeLock(const std::string& name) {
     }
 }
 
-/// Whether a program accepts connections at the socket, whatever lock it holds.
+/// Returns true if a program accepts connections at the socket, even without the lock.
 bool isServed(const sockaddr_un& address) {
     const int probe = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     const int result =
@@ -52,8 +52,8 @@ bool isServed(const sockaddr_un& address) {
     return !isRefused;
 }
 
-/// Removes a socket that nobody serves. Returns why it cannot be removed; empty if nothing is there
-/// any more.
+/// Removes a socket that no program serves any more. Returns a message if that fails; empty if the
+/// path is free.
 std::string removeAbandoned(const sockaddr_un& address) {
     const char* path = address.sun_path;
     struct stat there {};
@@ -91,7 +91,7 @@ SocketPath::SocketPath(SocketPath&& other) noexcept
 SocketPath::~SocketPath() {
     if (lock_ < 0) return;
     ::unlink(path_.c_str());
-    // While the lock is held: whoever opens the file from now on gets one of its own.
+    // The lock is still held: a process that opens the file from now on creates a new one.
     ::unlink(lockOf(path_).c_str());
     ::close(lock_);
 }
@@ -99,7 +99,7 @@ SocketPath::~SocketPath() {
 int SocketPath::listen() const {
     const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     const auto address = unixAddress(path_);
-    // Before it has a name: nobody connects while it has another mode.
+    // Before `bind` gives it a name, so that no client can connect while it has another mode.
     if (fd >= 0 && ::fchmod(fd, 0600) == 0 &&
         ::bind(fd, reinterpret_cast<const sockaddr*>(&*address), sizeof *address) == 0 &&
         ::listen(fd, SOMAXCONN) == 0)

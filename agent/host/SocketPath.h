@@ -8,23 +8,23 @@
 
 namespace QosAgent {
 
-/// The address of a Unix socket; nothing if the path is empty or too long for one.
+/// Returns the address of a Unix socket; nothing if the path is empty or too long.
 std::optional<sockaddr_un> unixAddress(const std::string& path);
 
-/// A path in the file system that this process alone may serve as a Unix socket, until it is
-/// destroyed: it holds a lock on `PATH.lock`, and removes socket and lock in the end.
+/// A claim to a path at which only this process may serve a Unix socket. Holds a lock on
+/// `PATH.lock`. The destructor removes the socket and the lock.
 class SocketPath {
 public:
-    /// Takes the lock and removes the socket of a program that is gone. Returns why that cannot be
-    /// done, if it cannot: another program serves the path, or something else lies there.
+    /// Takes the lock, and removes the socket of a program that ended. Returns a message if another
+    /// program serves the path, or if another file is there.
     static std::variant<SocketPath, std::string> take(const std::string& path);
     SocketPath(SocketPath&& other) noexcept;
     SocketPath& operator=(SocketPath&&) = delete;
     ~SocketPath();
 
     const std::string& path() const { return path_; }
-    /// Makes the socket, with mode 0600, and listens. Returns a non-blocking descriptor that the
-    /// caller owns; -1 and `errno` if the system refuses.
+    /// Creates the socket, with mode 0600, and listens. Returns a non-blocking descriptor that the
+    /// caller owns; -1 with `errno` on failure.
     int listen() const;
 
 private:

@@ -10,7 +10,7 @@ namespace QosAgent {
 void holdStandardStreams() {
     for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (::fcntl(fd, F_GETFD) >= 0) continue;
-        // The lowest free number, so this one; open the wrong way round.
+        // This opens the lowest free number, which is this one, in the wrong direction.
         ::open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     }
 }

@@ -2,9 +2,9 @@
 
 namespace QosAgent {
 
-/// Puts something in the place of each standard stream that the process was started without. Every
-/// read and write of it fails as before, but no file that is opened later takes its number and so
-/// gets what was meant for the stream.
+/// Opens a placeholder for each standard stream that the process was started without. Reads and
+/// writes of it still fail. But no file that is opened later gets its number, and with it the text
+/// for the stream.
 void holdStandardStreams();
 
 }  // namespace QosAgent

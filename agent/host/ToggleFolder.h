@@ -10,25 +10,25 @@
 
 namespace QosAgent {
 
-/// The folder in which toggle files lie, each an object from toggle names to true or false.
+/// The folder of the toggle files. Each file is an object from toggle names to true or false.
 class ToggleFolder {
 public:
     using Toggles = std::map<std::string, bool, std::less<>>;
 
-    /// An empty name: there is no folder.
+    /// An empty name means no folder.
     explicit ToggleFolder(std::string folder) : folder_(std::move(folder)) {}
 
-    /// What a file says, none if it is missing; or why it is refused.
+    /// Returns the toggles of a file, none if the file is missing; or a message if it is refused.
     std::variant<Toggles, Diagnostic> read(std::string_view file) const;
-    /// The state of one toggle; `fallback` where the file says nothing of it, or is refused. The
-    /// first time that the file says false, warns of it: nothing else tells why nothing happens.
+    /// Returns the state of a toggle; `fallback` if the file lacks it or is refused. Warns when a
+    /// toggle is first read as false, because a feature that is off gives no other sign.
     bool state(std::string_view toggle, std::string_view file, bool fallback);
 
 private:
     std::string nameOf(std::string_view file) const { return folder_ + '/' + std::string(file); }
 
     std::string folder_;
-    std::set<std::string, std::less<>> warnedOf_;  ///< toggles
+    std::set<std::string, std::less<>> warnedOf_;  ///< the toggles that were warned of
 };
 
 }  // namespace QosAgent

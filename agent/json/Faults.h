@@ -19,7 +19,7 @@ public:
         if (!isFull()) found_.push_back({offset, std::move(message)});
     }
     bool empty() const { return found_.empty(); }
-    /// No further fault is kept, so that the check may stop.
+    /// Returns true if no further fault is kept, so that the check may stop.
     bool isFull() const { return found_.size() == most_; }
     /// In the order in which they were found.
     const std::vector<Fault>& found() const { return found_; }

@@ -53,7 +53,7 @@ JsonBuilder& JsonBuilder::copy(const JsonValue& value, std::optional<std::size_t
 }
 
 Json JsonBuilder::take() {
-    // Copies of just the size: `shrink_to_fit` would pass over a lack of memory.
+    // Copies of the exact size: `shrink_to_fit` would ignore a lack of memory.
     Json json(std::vector<JsonNode>(nodes_.begin(), nodes_.end()),
               std::vector<char>(texts_.begin(), texts_.end()));
     nodes_.clear();

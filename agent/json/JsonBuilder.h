@@ -15,7 +15,7 @@ namespace QosAgent {
 /// before each member's value; the names of an object must differ.
 class JsonBuilder {
 public:
-    /// The place of what stands in no source text.
+    /// The offset of a value that is in no source text.
     static constexpr std::size_t kNoOffset = std::numeric_limits<std::uint32_t>::max();
 
     JsonBuilder& beginObject(std::size_t offset) { return begin(JsonKind::object, offset); }
@@ -23,10 +23,10 @@ public:
     JsonBuilder& end();
     JsonBuilder& key(std::string_view name, std::size_t offset);
     JsonBuilder& text(std::string_view text, std::size_t offset);
-    /// A value of another tree with all it holds; at `offset`, if given, instead of their own.
+    /// Adds a value of another tree with its contents, all at `offset` if that is given.
     JsonBuilder& copy(const JsonValue& value, std::optional<std::size_t> offset = {});
 
-    /// The tree; the builder is empty again. Precondition: one whole value was built.
+    /// Returns the tree and empties the builder. Precondition: one whole value was built.
     Json take();
 
 private:
@@ -39,9 +39,9 @@ private:
     std::vector<std::size_t> open_;
 };
 
-/// A copy of a value, independent of its tree.
+/// Returns a copy of a value, independent of its tree.
 Json copyOf(const JsonValue& value);
-/// Writes a value with all it holds; numbers as they are spelled.
+/// Writes a value with its contents; numbers as they are spelled.
 void writeJson(JsonWriter& writer, const JsonValue& value);
 
 }  // namespace QosAgent

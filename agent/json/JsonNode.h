@@ -17,12 +17,12 @@ struct JsonNode {
     JsonKind kind;
 
     bool isContainer() const { return kind == JsonKind::array || kind == JsonKind::object; }
-    /// How many nodes further the value's next sibling stands.
+    /// Returns the distance to the value's next sibling, in nodes.
     std::uint32_t nodes() const { return isContainer() ? place : 1; }
 };
 
-/// Walks the items of one container. `Item` says how many key nodes stand before each value
-/// (`kKeyNodes`) and is made of its first node and the texts of the tree.
+/// Walks the items of one container. `Item::kKeyNodes` is the number of key nodes before each
+/// value. An `Item` is constructed from its first node and the texts of the tree.
 template <typename Item>
 class JsonIterator {
 public:
@@ -52,7 +52,7 @@ private:
     const char* texts_;
 };
 
-/// The items of one container, for `for`. Lives as long as the tree.
+/// The items of one container, for range-based `for`. Valid as long as the tree.
 template <typename Item>
 class JsonRange {
 public:

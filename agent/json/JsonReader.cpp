@@ -21,14 +21,14 @@ using Lexer = nlohmann::json;
 constexpr int kNumberOverflow = 406;  // the id of that exception
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
 
-/// What may come after a token, and what beyond the separator that may come there.
+/// The tokens that the grammar allows after a token, and after the separator that may follow it.
 struct Place {
     const Expected& expected;
     char separator;
     const Expected& expectedBeyond;
 };
 
-constexpr char kNoSeparator = ' ';  // never found: white space is skipped before
+constexpr char kNoSeparator = ' ';  // never found, because white space is skipped
 constexpr Place kAtStart{kExpectedValue, kNoSeparator, kExpectedValue};
 constexpr Place kInArray{kExpectedElement, kNoSeparator, kExpectedElement};
 constexpr Place kInObject{kExpectedMember, kNoSeparator, kExpectedMember};
@@ -37,7 +37,7 @@ constexpr Place kAfterElement{kExpectedNextElement, ',', kExpectedValue};
 constexpr Place kAfterMember{kExpectedNextMember, ',', kExpectedKey};
 constexpr Place kAtEnd{kExpectedEnd, kNoSeparator, kExpectedEnd};
 
-/// Where the next token begins, and what the grammar allows it to be.
+/// The offset of the next token, and the tokens that the grammar allows there.
 struct Token {
     std::size_t start;
     const Expected& expected;
@@ -51,24 +51,24 @@ std::string longerThan(std::size_t bytes) {
     return " longer than " + std::to_string(bytes) + " bytes";
 }
 
-/// Builds the tree from the lexer's events. They carry no places: a token begins at the first byte
-/// after the end of the token before it that is neither white space nor the one separator that may
-/// stand there.
+/// Builds the tree from the lexer's events. The events have no offsets: a token begins at the first
+/// byte after the previous token that is neither white space nor the one separator that is allowed
+/// there.
 class TreeBuilder {
 public:
     TreeBuilder(std::string_view text, const Limits& limits) : text_(text), limits_(limits) {}
 
-    /// Once only: the tree moves out.
+    /// Must be called once only, because it moves the tree out.
     JsonResult parse();
 
-    // The lexer's events, under its names; false stops it.
+    // The lexer's events, with the names that it requires. Returning false stops the lexer.
     bool null() { return plainValue(JsonKind::null, 0); }
     bool boolean(bool value) { return plainValue(JsonKind::boolean, value ? 1 : 0); }
     bool number_integer(std::int64_t) { return number(); }
     bool number_unsigned(std::uint64_t) { return number(); }
     bool number_float(double, const std::string&) { return number(); }
     bool string(const std::string& decoded) { return text(Last::value, decoded); }
-    bool binary(const Lexer::binary_t&) { return false; }  // unknown to JSON as text
+    bool binary(const Lexer::binary_t&) { return false; }  // does not occur in JSON text
     bool start_object(std::size_t) { return open(JsonKind::object); }
     bool key(const std::string& decoded) { return text(Last::key, decoded); }
     bool end_object() { return close(); }
@@ -94,7 +94,7 @@ private:
     void addNode(JsonKind kind, std::size_t start, std::size_t size, std::size_t place);
 
     bool fail(Fault fault);
-    /// Objects are checked for duplicates when they close; this checks those that never will.
+    /// Objects are checked for duplicates at their end; this checks those that have not ended.
     void preferOpenDuplicate();
     std::optional<Fault> duplicateIn(std::uint32_t container) {
         return duplicateKeys_.firstIn(nodes_, texts_, container);
@@ -102,8 +102,8 @@ private:
 
     std::string_view text_;
     const Limits& limits_;
-    std::size_t taken_ = 0;  // by the lexer
-    std::size_t end_ = 0;    // of the last token
+    std::size_t taken_ = 0;  // bytes that the lexer consumed
+    std::size_t end_ = 0;    // the end of the last token
     Last last_ = Last::nothing;
     std::vector<JsonNode> nodes_;
     std::vector<char> texts_;
@@ -116,7 +116,7 @@ JsonResult TreeBuilder::parse() {
     Lexer::sax_parse(CountingIterator(text_, 0, &taken_),
                      CountingIterator(text_, text_.size() + 1, &taken_), this);
     if (!fault_) {
-        // The lexer takes a NUL for the end of its input.
+        // The lexer treats a NUL as the end of its input.
         const auto [start, expected] = nextToken();
         if (start < text_.size()) fail(syntaxFault(text_, expected, start, start, {}));
     }
@@ -169,7 +169,7 @@ bool TreeBuilder::parse_error(std::size_t position, const std::string&,
                               const Lexer::exception& error) {
     const auto [start, expected] = nextToken();
     if (error.id == kNumberOverflow) return fail({start, "number out of range"});
-    // The lexer's words come first after the dash, quotes from the text only behind them.
+    // The lexer's own words begin after the dash; quotations of the text follow them.
     const std::string_view message = error.what();
     const std::string_view reason = message.substr(std::min(message.find(" - "), message.size()));
     const std::size_t broken = std::min(position - 1, text_.size());
@@ -198,7 +198,7 @@ std::size_t TreeBuilder::skipSpace(std::size_t at) const {
     return at;
 }
 
-/// True: the lexer goes on.
+/// Returns true, so that the lexer continues.
 bool TreeBuilder::endToken(Last last, std::size_t end) {
     end_ = end;
     last_ = last;
@@ -211,21 +211,21 @@ void TreeBuilder::addText(JsonKind kind, std::size_t start, std::string_view tex
 }
 
 void TreeBuilder::addNode(JsonKind kind, std::size_t start, std::size_t size, std::size_t place) {
-    // One more item of an array or, as its key, of an object.
+    // Counts one more item of an array or, by its key, of an object.
     if (!open_.empty() && last_ != Last::key) ++nodes_[open_.back()].size;
     nodes_.push_back({static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(size),
                       static_cast<std::uint32_t>(place), kind});
 }
 
-/// False: the lexer stops.
+/// Returns false, so that the lexer stops.
 bool TreeBuilder::fail(Fault fault) {
     fault_ = std::move(fault);
     return false;
 }
 
 void TreeBuilder::preferOpenDuplicate() {
-    // From within: an object can be walked once the places of those in it are known. The keys of
-    // an open object stand before all that is wrong within it, so the outermost has the last word.
+    // From the innermost outwards: an object can be walked once the ends of its contents are known.
+    // The keys of an open object precede all faults within it, so the outermost duplicate wins.
     for (; !open_.empty(); open_.pop_back()) {
         const std::uint32_t container = open_.back();
         nodes_[container].place = static_cast<std::uint32_t>(nodes_.size() - container);

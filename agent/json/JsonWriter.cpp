@@ -12,7 +12,7 @@ bool mustBeEscaped(char byte) {
     return static_cast<unsigned char>(byte) < 0x20 || byte == '"' || byte == '\\';
 }
 
-/// The letter of the short escape; NUL if there is none.
+/// Returns the letter of the short escape; NUL if there is none.
 char shortEscape(char byte) {
     switch (byte) {
         case '"':
@@ -48,7 +48,7 @@ void appendEscape(std::string& out, char byte) {
 
 void appendQuoted(std::string& out, std::string_view text) {
     out += '"';
-    std::size_t plain = 0;  // where the run of bytes begins that pass as they are
+    std::size_t plain = 0;  // begin of the current run of bytes that need no escape
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (!mustBeEscaped(text[at])) continue;
         out += text.substr(plain, at - plain);

@@ -7,8 +7,8 @@
 
 namespace QosAgent {
 
-/// Appends `text` as a JSON string, quotes included. Escapes only what JSON demands: `"`, `\` and
-/// U+0000 to U+001F; all other bytes pass as they are, be they UTF-8 or not.
+/// Appends `text` as a JSON string with quotes. Escapes only what JSON requires: `"`, `\` and
+/// U+0000 to U+001F. Copies all other bytes unchanged, even if they are not UTF-8.
 void appendQuoted(std::string& out, std::string_view text);
 
 /// Writes one JSON value, piece by piece, to the end of a string that outlives the writer. Indented
@@ -28,11 +28,11 @@ public:
     JsonWriter& beginArray() { return begin('[', ']'); }
     JsonWriter& endArray() { return end(']'); }
 
-    /// Names must differ within an object; the writer does not check.
+    /// The caller must use different names within an object; the writer does not check this.
     JsonWriter& key(std::string_view name);
     JsonWriter& text(std::string_view value);
     JsonWriter& number(std::uint64_t value);
-    /// A number as it is spelled elsewhere; the writer does not check.
+    /// Writes a number with this spelling; the writer does not check it.
     JsonWriter& number(std::string_view spelled);
     JsonWriter& boolean(bool value);
     JsonWriter& null();

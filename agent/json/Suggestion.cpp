@@ -10,7 +10,7 @@
 namespace QosAgent {
 namespace {
 
-/// So many slips make another word.
+/// With this many differences it is another word.
 constexpr std::size_t kMostSlips = 2;
 constexpr std::size_t kLettersForASlip = 3;
 
@@ -22,7 +22,7 @@ bool isSame(char left, char right) {
     return lowered(left) == lowered(right);
 }
 
-/// How many letters were added, left out, replaced, or swapped with their neighbour.
+/// Returns the number of letters inserted, left out, replaced, or swapped with a neighbour.
 std::size_t slipsBetween(std::string_view left, std::string_view right) {
     std::vector<std::size_t> beforeLast;
     std::vector<std::size_t> last(right.size() + 1);

@@ -6,8 +6,8 @@
 
 namespace QosAgent {
 
-/// `, did you mean "NAME"?` with the known name of which `wrong` is a slip of the keys or of the
-/// case; empty when none is near. The first of several that are equally near.
+/// Returns `, did you mean "NAME"?` with the nearest known name that differs from `wrong` by typing
+/// errors or case; empty if none is near. Takes the first of several equally near ones.
 std::string suggestion(std::string_view wrong, std::span<const std::string_view> known);
 
 }  // namespace QosAgent

@@ -7,7 +7,7 @@
 
 namespace QosAgent {
 
-/// What the grammar allows at some place of a text: in words, and by the bytes it can begin with.
+/// The tokens that the grammar allows at some place: in words, and their possible first bytes.
 struct Expected {
     std::string_view words;
     std::string_view firstBytes;
@@ -22,9 +22,9 @@ inline constexpr Expected kExpectedNextElement{"',' or ']'", ",]"};
 inline constexpr Expected kExpectedNextMember{"',' or '}'", ",}"};
 inline constexpr Expected kExpectedEnd{"the end of the text", ""};
 
-/// Words the fault of a token that begins at `start`: it does not belong there, or it belongs there
-/// but breaks off at the byte `broken` (the text's size if the text ends within the token).
-/// `reason` is the lexer's own account of the latter; it tells the faults of a string apart.
+/// Composes the fault of a token that begins at `start`. Either the token is not allowed there, or
+/// it is malformed at the byte `broken` (the text's size if the text ends within the token).
+/// `reason` is the lexer's message for the latter; it distinguishes the faults of strings.
 Fault syntaxFault(std::string_view text, const Expected& expected, std::size_t start,
                   std::size_t broken, std::string_view reason);
 

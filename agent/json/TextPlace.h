@@ -5,7 +5,7 @@
 
 namespace QosAgent {
 
-/// A place in a text for people: both count from 1, the column counts bytes.
+/// A place in a text: line and column, both from 1. The column counts bytes.
 struct TextPlace {
     std::size_t line;
     std::size_t column;
@@ -15,11 +15,11 @@ struct TextPlace {
 
 inline constexpr TextPlace kTextBegin{1, 1};
 
-/// Where a walk stands that was at `place` and has passed these bytes.
+/// Returns the place after these bytes, which begin at `place`.
 TextPlace placeAfter(const TextPlace& place, std::string_view passed);
 
-/// The place of the byte at `offset`; lines end at `\n`, which is the last byte of its line. An
-/// offset past the end is the end's. Reads the text up to there: for one refusal, not for each key.
+/// Returns the place of the byte at `offset`. A `\n` is the last byte of its line. An offset beyond
+/// the end means the end. Reads the text up to the offset: use it for a refusal, not for each key.
 TextPlace placeOf(std::string_view text, std::size_t offset);
 
 }  // namespace QosAgent

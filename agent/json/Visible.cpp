@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view kHexDigits = "0123456789abcdef";
 
-/// One character of a text, or one byte that belongs to none.
+/// A character of a text, or a byte that belongs to no character.
 struct Character {
     char32_t code;
     std::size_t bytes;
@@ -41,14 +41,14 @@ bool continues(std::string_view text, std::size_t at) {
     return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80;
 }
 
-/// How many bytes a character has that begins with this one; 0 if none does.
+/// Returns the size of a character that begins with this byte; 0 if none does.
 std::size_t lengthAfter(unsigned char lead) {
     if (lead < 0x80) return 1;
     if (lead < 0xC2 || lead > 0xF4) return 0;
     return lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
 }
 
-/// The first character of a text that is not empty.
+/// Returns the first character of a text. Precondition: not empty.
 Character firstOf(std::string_view text) {
     const auto lead = static_cast<unsigned char>(text[0]);
     const std::size_t length = lengthAfter(lead);

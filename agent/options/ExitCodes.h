@@ -2,11 +2,11 @@
 
 namespace QosAgent {
 
-/// How the program ends.
+/// The exit statuses of the program.
 enum ExitCode : int {
     kAllApplied = 0,
-    kSomeRefused = 1,  ///< some change-stream line, and the program went on
-    kUnusable = 2,     ///< the command line, a document, a change stream or the plug-in
+    kSomeRefused = 1,  ///< a change-stream line was refused, and the program went on
+    kUnusable = 2,     ///< the command line, an input or the plug-in could not be used
 };
 
 }  // namespace QosAgent

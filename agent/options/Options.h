@@ -12,19 +12,19 @@
 
 namespace QosAgent {
 
-/// Levels 0 to `level` of the trace handles of that name; `*` names all.
+/// Enables levels 0 to `level` of the trace handles of this name; `*` means all.
 struct TraceSetting {
     std::string handle;
     unsigned level;
     friend bool operator==(const TraceSetting&, const TraceSetting&) = default;
 };
 
-/// What the command line asks for.
+/// The settings of the command line.
 struct Options {
     std::vector<std::string> documents;  ///< in the order given
     std::vector<std::string> streams;    ///< in the order given; `-` is standard input
     std::string pluginFile;
-    std::string toggleFolder;  ///< empty: there is none
+    std::string toggleFolder;  ///< empty: none
     OutputFormat output = OutputFormat::none;
     bool follows = false;
     FollowForm followForm = FollowForm::json;
@@ -33,17 +33,17 @@ struct Options {
     std::vector<TraceSetting> traces;   ///< in the order given
     std::string traceFile;              ///< empty: standard error
     bool keepsGoing = false;
-    bool isStrict = false;  ///< what would be warned of is refused
+    bool isStrict = false;  ///< refuse instead of warning
     bool checksOnly = false;
     ServiceOptions service;
 };
 
-/// The command line was answered already, or refused: the program ends with this status.
+/// The status with which the program must end, because the command line was answered or refused.
 struct ExitStatus {
     int status;
 };
 
-/// Reads the command line. Answers `--help` and `--version` on standard output; refuses with one
+/// Parses the command line. Answers `--help` and `--version` on standard output. Refuses with one
 /// line on standard error.
 std::variant<Options, ExitStatus> parseOptions(int argc, const char* const* argv);
 

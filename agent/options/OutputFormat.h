@@ -2,7 +2,7 @@
 
 namespace QosAgent {
 
-/// What is printed at the end: `--output`.
+/// The format of `--output`.
 enum class OutputFormat { table, openconfig, entities, none };
 
 }  // namespace QosAgent

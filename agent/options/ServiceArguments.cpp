@@ -10,7 +10,7 @@
 namespace QosAgent {
 namespace {
 
-/// They are about a database that the program hosts itself.
+/// The options that need a database in this process.
 constexpr std::array kNotBesideConnect{"--plugin", "--toggle-dir", "--trace",  "--trace-file",
                                        "--strict", "--check",      "--listen", "--record",
                                        "--gnmi",   "--http",       "--store"};

@@ -11,11 +11,11 @@ namespace QosAgent {
 /// The part of the command line that is about services.
 class ServiceArguments {
 public:
-    /// Describes the options to the library, which fills `options` later.
+    /// Registers the options with the library, which fills `options` when it parses.
     ServiceArguments(CLI::App& app, ServiceOptions& options);
 
-    /// To be called once the command line was read. Throws `CLI::ParseError` if options are given
-    /// that do not go together.
+    /// Must be called after the command line is parsed. Throws `CLI::ParseError` if options
+    /// contradict each other.
     void complete();
 
 private:

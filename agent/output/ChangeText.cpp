@@ -32,7 +32,7 @@ std::string timeText(ChangeText::Time now) {
     return text;
 }
 
-/// Takes the next part of a path, with `~1` and `~0` read as `/` and `~`.
+/// Removes the next part of a path and returns it, with `~1` and `~0` unescaped to `/` and `~`.
 std::string takePart(std::string_view& path) {
     const std::size_t end = std::min(path.find('/'), path.size());
     std::string part;
@@ -69,7 +69,7 @@ std::vector<std::uint8_t> valuesOf(const std::optional<JsonValue>& family) {
     return values;
 }
 
-/// What a term holds, in words. Tells what is there and empty from what is absent.
+/// Describes a term's contents. Distinguishes empty from absent parts.
 std::string termText(std::string_view classifierType, const JsonValue& term) {
     std::string text;
     if (const auto conditions = memberOf(term, "conditions")) {

@@ -10,8 +10,8 @@
 
 namespace QosAgent {
 
-/// Rewrites followed changes for people, one short line each: the time, the classifier, the term,
-/// what was there and what is there now.
+/// Formats followed changes for people, each as one short line: the time, the classifier, the term,
+/// the old and the new value.
 ///
 ///     12:31:05.123Z edge: absent -> IPV4
 ///     12:31:05.124Z edge voice: dscp 46(EF) -> dscp 46(EF), group gold
@@ -22,7 +22,7 @@ class ChangeText {
 public:
     using Time = std::chrono::system_clock::time_point;
 
-    /// Sets what is there at the beginning: the state tree as `print` `state` writes it.
+    /// Sets the initial state: the state tree as `print` `state` writes it.
     void stateIs(const JsonValue& state);
 
     /// Returns the text of a change, an `update` or `delete` as `--follow=json` writes it. A line
@@ -34,7 +34,7 @@ private:
         std::string type;                          ///< empty: none was published yet
         std::map<std::string, std::string> terms;  ///< what each holds, in words
     };
-    /// Where a change took place, below the state tree. Names are those of the database.
+    /// The place of a change, below the state tree. Names are those of the database.
     struct Place {
         std::string classifier;
         bool isTerms = false;

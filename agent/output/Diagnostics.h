@@ -7,10 +7,10 @@
 #include "agent/json/TextPlace.h"
 #include "agent/output/Output.h"
 
-/// What is said on standard error. `file` is as it was named on the command line.
+/// Messages on standard error. `file` is the name that the command line gave.
 namespace QosAgent {
 
-/// One line on standard error: why something was refused, or what was passed over.
+/// One line on standard error: a refusal or a warning.
 struct Diagnostic {
     enum class Kind { refusal, warning };
 
@@ -18,22 +18,22 @@ struct Diagnostic {
     std::string place;  ///< `FILE`, or `FILE:LINE:COLUMN`
     std::string message;
 
-    /// `PLACE: MESSAGE` or `PLACE: warning: MESSAGE`, both `visible`, so that it is one line
-    /// whatever they hold. Colour is for what stands before the message.
+    /// Returns `PLACE: MESSAGE` or `PLACE: warning: MESSAGE`. Both parts pass through `visible`, so
+    /// that the text is one line. The part before the message is coloured.
     std::string line(bool hasColour = false) const;
 };
 
 Diagnostic refusal(std::string_view file, std::string_view message);
 Diagnostic refusal(std::string_view file, const TextPlace& place, std::string_view message);
-/// The same for a fault in a text.
+/// Makes a refusal for a fault in a text.
 Diagnostic refusal(std::string_view file, std::string_view text, const Fault& fault);
 Diagnostic warning(std::string_view file, std::string_view message);
 Diagnostic warning(std::string_view file, const TextPlace& place, std::string_view message);
 
-/// Writes the line to standard error: in colour if that is a terminal that has it, with its
-/// severity before it if that is the journal.
+/// Writes the line to standard error. Uses colour if that is a terminal with colour, and a severity
+/// prefix if it is the journal.
 void report(const Diagnostic& diagnostic);
-/// Reports that a write to standard output failed; false if none did.
+/// Reports a failed write to standard output. Returns false if there was none.
 bool reportFault(const Output& standardOutput);
 
 }  // namespace QosAgent

@@ -19,7 +19,7 @@ constexpr Codepoint kCodepoints[] = {
 
 constexpr std::size_t kLeastRange = 3;
 
-/// How many values from the first on each follow on the one before.
+/// Returns the length of the run of consecutive values at the beginning.
 std::size_t runLength(std::span<const std::uint8_t> values) {
     std::size_t length = 1;
     while (length < values.size() && values[length] == values[length - 1] + 1)

@@ -6,9 +6,9 @@
 
 namespace QosAgent {
 
-/// Writes DSCP values for people, in the order given: `46(EF)`, `32(CS4),34(AF41)`, `8-15`. Three
-/// or more values in a row that each follow on the one before become a range. The names are those
-/// of RFC 2474, RFC 2597 and RFC 3246; most values have none.
+/// Formats DSCP values for people, in the given order: `46(EF)`, `32(CS4),34(AF41)`, `8-15`. Three
+/// or more consecutive values become a range. The names are those of RFC 2474, RFC 2597 and RFC
+/// 3246; most values have none.
 std::string dscpText(std::span<const std::uint8_t> values);
 
 }  // namespace QosAgent

@@ -7,13 +7,13 @@
 
 namespace QosAgent {
 
-/// The width of a text on a terminal: its characters, not bytes; each is taken to be one column
-/// wide.
+/// Returns the width of a text on a terminal: the number of its characters. Each counts as one
+/// column.
 std::size_t widthOf(std::string_view text);
 
-/// Cuts a text into lines of at most `width` characters; all but the first begin with `indent`
-/// spaces, but at most half of the width. Breaks behind one of `signs`, or within a word where a
-/// line has none. Nothing of the text is lost.
+/// Splits a text into lines of at most `width` characters. All lines but the first begin with
+/// `indent` spaces, at most half of the width. Breaks a line after one of `signs`, or within a word
+/// if it has none. Keeps all characters.
 std::vector<std::string> folded(std::string_view text, std::size_t width, std::size_t indent,
                                 std::string_view signs);
 

@@ -8,21 +8,21 @@
 
 namespace QosAgent {
 
-/// How followed changes are written: as change-stream lines, or as short lines for people.
+/// The form of followed changes: change-stream lines, or short lines for people.
 enum class FollowForm { json, text };
 
-/// Writes followed changes, which it takes as change-stream lines, in one of the forms. Knows
-/// nothing of the database, so that a client of another agent can use it too.
+/// Takes followed changes as change-stream lines and writes them in one of the forms. Does not use
+/// the database, so that a client of another agent can use it, too.
 class FollowOutput {
 public:
     /// The output must outlive this object.
     FollowOutput(Output& output, FollowForm form);
 
-    /// Returns whether the writer needs to know the state of the beginning.
+    /// Returns true if the writer needs the initial state.
     bool needsState() const { return text_.has_value(); }
-    /// Sets the state of the beginning, as `print` `state` writes it.
+    /// Sets the initial state, as `print` `state` writes it.
     void stateIs(std::string_view state);
-    /// Writes a change, or any other line as it is.
+    /// Writes a change; writes any other line unchanged.
     void line(std::string_view line);
 
 private:

@@ -10,7 +10,7 @@ class Follower : private ChangeListener {
 public:
     /// Prints change-stream lines. Feed and output must outlive the follower.
     Follower(Feed& feed, Output& output) : Follower(feed, FollowOutput(output, FollowForm::json)) {}
-    /// Prints changes in that form; `state` is the state tree, as it is at the beginning.
+    /// Prints changes in this form; `state` is the initial state tree.
     Follower(Feed& feed, Output& output, FollowForm form, const Subtree& state);
     ~Follower() override { feed_.listenerDel(*this); }
     Follower(const Follower&) = delete;

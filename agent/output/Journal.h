@@ -4,13 +4,13 @@
 
 namespace QosAgent {
 
-/// Severities as the journal of the system reads them at the beginning of a line.
+/// The severity prefixes that the system's journal recognises at the beginning of a line.
 inline constexpr std::string_view kJournalError = "<3>";
 inline constexpr std::string_view kJournalWarning = "<4>";
 
-/// Returns whether a stream of the process goes to the journal, as the environment variable
-/// `JOURNAL_STREAM` (`DEVICE:INODE`) says. A service manager sets it; a stream that was sent
-/// elsewhere since has another inode.
+/// Returns true if a stream of the process goes to the journal. The service manager sets the
+/// environment variable `JOURNAL_STREAM` to `DEVICE:INODE`; a stream that was redirected since has
+/// another inode.
 bool isJournal(int fd);
 
 }  // namespace QosAgent

@@ -7,8 +7,8 @@
 
 namespace QosAgent {
 
-/// Composes the tree of machines for people: one thing a line, indented below what holds it. An
-/// empty label is that of a member of a collection.
+/// Formats the tree of machines for people: one object on each line, indented below its owner. An
+/// empty label means a member of a collection.
 class MachineText {
 public:
     using Name = std::optional<std::string_view>;
@@ -18,9 +18,9 @@ public:
         ++depth_;
     }
     void beginMembers(std::string_view label);
-    /// Of the machine or of the members that began last.
+    /// The indentation of the machine or collection that began last.
     void end() { --depth_; }
-    /// An input: the type and name of an entity.
+    /// Adds an input: the type and name of an entity.
     void named(std::string_view label, std::string_view type, Name name);
     void value(std::string_view label, std::string_view text) { begin(label).append(text); }
 

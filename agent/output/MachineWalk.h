@@ -24,7 +24,7 @@ public:
     virtual void endMachine() = 0;
     virtual void beginMembers(std::string_view label) = 0;
     virtual void endMembers() = 0;
-    /// A member that is no machine.
+    /// A member that is not a machine.
     virtual void member(const TypedValue& key, const TypedValue& value) = 0;
     virtual void input(std::string_view label, std::string_view type,
                        const std::optional<std::string>& name) = 0;

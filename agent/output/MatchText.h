@@ -7,12 +7,12 @@
 
 namespace QosAgent {
 
-/// What stands before the values of the classifier's own family.
+/// The text before the values of the classifier's own family.
 inline constexpr std::string_view kDscpTitle = "dscp ";
 
-/// Writes for people what a term matches, `dscp 46(EF)` or `dscp 8-15; ipv6 dscp 1`; empty where it
-/// matches nothing. `classifierType` is `IPV4` or `IPV6`: values of another family than that carry
-/// the family's name.
+/// Formats the match of a term for people: `dscp 46(EF)` or `dscp 8-15; ipv6 dscp 1`; empty if it
+/// matches nothing. `classifierType` is `IPV4` or `IPV6`: values of the other family are preceded
+/// by its name.
 std::string matchText(std::string_view classifierType, std::span<const std::uint8_t> ipv4,
                       std::span<const std::uint8_t> ipv6);
 

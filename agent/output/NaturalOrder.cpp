@@ -10,7 +10,7 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-/// Takes the run of digits that the text begins with, without its leading zeros.
+/// Removes the digits at the beginning of the text; returns them without leading zeros.
 std::string_view takeNumber(std::string_view& text) {
     const auto* const end = std::find_if_not(text.begin(), text.end(), isDigit);
     std::string_view number(text.begin(), end);
@@ -24,7 +24,7 @@ std::strong_ordering compareNumbers(std::string_view left, std::string_view righ
     return left <=> right;
 }
 
-/// Takes one byte, or a number where both begin with one.
+/// Compares and removes one byte, or a number if both texts begin with one.
 std::strong_ordering takeAndCompare(std::string_view& left, std::string_view& right) {
     if (isDigit(left.front()) && isDigit(right.front())) {
         const std::string_view leftNumber = takeNumber(left);

@@ -24,8 +24,8 @@ void Output::line(std::string_view text) {
 void Output::recover(int error) {
     if (error == EINTR) return;
     if (error == EAGAIN) {
-        // Whoever made the file non-blocking shares it with us: setting it back would be a
-        // surprise.
+        // Another process shares the file and made it non-blocking; changing that back would
+        // surprise it.
         pollfd full{fd_, POLLOUT, 0};
         ::poll(&full, 1, -1);
         return;

@@ -5,26 +5,26 @@
 
 namespace QosAgent {
 
-/// What the program says on a stream of the process: standard output, standard error or a trace
-/// file. Nothing is kept back, so that lines from several places stand in the order in which they
-/// were written.
+/// Writes lines to a stream of the process: standard output, standard error or a trace file. Does
+/// not buffer, so that lines of several writers to one terminal or file appear in the order in
+/// which they were written.
 class Output {
 public:
-    /// Closes nothing.
+    /// Does not close the descriptor.
     explicit Output(int fd) : fd_(fd) {}
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
-    /// Writes the text and a line end in one go, and waits as long as there is no room for it. Has
-    /// no effect after a write has failed.
+    /// Writes the text and a line end by one call. Blocks while the stream has no room. No-op after
+    /// a failed write.
     void line(std::string_view text);
-    /// Why a write failed; empty while none has.
+    /// Returns why a write failed; empty if none failed.
     const std::string& fault() const { return fault_; }
-    /// Whether a write failed because nobody reads what is written any more.
+    /// Returns true if a write failed because the reader closed the stream.
     bool isReaderGone() const { return isReaderGone_; }
 
 private:
-    /// Copes with the `errno` of a write that failed.
+    /// Handles the `errno` of a failed write.
     void recover(int error);
 
     int fd_;

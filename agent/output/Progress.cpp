@@ -49,7 +49,7 @@ std::string Progress::line() const {
     const std::size_t total = total_.load(std::memory_order_relaxed);
     if (total != 0)
         doing += ", " + std::to_string(done_.load(std::memory_order_relaxed) * 100 / total) + " %";
-    // A line that goes on in the next one could not be drawn over. A path's end tells most.
+    // A line that is longer than the terminal could not be redrawn. The end of a path says most.
     const std::size_t room = columns_ - std::min(columns_, doing.size() + 1);
     return what_.substr(what_.size() - std::min(what_.size(), room)) + doing;
 }

@@ -10,18 +10,18 @@
 
 namespace QosAgent {
 
-/// Draws a line on standard error while a load takes longer than a second, and only on a terminal;
-/// takes it away in the end. A thread of its own draws it; it touches nothing but this object.
+/// Draws a progress line on standard error if that is a terminal and the load takes longer than a
+/// second. The destructor removes the line. A separate thread draws it and uses only this object.
 class Progress {
 public:
-    /// `what` is loaded.
+    /// `what` is the name of the input that is loaded.
     explicit Progress(std::string_view what);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// So much is done of a total, which is the same each time. Before the first call, nobody knows
-    /// how much there is to do.
+    /// Reports that `done` of `total` is done. The total must be the same in all calls. Before the
+    /// first call the total is unknown.
     void doneIs(std::size_t done, std::size_t total) {
         done_.store(done, std::memory_order_relaxed);
         total_.store(total, std::memory_order_relaxed);

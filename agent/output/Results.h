@@ -8,8 +8,8 @@
 
 namespace QosAgent {
 
-/// What `--output` prints at the end, without the last line end. Precondition: the format is not
-/// `none`.
+/// Returns the text that `--output` prints at the end, without the last line end. Precondition: the
+/// format is not `none`.
 std::string resultText(OutputFormat format, const Database& database, const Terminal& terminal);
 
 }  // namespace QosAgent

@@ -27,17 +27,17 @@ constexpr std::size_t kGap = 2;
 constexpr std::size_t kMatchColumn = 3;
 /// A wider column of matches is folded to this width before any name is folded.
 constexpr std::size_t kMatchWidth = 24;
-/// No column is folded to less, even where the row does not fit then.
+/// No column is folded to less, even if the row does not fit then.
 constexpr std::size_t kLeastWidth = 8;
-/// Where nothing is folded, a wider cell moves what follows it and no other row: one name must not
-/// make every row as long as itself.
+/// If nothing is folded, a wider cell moves only the following cells of its row: one long name must
+/// not widen every row.
 constexpr std::size_t kAlignedWidth = 128;
 constexpr std::string_view kNothing = "-";
 constexpr std::string_view kNoClassifiers = "no classifier is published";
 
 using Widths = std::array<std::size_t, kColumns>;
 
-/// Signs after which a text may go on in the next line.
+/// Characters after which a text may be broken.
 constexpr std::string_view kNameSigns = ",-_.:/ ";
 constexpr std::string_view kValueSigns = ", ";
 
@@ -102,7 +102,7 @@ void appendClassifier(std::vector<Row>& rows, const QosOc::State::Classifier& cl
                     shown(""), shown(""), shown("")});
 }
 
-/// How the rows are laid out: the columns' widths, and whether wider cells are folded to them.
+/// The layout of the rows: the widths of the columns, and whether wider cells are folded.
 struct Layout {
     Widths widths{};
     bool folds = false;
@@ -134,7 +134,7 @@ void fit(Widths& widths, std::size_t room) {
     }
 }
 
-/// The line of that number in a row.
+/// Returns the line with this number of a row.
 std::string joined(const std::array<std::vector<std::string>, kColumns>& cells, std::size_t number,
                    const Widths& widths) {
     std::string joined;

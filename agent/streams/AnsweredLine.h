@@ -7,15 +7,15 @@
 
 namespace QosAgent {
 
-/// A line of a change stream, and what became of it.
+/// A line of a change stream, and its answer.
 struct AnsweredLine {
     const std::string& stream;  ///< the file's name, or `-`
-    bool isKept;                ///< the stream is a file in which the line can be read again
+    bool isKept;                ///< the stream is a file, in which the user can look up the line
     std::size_t number;         ///< of the line, from 1
     const Answer& answer;
 };
 
-/// Reports warnings and refusal of a line on standard error, with their places.
+/// Reports the warnings and the refusal of a line on standard error, with their places.
 void reportAnswer(const AnsweredLine& line);
 
 }  // namespace QosAgent

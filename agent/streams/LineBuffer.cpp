@@ -5,7 +5,7 @@
 namespace QosAgent {
 namespace {
 
-/// The memory of a longer line is given back as soon as the line is done with.
+/// The memory of a longer line is freed when the next line begins.
 constexpr std::size_t kMostRetained = std::size_t{1} << 16;
 
 }  // namespace

@@ -8,34 +8,34 @@
 
 namespace QosAgent {
 
-/// Splits text into lines as it is read piece by piece. A line ends with `\n` or `\r\n`, the last
-/// one perhaps with the text.
+/// Splits text that is read in pieces into lines. A line ends with `\n` or `\r\n`; the last one may
+/// end with the text.
 ///
 ///     read into room(), say filled(), then call next() until it returns false
 class LineBuffer {
 public:
-    /// Keeps no more of a line than `mostBytes` and what shows that it is longer. Text is read in
-    /// pieces of `pieceBytes`.
+    /// Keeps at most `mostBytes` of a line, and enough more to show that it is longer. The caller
+    /// reads pieces of `pieceBytes`.
     LineBuffer(std::size_t mostBytes, std::size_t pieceBytes)
         : mostKept_(mostBytes + 2), piece_(pieceBytes) {}
 
-    /// Where to read the next piece to. Valid once `next` has returned false.
+    /// Returns the buffer for the next piece. Precondition: `next` has returned false.
     std::span<char> room() { return piece_; }
-    /// So many bytes were read to there.
+    /// Reports the number of bytes that were read into the buffer.
     void filled(std::size_t count) { rest_ = {piece_.data(), count}; }
 
-    /// Goes on to the next line. Returns false if the text read so far holds no whole one.
+    /// Moves to the next line. Returns false if the text read so far has no further complete line.
     bool next();
-    /// At the end of the text: goes on to what stands behind the last line end. Returns false if
-    /// nothing does.
+    /// Must be called at the end of the text. Moves to the text after the last line end. Returns
+    /// false if there is none.
     bool last();
-    /// The number of this line, from 1.
+    /// Returns the number of this line, from 1.
     std::size_t number() const { return number_; }
-    /// This line without what ends it. Valid until the next call of anything else.
+    /// Returns this line without its line end. Valid until the next call of another function.
     std::string_view line() const { return line_; }
-    /// Moves the line out.
+    /// Moves this line out.
     std::string take() { return std::move(line_); }
-    /// How many bytes are held of a line that has not ended yet.
+    /// Returns the number of bytes of the incomplete line.
     std::size_t heldBytes() const { return isEnded_ ? 0 : line_.size(); }
 
 private:

@@ -18,7 +18,7 @@ bool LineReader::next() {
     if (stop_.isStopRequested()) return false;
     while (!lines_.next()) {
         if (fill()) continue;
-        // What a signal or an error cuts off is no line; what the file's end cuts off is one.
+        // A line that a signal or an error cuts off does not count; the end of the file ends one.
         return error_ == 0 && !stop_.isStopRequested() && lines_.last();
     }
     return true;

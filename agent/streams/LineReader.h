@@ -8,25 +8,25 @@
 
 namespace QosAgent {
 
-/// Reads a file line by line and waits for each. A line ends with `\n` or `\r\n`, the last one
-/// perhaps with the file.
+/// Reads a file line by line; blocks until a line is complete. A line ends with `\n` or `\r\n`; the
+/// last one may end with the file.
 class LineReader {
 public:
-    /// Of a line longer than `mostBytes`, no more is kept than shows that it is.
+    /// Of a line that is longer than `mostBytes`, keeps only enough to show that it is.
     LineReader(int fd, std::size_t mostBytes, const StopSignals& stop);
 
-    /// Goes on to the next line. Returns false at the end, when a signal asks to stop, and on an
-    /// error.
+    /// Moves to the next line. Returns false at the end, on an error, and if a signal asked to
+    /// stop.
     bool next();
-    /// The number of this line, from 1.
+    /// Returns the number of this line, from 1.
     std::size_t number() const { return lines_.number(); }
-    /// This line without what ends it. Valid until the next call of `next`.
+    /// Returns this line without its line end. Valid until the next call of `next`.
     std::string_view line() const { return lines_.line(); }
-    /// `errno` of the read that failed; 0 while none has.
+    /// Returns the `errno` of a failed read; 0 if none failed.
     int error() const { return error_; }
 
 private:
-    /// Reads more into the buffer; false when there is no more.
+    /// Reads more into the buffer. Returns false if there is no more.
     bool fill();
 
     int fd_;

@@ -11,7 +11,7 @@
 
 namespace QosAgent {
 
-/// One kind of operation; its name is the member of the line that has its operand.
+/// A kind of operation. Its name is the name of the member that has the operand.
 struct Verb {
     using Apply = std::optional<Fault> (Operations::*)(const JsonValue& operand,
                                                        const JsonValue* value);
@@ -46,7 +46,7 @@ const Verb* verbNamed(std::string_view name) {
 constexpr std::string_view kDocumentHint =
     "; a document is an INPUT of its own, FILE.json or /dev/stdin";
 
-/// Whether a line that breaks off there looks like the first of a document over several lines.
+/// Returns true if a line that ends at this fault looks like the first line of a document.
 bool beginsDocument(std::string_view line, const Fault& fault) {
     const std::size_t last = line.find_last_not_of(" \t\r\n");
     return fault.offset == line.size() && (line[last] == '{' || line[last] == '[');
@@ -103,7 +103,7 @@ std::optional<Fault> lineFault(const Line& line, const JsonValue& operation) {
     return {};
 }
 
-/// Why a thing of this form can be neither deleted nor touched; empty if it can be.
+/// Returns why a place of this form can be neither deleted nor touched; empty if it can.
 std::string_view fixedFault(const Form& form) {
     if (form.isMember || form.isNullable) return {};
     if (form.isRoot) return "the root of a subtree";

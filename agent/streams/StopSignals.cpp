@@ -45,12 +45,12 @@ bool StopSignals::wait(std::span<pollfd> descriptors) const {
     sigemptyset(&blocked);
     for (const int signal : kSignals)
         sigaddset(&blocked, signal);
-    // Blocked between the question and the wait: a signal then ends the wait, not falls between.
+    // Blocks the signals between the check and the wait, so that no signal is lost between them.
     ::sigprocmask(SIG_BLOCK, &blocked, &before);
     while (!isStopRequested() &&
            ::ppoll(descriptors.data(), descriptors.size(), nullptr, &before) < 0 &&
            errno == EINTR) {
-        // Another signal: a read now could take a pipe without writers for one that has ended.
+        // Another signal ended the wait. A read now would see a pipe without writers as ended.
     }
     ::sigprocmask(SIG_SETMASK, &before, nullptr);
     return !isStopRequested();

@@ -8,8 +8,8 @@
 
 namespace QosAgent {
 
-/// While it lives, the first SIGINT or SIGTERM asks the process to stop reading; a second one ends
-/// it at once. One at a time.
+/// As long as this object exists, the first SIGINT or SIGTERM asks the process to stop reading, and
+/// a second one ends it at once. There must be at most one such object.
 class StopSignals {
 public:
     StopSignals();
@@ -18,11 +18,11 @@ public:
     StopSignals& operator=(const StopSignals&) = delete;
 
     bool isStopRequested() const;
-    /// Waits until one of the descriptors is ready; passes over negative ones. False when asked to
-    /// stop, before or meanwhile.
+    /// Waits until one of the descriptors is ready; ignores negative ones. Returns false if a
+    /// signal asked to stop, before or during the wait.
     bool wait(std::span<pollfd> descriptors) const;
-    /// Waits until a read of the file would not block. False when asked to stop, before or
-    /// meanwhile.
+    /// Waits until a read of the file would not block. Returns false if a signal asked to stop,
+    /// before or during the wait.
     bool waitReadable(int fd) const;
 
 private:

@@ -4,14 +4,14 @@
 
 namespace QosAgent {
 
-/// Where the output of one change stream goes: standard output, or a client.
+/// The output of one change stream: standard output, or a client.
 class StreamOutput {
 public:
     virtual ~StreamOutput() = default;
 
     /// Writes the text, of one or several lines, and a line end.
     virtual void line(std::string_view text) = 0;
-    /// From now on the output gets each published change as a line, or no more.
+    /// Starts or stops writing each published change as a line.
     virtual void followIs(bool follows) = 0;
 };
 

@@ -6,12 +6,12 @@
 
 namespace QosAgent {
 
-/// Where the trace lines of the process go, from construction to destruction.
+/// Writes the trace lines of the process to a descriptor, from construction to destruction.
 class TraceOutput {
 public:
     explicit TraceOutput(int fd);
     ~TraceOutput();
-    /// Why a line could not be written; empty while all could.
+    /// Returns why a line could not be written; empty if all could.
     const std::string& fault() const { return output_.fault(); }
 
 private:

@@ -8,8 +8,8 @@
 
 namespace Acl {
 
-/// The rules of an access list. Its owner changes `ruleIdBySequence` once the rules by id are as
-/// they should be; whoever reads the rules watches the sequence.
+/// The rules of an access list. A writer must update the rules by id first and `ruleIdBySequence`
+/// last. A reader of the rules subscribes to `ruleIdBySequence`.
 class PLATFORM_API AclSubConfig final : public Vex::Entity<AclSubConfig> {
 public:
     static constexpr std::string_view kTypeName = "Acl::AclSubConfig";

@@ -8,7 +8,7 @@
 
 namespace Acl {
 
-/// What an access list matches.
+/// The protocol that an access list matches.
 enum class AclType : std::uint8_t { ipv4 = 0, ipv6 = 1, mac = 2 };
 
 inline constexpr std::array kAclTypeNames{

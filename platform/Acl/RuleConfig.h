@@ -7,17 +7,17 @@
 
 namespace Acl {
 
-/// What the filters of all address families have in common.
+/// The base class of the filters of all address families.
 struct IpFilterBase {
     friend bool operator==(const IpFilterBase&, const IpFilterBase&) = default;
 };
 
-/// What the rules of all address families have in common.
+/// The base class of the rules of all address families.
 struct RuleConfig {
     friend bool operator==(const RuleConfig&, const RuleConfig&) = default;
 };
 
-/// What an IPv4 rule matches, as far as it concerns QoS.
+/// The match of an IPv4 rule, as far as it concerns QoS.
 struct PLATFORM_API IpFilter : IpFilterBase {
     static constexpr std::string_view kTypeName = "Acl::IpFilter";
     static const Vex::TypeRecord kTypeRecord;
@@ -37,8 +37,8 @@ struct PLATFORM_API IpFilter : IpFilterBase {
     friend bool operator==(const IpFilter&, const IpFilter&) = default;
 };
 
-/// What an IPv6 rule matches, as far as it concerns QoS: the bits of the traffic class (RFC 8200)
-/// that the mask selects. The DSCP is its upper six bits (RFC 2474).
+/// The match of an IPv6 rule, as far as it concerns QoS: the bits of the traffic class (RFC 8200)
+/// that the mask selects. The DSCP is the upper six bits of the traffic class (RFC 2474).
 struct PLATFORM_API Ip6Filter : IpFilterBase {
     static constexpr std::string_view kTypeName = "Acl::Ip6Filter";
     static const Vex::TypeRecord kTypeRecord;
@@ -95,15 +95,15 @@ struct PLATFORM_API Ip6RuleConfig : RuleConfig {
 inline constexpr unsigned kDscpShift = 2;
 inline constexpr unsigned kWholeDscp = 63;
 
-/// True if the rule matches on a DSCP: an IPv4 rule where that is enabled, an IPv6 rule whose mask
-/// covers the whole DSCP.
+/// Returns true if the rule matches a DSCP: an IPv4 rule if `dscpEnabled` is set, an IPv6 rule if
+/// its mask covers the whole DSCP.
 constexpr bool matchesDscp(const IpRuleConfig& rule) noexcept {
     return rule.filter.dscpEnabled;
 }
 constexpr bool matchesDscp(const Ip6RuleConfig& rule) noexcept {
     return rule.filter.trafficClassMask >> kDscpShift == kWholeDscp;
 }
-/// The DSCP of a rule that matches one. An IPv4 rule may hold a value over 63.
+/// Returns the DSCP; the rule must match one. An IPv4 rule may have a value over 63.
 constexpr std::uint8_t dscpOf(const IpRuleConfig& rule) noexcept {
     return rule.filter.dscpValue;
 }

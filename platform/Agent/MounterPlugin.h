@@ -15,8 +15,8 @@ namespace Agent::MounterPlugin {
 
 class MounterBase;
 
-/// What an agent hands to the mounter plug-ins that it initialises, and where it finds the
-/// mounters that they made.
+/// The context with which an agent initialises mounter plug-ins. It owns the mounters that they
+/// create.
 class PLATFORM_API MounterContext : public Orin::Node {
 public:
     explicit MounterContext(const Orin::Ptr<Strata::EntityManager>& entityManager);
@@ -29,7 +29,7 @@ public:
     Orin::Ptr<Strata::MountGroup> mountGroup() const;
     const std::vector<Orin::Ptr<MounterBase>>& mounters() const noexcept { return mounters_; }
     void mounterAdd(const Orin::Ptr<MounterBase>& mounter) { mounters_.push_back(mounter); }
-    /// Lets go of all mounters, the last one first.
+    /// Releases all mounters, the last one first.
     void mounterDelAll();
 
 private:
@@ -37,26 +37,26 @@ private:
     std::vector<Orin::Ptr<MounterBase>> mounters_;
 };
 
-/// A mounter that an agent drives: its mounts are made, completed, and its work is started.
+/// The base class of mounters: the agent requests and completes their mounts, then starts them.
 class PLATFORM_API MounterBase : public Strata::Mounter {
 public:
     explicit MounterBase(std::string_view name) : name_(name) {}
 
     const std::string& name() const noexcept { return name_; }
-    /// Takes a place in the context, which keeps the mounter alive, and begins to mount. Prints a
-    /// line to standard error for each type of the mounter's machines that is in no module.
+    /// Adds the mounter to the context, which then owns it, and requests the mounts. Prints a line
+    /// to standard error for each type of the mounter's machines that is in no module.
     void init(const Orin::Ptr<MounterContext>& context);
 
     virtual void createPluginStatePhase1();
     virtual void createPluginStatePhase2();
     virtual void startPluginRunnabilitySm();
-    /// Asks for the mounts.
+    /// Requests the mounts.
     virtual void doMounts() = 0;
 
 protected:
-    /// Prints a line to standard error, with the mounter's name in front.
+    /// Prints a line to standard error that begins with the mounter's name.
     void warn(std::string_view line) const;
-    /// Null before `init` and after the context has gone.
+    /// Null before `init` and after the context is destroyed.
     MounterContext* context() const noexcept { return context_; }
 
 private:
@@ -66,7 +66,7 @@ private:
     MounterContext* context_ = nullptr;
 };
 
-/// The plug-in whose work is one mounter.
+/// A plug-in that creates one mounter.
 template <class Mounter>
 class Plugin : public PluginBase<MounterContext> {
 public:

@@ -1,4 +1,4 @@
 #pragma once
 
-/// Marks what the platform's shared library offers to agents and plug-ins; all else stays hidden.
+/// Exports a symbol from the platform's shared library. All other symbols are hidden.
 #define PLATFORM_API __attribute__((visibility("default")))

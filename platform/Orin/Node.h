@@ -14,11 +14,11 @@ namespace Orin {
 
 class Publisher;
 
-/// The base of every counted object: machines and entities.
+/// The base class of all reference-counted objects: machines and entities.
 ///
-/// A node is born with one owner; `Ptr::adopt` takes that ownership over. The flags of a machine
-/// live beside the count, among them *notification active* and *zombie*, the mark of a machine that
-/// is being torn down and ignores all changes.
+/// A new node has one reference, which the caller takes over by `Ptr::adopt`. The flags of a
+/// machine are stored beside the count. Among them are *notification active*, and *zombie*: a
+/// machine that is being torn down and ignores all changes.
 class PLATFORM_API Node {
 public:
     Node() = default;
@@ -30,14 +30,14 @@ public:
     void release() const noexcept {
         if (refs_.down()) const_cast<Node*>(this)->lastUserGone();
     }
-    /// The number of owners: for tests and for people who look at a running agent.
+    /// Returns the number of references. For tests and debugging.
     std::uint32_t userCount() const noexcept { return refs_.value(); }
 
     bool notificationActive() const noexcept { return flag(kNotificationActive); }
     bool zombie() const noexcept { return flag(kZombie); }
-    /// Calls what handles a change, unless the node ignores it: as a zombie, or since its last
-    /// owner let go while it handles another. What a handler does may be told to that owner; the
-    /// node stays until the handler is done.
+    /// Calls `handler` for a change. No-op if the node is a zombie, or if its last reference was
+    /// released while it handles another change. The handler may cause the last reference to be
+    /// released; the node stays alive until the handler returns.
     template <class Handler>
     void handle(Handler handler) {
         if (isAny(kZombie | kGone | kHandling)) [[unlikely]] {
@@ -51,9 +51,9 @@ public:
             lastUserGone();
     }
 
-    /// Called when the last owner has let go; destroys the node once it handles nothing.
+    /// Called when the last reference is released. Destroys the node once it handles no change.
     virtual void lastUserGone();
-    /// What subscribers of this node are added to; null for a node that publishes nothing.
+    /// Returns the publisher of the node's changes; null if the node publishes nothing.
     virtual Publisher* publisher() const;
     /// Returns the type record of the node's class. Ends the process if the class has none.
     virtual const Vex::TypeRecord& typeData() const;
@@ -66,7 +66,7 @@ protected:
         kZombie = 2,
         kStarted = 4,
         kHandling = 8,
-        kGone = 0x8000,  // the sign, which costs nothing to look at when another flag was cleared
+        kGone = 0x8000,  // the sign bit: testing it after another flag was cleared costs nothing
     };
     bool flag(Flag bit) const noexcept { return (flags_ & bit) != 0; }
     bool isAny(unsigned bits) const noexcept { return (flags_ & bits) != 0; }
@@ -77,7 +77,7 @@ protected:
 private:
     mutable RefCount refs_;
     std::uint16_t flags_ = 0;
-    /// Fills the word, so that no derived class places a member in the tail of this one.
+    /// Fills the word, so that no derived class places a member in the padding of this class.
     [[maybe_unused]] std::uint16_t spare_ = 0;
 };
 

@@ -6,7 +6,7 @@
 
 namespace Orin {
 
-/// A counted pointer to a node, or null. Copies share ownership; comparison is by identity.
+/// A reference-counting pointer to a node, or null. Copies share ownership. Compares identity.
 template <class T>
 class Ptr;
 
@@ -15,17 +15,17 @@ class Ptr<const T> {
 public:
     constexpr Ptr() noexcept = default;
     constexpr Ptr(std::nullptr_t) noexcept {}
-    /// A node is created with one owner, so a pointer does not say whether that ownership is to be
-    /// taken over or shared: use `adopt` or `sharing`.
+    /// Deleted: a new node already has one reference, and a raw pointer does not say whether to
+    /// take it over or to add another. Use `adopt` or `sharing`.
     explicit Ptr(const T* node) = delete;
-    /// Takes over the ownership that a new node is created with.
+    /// Takes over the reference that a new node has.
     static Ptr adopt(const T* node) noexcept {
         Ptr result;
         result.node_ = node;
         return result;
     }
 
-    /// Becomes another owner of a node that somebody owns already. Null gives null.
+    /// Adds a reference to a node that already has an owner. Returns null if the argument is null.
     static Ptr sharing(const T* node) noexcept {
         if (node) node->retain();
         return adopt(node);
@@ -56,7 +56,7 @@ public:
     const T& operator*() const noexcept { return *node_; }
     explicit operator bool() const noexcept { return node_ != nullptr; }
 
-    /// Gives the ownership away; the pointer is null afterwards.
+    /// Gives the reference to the caller, who must release it. The pointer is null afterwards.
     [[nodiscard]] const T* detach() noexcept { return std::exchange(node_, nullptr); }
 
     friend bool operator==(const Ptr& a, const Ptr& b) noexcept { return a.node_ == b.node_; }
@@ -65,7 +65,7 @@ private:
     const T* node_ = nullptr;
 };
 
-/// The pointer to const that it was made as, without the const.
+/// Returns the pointer without the const that was added when it was made.
 template <class T>
 class Ptr {
 public:
@@ -96,7 +96,7 @@ public:
     explicit operator bool() const noexcept { return static_cast<bool>(held_); }
 
     [[nodiscard]] T* detach() noexcept { return const_cast<T*>(held_.detach()); }
-    /// The same as a pointer to const: where one is asked for by reference, none need be made.
+    /// Returns the same pointer as a pointer to const, by reference, so that no copy is needed.
     const Ptr<const T>& asConst() const& noexcept { return held_; }
     const Ptr<const T>& asConst() && = delete;
 

@@ -10,12 +10,12 @@ namespace Orin {
 class Publisher;
 struct Subscriber;
 
-/// Names an attribute of an entity within its type.
+/// Identifies an attribute of an entity within its type.
 using AttributeId = std::uint16_t;
 
-/// What a subscriber is called with: `key` points to the key of the member that changed in a
-/// collection attribute, to the old value in any other. It is valid during the call only.
-/// The type is the contract: an exception that leaves a dispatch ends the process.
+/// The function that a publisher calls for a change. For a collection attribute, `key` points to
+/// the key of the changed member; for any other attribute, to the old value. It is valid during the
+/// call only. A dispatch must not throw: an exception that leaves it ends the process.
 using Dispatch = void (*)(Publisher& publisher, Subscriber& record, AttributeId attributeId,
                           const void* key) noexcept;
 
@@ -25,32 +25,32 @@ struct Subscriber : Link {
     void* owner = nullptr;
 };
 
-/// Tells subscribers of changes, synchronously and in the order of their subscription.
+/// Notifies subscribers of changes, synchronously and in the order of their subscription.
 ///
-/// During a notification subscribers may come and go, the one that is being called included, and
-/// the publisher may publish again. Each record is called at most once for a change; one that was
-/// removed meanwhile is not called, nor is one added meanwhile. Who owns the publisher keeps it
-/// alive until `publishChangeRecursive` returns.
+/// During a notification a subscriber may add and remove records, including its own, and the
+/// publisher may publish again. Each record is called at most once for a change. A record that is
+/// removed or added during the notification is not called. The owner must keep the publisher alive
+/// until `publishChangeRecursive` returns.
 class PLATFORM_API Publisher {
 public:
     Publisher() = default;
     Publisher(const Publisher&) = delete;
     Publisher& operator=(const Publisher&) = delete;
-    /// Records still there are released and may be added elsewhere.
+    /// Removes the remaining records; they may be added to another publisher.
     ~Publisher();
 
     bool hasSubscribers() const noexcept { return !subscribers_.empty(); }
-    /// A record that is there already stays where it is.
+    /// Adds the record. No-op if the record is in a publisher's list.
     void subscriberAdd(Subscriber& record) noexcept {
         if (!record.isLinked()) subscribers_.append(record);
     }
-    /// Nothing happens when the record is in no list.
+    /// Removes the record. No-op if the record is in no list.
     void subscriberDel(Subscriber& record) noexcept {
         if (record.isLinked()) subscribers_.remove(record);
     }
     void publishChangeRecursive(AttributeId attributeId, const void* key) {
         if (subscribers_.hasOne()) [[likely]]
-            call(subscribers_.front(), attributeId, key);  // whatever it does, nobody else is told
+            call(subscribers_.front(), attributeId, key);  // the only call for this change
         else
             callEach(attributeId, key);
     }

@@ -6,7 +6,7 @@
 
 namespace Orin {
 
-/// A count of owners, starting at 1: plain while one thread is active, atomic otherwise.
+/// A reference count that starts at 1. Plain while one thread is active, atomic otherwise.
 class RefCount {
 public:
     void up() noexcept {
@@ -15,7 +15,7 @@ public:
         else
             ++count_;
     }
-    /// Another owner, unless the last one has gone: for who finds the object without owning it.
+    /// Adds a reference unless the count is 0; returns whether it did. For callers without one.
     bool upUnlessGone() noexcept {
         std::uint32_t count = value();
         while (count != 0 && !__atomic_compare_exchange_n(&count_, &count, count + 1, true,
@@ -23,7 +23,7 @@ public:
         }  // uncovered: fails only against another thread
         return count != 0;
     }
-    /// True when this was the last owner.
+    /// Removes a reference. Returns true if it was the last one.
     bool down() noexcept {
         if (ThreadControl::severalThreadsActive()) [[unlikely]]
             return __atomic_sub_fetch(&count_, 1, __ATOMIC_ACQ_REL) == 0;

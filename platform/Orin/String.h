@@ -14,20 +14,20 @@
 
 namespace Orin {
 
-/// The hash that `String` keeps, for look-ups by other forms of text.
+/// Returns the hash that `String` stores, for look-ups by other text types.
 PLATFORM_API std::uint32_t hashOf(std::string_view text) noexcept;
 
-/// Something that was worked out from a text and is kept with it; see `String::note`.
+/// Data that is derived from a text and kept with it; see `String::note`.
 class PLATFORM_API TextNote {
 public:
     virtual ~TextNote();
 };
 
-/// Immutable text, shared by its copies; its hash is computed once. The empty text owns nothing.
+/// Immutable text that its copies share. The hash is computed once. The empty text needs no memory.
 ///
-/// Equality looks at the pointer, the hash and the size before the bytes; order is by bytes,
-/// unsigned. A text may contain NUL. More than 2 GiB throw
-/// `std::length_error`.
+/// Equality compares the pointer, the hash and the size before the bytes. The order is that of the
+/// unsigned bytes. A text may contain NUL, and has at most 2 GiB: a constructor throws
+/// `std::length_error` for a longer one.
 class PLATFORM_API String {
 public:
     String() noexcept = default;
@@ -45,11 +45,11 @@ public:
         if (text_ != nullptr && text_->refs.down()) destroy(text_);
     }
 
-    /// The one text of its kind: as long as a copy of it lives, equal texts asked for here are the
-    /// same. For names that many objects repeat, so that comparing them is comparing pointers.
+    /// Returns the shared text with these bytes: the same one as long as a copy of it exists. For
+    /// names that many objects repeat, because comparing them is then comparing pointers.
     static String shared(std::string_view text);
 
-    /// The empty text, to refer to.
+    /// Returns a reference to an empty text.
     static const String& none() noexcept { return kNone; }
 
     bool empty() const noexcept { return text_ == nullptr; }
@@ -61,9 +61,9 @@ public:
     operator std::string_view() const noexcept { return view(); }
     std::uint32_t hash() const noexcept { return text_ == nullptr ? kEmptyHash : text_->hash; }
 
-    /// The note kept with this text, made by `make(view())` at the first call. A text carries one
-    /// kind of note in its life; the empty text carries none and must not be asked.
-    /// The reference lives as long as any copy of the text.
+    /// Returns the note of this text. The first call creates it by `make(view())`. A text has one
+    /// kind of note in its lifetime. Precondition: the text is not empty. The reference is valid as
+    /// long as any copy of the text exists.
     template <class Note>
     const Note& note(std::unique_ptr<Note> (*make)(std::string_view)) const {
         const TextNote* kept = text_->note.load(std::memory_order_acquire);

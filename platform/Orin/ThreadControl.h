@@ -4,11 +4,11 @@
 
 namespace Orin {
 
-/// Says whether more than one thread of the process touches counted objects.
+/// Tells whether more than one thread of the process uses reference-counted objects.
 ///
-/// An agent starts with one thread and plain counters. Before it starts a second thread that
-/// holds a `Ptr` or a `String`, it sets the flag; from then on counters change atomically.
-/// Setting it back is allowed only when one thread is left.
+/// An agent starts with one thread and plain counts. It must set the flag before it starts a second
+/// thread that holds a `Ptr` or a `String`; from then on counts are atomic. It may reset the flag
+/// only when one thread is left.
 class ThreadControl {
 public:
     static bool severalThreadsActive() noexcept { return severalThreadsActive_; }

@@ -6,7 +6,7 @@
 
 namespace Orin {
 
-/// Holds a mutex, but only where several threads are active.
+/// Holds a mutex if several threads are active; otherwise does nothing.
 class ThreadLock {
 public:
     explicit ThreadLock(std::mutex& mutex)

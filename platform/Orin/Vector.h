@@ -9,8 +9,8 @@
 
 namespace Orin {
 
-/// A growable sequence of small plain values. What fits into eight bytes lies in the object
-/// itself, so that the usual handful of DSCP values costs no allocation.
+/// A growable sequence of small plain values. Up to eight bytes of values are stored in the object
+/// itself, so that the usual few DSCP values need no allocation.
 template <class T>
 class Vector {
     static_assert(std::is_trivially_copyable_v<T>);
@@ -45,11 +45,11 @@ public:
         if (size_ == capacity_) grow(size_ + 1);
         begin()[size_++] = value;
     }
-    /// Removes the last value and returns it; there must be one.
+    /// Removes the last value and returns it. Precondition: not empty.
     T pop() noexcept { return begin()[--size_]; }
     void clear() noexcept { size_ = 0; }
-    /// Drops all values and makes room for `count` others. Up to that many are written from the
-    /// place returned on; `endIs` is told where they end.
+    /// Removes all values and reserves room for `count` others at the returned address. The caller
+    /// may write up to that many, and must then call `endIs` with their end.
     T* roomFor(std::size_t count) {
         size_ = 0;
         if (count > capacity_) grow(static_cast<std::uint32_t>(count));
@@ -76,7 +76,7 @@ private:
         std::copy_n(values, count, begin());
         size_ = static_cast<std::uint32_t>(count);
     }
-    /// `atLeast` is more than there is room for.
+    /// Precondition: `atLeast` exceeds the capacity.
     void grow(std::uint32_t atLeast) {
         const std::uint32_t capacity = std::max(atLeast, 2 * capacity_);
         T* grown = new T[capacity];

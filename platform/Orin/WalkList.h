@@ -4,18 +4,18 @@
 
 namespace Orin {
 
-/// What makes an object a member of a `WalkList`.
+/// The base class of the members of a `WalkList`.
 struct Link {
     Link* next = nullptr;
     Link* prev = nullptr;
     bool isLinked() const noexcept { return next != nullptr; }
 };
 
-/// A list, in order of entry, that may change while it is walked.
+/// A list in insertion order that may change while it is walked.
 ///
-/// It owns nothing. Entering and leaving cost the same however long the list is. Every `Walk`
-/// visits each link that was there when it began at most once; a link that leaves before its turn
-/// is not visited, one that enters meanwhile (again, or anew) is not visited by walks under way.
+/// The list does not own its links. Insertion and removal take constant time. A `Walk` visits each
+/// link that was in the list when the walk began at most once. It does not visit a link that is
+/// removed before its turn, or inserted (even again) after the walk began.
 class PLATFORM_API WalkList {
 public:
     class Walk;
@@ -23,7 +23,7 @@ public:
     WalkList() noexcept : ends_{&ends_, &ends_} {}
     WalkList(const WalkList&) = delete;
     WalkList& operator=(const WalkList&) = delete;
-    /// Walks under way end at their next step.
+    /// Running walks end at their next step.
     ~WalkList();
 
     bool empty() const noexcept { return ends_.next == &ends_; }
@@ -31,12 +31,12 @@ public:
     const Link& front() const noexcept { return *ends_.next; }
     bool hasOne() const noexcept { return ends_.next == ends_.prev && !empty(); }
 
-    /// The link behind one of this list; null at the end.
+    /// Returns the link after this one, which must be in the list; null at the end.
     const Link* after(const Link& link) const noexcept {
         return link.next == &ends_ ? nullptr : link.next;
     }
 
-    /// The link must not be in a list.
+    /// Precondition: the link is in no list.
     void append(Link& link) noexcept {
         link.prev = ends_.prev;
         link.next = &ends_;
@@ -45,7 +45,7 @@ public:
         if (walks_ != nullptr) [[unlikely]]
             stopWalksBefore(link);
     }
-    /// The link must be in this list.
+    /// Precondition: the link is in this list.
     void remove(Link& link) noexcept {
         if (walks_ != nullptr) [[unlikely]]
             stepWalksOff(link);
@@ -53,7 +53,7 @@ public:
         link.next->prev = link.prev;
         link.next = link.prev = nullptr;
     }
-    /// The walk that stands on the link, the outermost if several do; null if none does.
+    /// Returns the walk that stands on the link, the outermost of several; null if there is none.
     Walk* outermostWalkAt(const Link& link) const noexcept {
         return walks_ == nullptr ? nullptr : outermostOfWalksAt(link);
     }
@@ -64,11 +64,11 @@ private:
     void stepWalksOff(Link& link) noexcept;
 
     Link ends_;
-    /// The walks under way, innermost first.
+    /// The running walks, innermost first.
     mutable Walk* walks_ = nullptr;
 };
 
-/// One pass over a list. Walks of one list end in the opposite order of their beginning.
+/// One pass over a list. Walks over one list must end in the reverse order of their beginning.
 class PLATFORM_API WalkList::Walk {
 public:
     explicit Walk(const WalkList& list) noexcept
@@ -81,20 +81,20 @@ public:
         if (list_ != nullptr) list_->walks_ = outer_;
     }
 
-    /// Goes on to the next link and returns it; null at the end.
+    /// Moves to the next link and returns it; null at the end.
     Link* step() noexcept {
         if (next_ == stop_) return current_ = nullptr;
         current_ = next_;
         next_ = current_->next;
         return current_;
     }
-    /// Where the last step went; dangles when the owner destroys a link that left meanwhile.
+    /// Returns the link of the last step. It dangles if the link was removed and destroyed since.
     Link* current() const noexcept { return current_; }
 
 private:
     friend class WalkList;
 
-// The destructor takes the walk out again, which GCC does not see.
+// The destructor unregisters the walk, which GCC does not see.
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdangling-pointer"
@@ -110,7 +110,7 @@ private:
     Walk* outer_;
     Link* current_ = nullptr;
     Link* next_;
-    /// What entered first since the walk began, or the end of the list.
+    /// The first link that was inserted since the walk began, or the end of the list.
     const Link* stop_;
 };
 

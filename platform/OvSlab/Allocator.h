@@ -6,12 +6,12 @@
 
 namespace OvSlab {
 
-/// The memory of standard containers, as the slab counts it.
+/// Counts the memory of standard containers.
 struct PLATFORM_API ContainerMemory {
     static constexpr std::string_view kTypeName = "OvSlab::ContainerMemory";
 };
 
-/// Gives a standard container its memory from the slab.
+/// An allocator for standard containers that takes memory from the slab.
 template <class T>
 struct Allocator {
     using value_type = T;

@@ -9,7 +9,7 @@
 
 namespace OvSlab {
 
-/// What the inline functions below stand on; for them alone.
+/// For the inline functions below only.
 namespace Impl {
 
 inline constexpr std::size_t kGrain = 16;
@@ -18,17 +18,17 @@ inline constexpr std::size_t kLargest = 512;
 struct FreeCell {
     FreeCell* next;
 };
-/// Free cells by their size in grains.
+/// The free cells, by size in grains.
 PLATFORM_API extern constinit FreeCell* freeCells[kLargest / kGrain + 1];
-/// False where every request takes the long way: with an allocation hook, or under sanitizers.
+/// False if every request must take the slow path: with an allocation hook, or under sanitizers.
 PLATFORM_API extern constinit bool isDirect;
 
-/// True if every request goes to the heap.
+/// Returns true if every request goes to the heap.
 PLATFORM_API bool passesThrough() noexcept;
 PLATFORM_API void* allocTheLongWay(std::size_t size, Tracker& tracker);
 PLATFORM_API void freeTheLongWay(void* memory, std::size_t size, Tracker& tracker) noexcept;
 
-/// At least one: a cell of no size would never be taken from a block.
+/// At least one: a cell of size 0 would never use up a block.
 constexpr std::size_t grainsOf(std::size_t size) noexcept {
     return size == 0 ? 1 : (size + kGrain - 1) / kGrain;
 }
@@ -38,13 +38,13 @@ inline bool isTheShortWay(std::size_t size) noexcept {
 
 }  // namespace Impl
 
-/// Memory for one object of `size` bytes, counted by `tracker`. Sizes up to 512 bytes come from
-/// blocks shared by all types of that size, larger ones from the heap; blocks are kept for reuse
-/// until the process ends. Throws `std::bad_alloc`, and then counts nothing.
+/// Allocates memory for one object of `size` bytes, counted by `tracker`. Up to 512 bytes come from
+/// blocks that all types of one size share, larger objects from the heap. Blocks are kept for reuse
+/// until the process ends. Throws `std::bad_alloc`; the count is unchanged then.
 ///
-/// Builds with sanitizers pass every request through to the heap, so that they see a use after
-/// free. With `OVSLAB_CELLS` defined, `Slab.cpp` gives out cells all the same, and free cells are
-/// poisoned.
+/// Builds with sanitizers pass every request on to the heap, so that a use after free is reported.
+/// If `OVSLAB_CELLS` is defined, `Slab.cpp` uses cells in these builds, too, and poisons free
+/// cells.
 inline void* slabAlloc(std::size_t size, Tracker& tracker) {
     if (Impl::isTheShortWay(size)) [[likely]] {
         Impl::FreeCell*& cells = Impl::freeCells[Impl::grainsOf(size)];
@@ -56,7 +56,7 @@ inline void* slabAlloc(std::size_t size, Tracker& tracker) {
     }
     return Impl::allocTheLongWay(size, tracker);
 }
-/// Takes back what `slabAlloc` gave out for the same size and tracker.
+/// Frees memory that `slabAlloc` returned for the same size and tracker.
 inline void slabFree(void* memory, std::size_t size, Tracker& tracker) noexcept {
     if (!Impl::isTheShortWay(size)) [[unlikely]] {
         Impl::freeTheLongWay(memory, size, tracker);
@@ -67,20 +67,20 @@ inline void slabFree(void* memory, std::size_t size, Tracker& tracker) noexcept 
     cells = new (memory) Impl::FreeCell{cells};
 }
 
-/// Called before every allocation with its size; throws `std::bad_alloc` to make it fail.
-/// Null: none.
+/// A function that is called with the size before every allocation. It may throw `std::bad_alloc`
+/// to make the allocation fail. Null: none.
 using AllocationHook = void (*)(std::size_t size);
 PLATFORM_API void allocationHookIs(AllocationHook hook) noexcept;
 
-/// The tracker of a type that names itself with `kTypeName`; listed from load to unload of the
-/// library that defines the type.
+/// The tracker of a type that has a `kTypeName`. Registered while the library that defines the type
+/// is loaded.
 template <class T>
 struct PLATFORM_API TrackerOf {
     static inline Tracker tracker{T::kTypeName};
 };
 
-/// Gives a class slab allocation under its own tracker. A constructor that throws gives its memory
-/// back by the matching `operator delete`.
+/// The base class of classes that are allocated from the slab with their own tracker. If a
+/// constructor throws, the matching `operator delete` frees the memory.
 template <class T>
 class Slabbed {
 public:

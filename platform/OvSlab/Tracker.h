@@ -7,8 +7,8 @@
 
 namespace OvSlab {
 
-/// Counts the objects of one type that came from the slab. Trackers are static objects; each is
-/// listed from its construction to its destruction, so that a library takes its own along.
+/// Counts the objects of one type that are allocated from the slab. A static object that is
+/// registered as long as it exists, so that unloading a library removes its trackers.
 class PLATFORM_API Tracker {
 public:
     explicit Tracker(std::string_view typeName) noexcept;
@@ -17,9 +17,9 @@ public:
     ~Tracker();
 
     std::string_view typeName() const noexcept { return typeName_; }
-    /// Objects that exist now.
+    /// The number of live objects.
     std::size_t live() const noexcept { return made_ - gone_; }
-    /// Objects ever made.
+    /// The number of objects that were ever allocated.
     std::size_t total() const noexcept { return made_; }
     std::size_t objectSize() const noexcept { return objectSize_; }
 
@@ -29,10 +29,10 @@ public:
     }
     void recordDeallocation() noexcept { ++gone_; }
 
-    /// The next listed tracker, null at the end; `first()` begins.
+    /// Returns the next registered tracker; null at the end. Begin with `first()`.
     const Tracker* next() const noexcept { return next_; }
     static const Tracker* first() noexcept;
-    /// The tracker of the type with this full name; null if none is listed.
+    /// Returns the tracker of the type with this full name; null if there is none.
     static const Tracker* find(std::string_view typeName) noexcept;
 
 private:

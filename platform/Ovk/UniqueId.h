@@ -6,7 +6,7 @@
 
 namespace Ovk {
 
-/// Identifies an object for its life, whatever its name or place; unsigned, 64 bits.
+/// Identifies an object during its lifetime, whatever its name and place. Unsigned, 64 bits.
 struct UniqueId {
     std::uint64_t value = 0;
 

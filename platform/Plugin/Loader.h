@@ -12,34 +12,34 @@ namespace Plugin {
 
 namespace Impl {
 
-/// One plug-in as an agent knows it.
+/// A registered plug-in, as the agent sees it.
 struct Registration {
     std::string name;
     std::string version;      ///< empty: any
     std::string description;  ///< empty: none
-    const void* initCaller;   ///< what initialises it: its identity
+    const void* initCaller;   ///< the function object that initialises it; identifies it
 };
 
 class PLATFORM_API LoaderImpl {
 public:
     using Registry = std::list<Registration>;
 
-    /// Enters a plug-in. Throws `std::invalid_argument` when the name is taken.
+    /// Registers a plug-in. Throws `std::invalid_argument` if the name is taken.
     static void registerPlugin(std::string_view name, Registry& registry, std::string_view version,
                                std::string_view description, const void* initCaller);
-    /// Takes out what `registerPlugin` entered for this init caller, if anything.
+    /// Unregisters the plug-in with this init caller. No-op if there is none.
     static void unregisterPlugin(Registry& registry, const void* initCaller) noexcept;
 };
 
 }  // namespace Impl
 
-/// Knows the plug-ins that registered themselves when their libraries were loaded.
+/// The plug-ins that registered themselves when their libraries were loaded.
 template <class Context>
 class Loader {
 public:
     using Registry = Impl::LoaderImpl::Registry;
 
-    /// Initialises one plug-in with the context that the loader is given.
+    /// Initialises one plug-in with the loader's context.
     class LoaderInitCallerWithContext {
     public:
         explicit LoaderInitCallerWithContext(
@@ -53,7 +53,7 @@ public:
     using InitCallers = std::list<const LoaderInitCallerWithContext*>;
 
     Registry& registry() noexcept { return registry_; }
-    /// The last one registered stands first, and is called first.
+    /// The plug-in that was registered last is first, and is called first.
     InitCallers& initCallers() noexcept { return initCallers_; }
 
     void init(Context* context) const {
@@ -66,12 +66,12 @@ private:
     InitCallers initCallers_;
 };
 
-/// Keeps a plug-in registered with a loader from construction to destruction: a static object of
-/// the plug-in's library, so that its unload takes the plug-in along.
+/// Registers a plug-in with a loader from construction to destruction. A static object of the
+/// plug-in's library, so that unloading the library unregisters the plug-in.
 template <class Context>
 class PluginRegistration {
 public:
-    /// Throws `std::invalid_argument` when the name is taken, and then registers nothing.
+    /// Throws `std::invalid_argument` if the name is taken; nothing is registered then.
     PluginRegistration(std::string_view name, Loader<Context>& loader, PluginBase<Context>& plugin)
         : loader_(loader),
           caller_(typename PluginBase<Context>::PluginBaseInitCaller(plugin)) {

@@ -2,7 +2,7 @@
 
 #include "platform/Orin/Export.h"
 
-/// A plug-in of an agent that hands a `Context` to those it initialises.
+/// The base class of plug-ins that are initialised with a `Context`.
 template <class Context>
 class PluginBase {
 public:

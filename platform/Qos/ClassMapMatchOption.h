@@ -8,7 +8,7 @@
 
 namespace Qos {
 
-/// What a class map matches on.
+/// The packet property that a class map matches.
 enum class ClassMapMatchOption : std::uint32_t {
     matchIpAccessGroup = 0,
     matchIpv6AccessGroup = 1,

@@ -18,7 +18,7 @@ public:
             Vex::published(kMatch, &ClassMapStatus::match_),
         };
     }
-    /// The name of what is matched (an access list, say) by match option; may be empty.
+    /// The name of the matched object, such as an access list, by match option; may be empty.
     using Match =
         Vex::HashMap2018<ClassMapMatchOption, Orin::String, Vex::seedOf("ClassMapStatus.match")>;
 

@@ -8,7 +8,7 @@
 
 namespace Qos {
 
-/// Which traffic class each forwarding group stands for.
+/// The traffic class of each forwarding group.
 class PLATFORM_API ForwardingGroupNameToTcMap final
     : public Vex::Entity<ForwardingGroupNameToTcMap> {
 public:
@@ -23,8 +23,8 @@ public:
 
     const TcByForwardingGroup& tc() const noexcept { return tc_; }
     void tcIs(const Orin::String& forwardingGroup, std::uint32_t trafficClass);
-    /// The group with that traffic class, the least name in byte order where there are several;
-    /// empty where there is none.
+    /// Returns the group with this traffic class: the least name in byte order if there are
+    /// several, empty if there is none.
     Orin::String forwardingGroup(std::uint32_t trafficClass) const {
         return tc_.forwardingGroup(trafficClass);
     }

@@ -8,7 +8,7 @@
 
 namespace Qos {
 
-/// What class maps and policy maps are used for.
+/// The purpose of class maps and policy maps.
 enum class MapType : std::uint8_t { mapCopp = 0, mapQos = 1, mapPbr = 2 };
 
 inline constexpr std::array kMapTypeNames{

@@ -9,7 +9,7 @@
 
 namespace Qos {
 
-/// One class of a policy map: what is done to the traffic of a class map.
+/// One class of a policy map: the actions on the traffic of a class map.
 class PLATFORM_API PolicyMapClass {
 public:
     static constexpr std::string_view kTypeName = "Qos::PolicyMapClass";
@@ -17,7 +17,7 @@ public:
     static constexpr auto fields() {
         return std::tuple{Vex::field("action", 1, &PolicyMapClass::action)};
     }
-    /// The action id under which the traffic class is set.
+    /// The id of the action that sets the traffic class.
     static constexpr std::uint32_t kSetTrafficClass = 4;
 
     /// The value of each action, by action id.

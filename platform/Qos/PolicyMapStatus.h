@@ -8,8 +8,8 @@
 
 namespace Qos {
 
-/// A policy map as the device applies it. Its owner raises the version once the classes are as
-/// they should be; whoever reads the classes watches the version.
+/// A policy map as the device applies it. A writer must update the classes first and raise the
+/// version last. A reader of the classes subscribes to the version.
 class PLATFORM_API PolicyMapStatus final : public Vex::Entity<PolicyMapStatus> {
 public:
     static constexpr std::string_view kTypeName = "Qos::PolicyMapStatus";

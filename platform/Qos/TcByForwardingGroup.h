@@ -10,8 +10,8 @@
 
 namespace Qos {
 
-/// Traffic classes by forwarding-group name, which also knows the way back: the group of a traffic
-/// class is found without a scan.
+/// A map from forwarding-group names to traffic classes that also finds the group of a traffic
+/// class without a scan.
 class TcByForwardingGroup
     : public Vex::HashMap2018<Orin::String, std::uint32_t, Vex::seedOf("TcByForwardingGroup")> {
 public:
@@ -41,15 +41,15 @@ public:
         groups_.clear();
     }
 
-    /// The group with that traffic class, the least name in byte order where there are several;
-    /// empty where there is none.
+    /// Returns the group with this traffic class: the least name in byte order if there are
+    /// several, empty if there is none.
     Orin::String forwardingGroup(std::uint32_t tc) const {
         const Groups* groups = groups_.find(tc);
         return groups == nullptr ? Orin::String() : groups->least;
     }
 
 private:
-    /// Most traffic classes have one.
+    /// Most traffic classes have one group.
     struct Groups {
         Orin::String least;
         std::set<Orin::String> others;

@@ -6,7 +6,7 @@
 
 namespace QosOc {
 
-/// Name and type of an access list. Never changes.
+/// Name and type of an access list. Immutable.
 class PLATFORM_API AclNameAndType final : public Vex::Entity<AclNameAndType> {
 public:
     static constexpr std::string_view kTypeName = "QosOc::AclNameAndType";

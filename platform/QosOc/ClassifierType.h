@@ -9,7 +9,7 @@
 namespace QosOc::Classifier {
 
 /// The address family of a classifier: `classifier/config/type` of openconfig-qos, as far as this
-/// system carries it.
+/// system supports it.
 enum class Type : std::uint8_t { IPV4 = 0, IPV6 = 1 };
 
 inline constexpr std::array kTypeNames{

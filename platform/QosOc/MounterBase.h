@@ -6,17 +6,17 @@
 
 namespace QosOc {
 
-/// The base of the mounters of OpenConfig QoS plug-ins. It drives them once through, in this
-/// order: `doPluginSpecificMounts`, `doPluginSpecificMountsComplete`, `createSm`.
+/// The base class of the mounters of OpenConfig QoS plug-ins. It calls, once and in this order,
+/// `doPluginSpecificMounts`, `doPluginSpecificMountsComplete` and `createSm`.
 class PLATFORM_API MounterBase : public Agent::MounterPlugin::MounterBase {
 public:
     using Agent::MounterPlugin::MounterBase::MounterBase;
 
     void doMountsComplete(Strata::MountStatus status,
                           const Orin::Ptr<Strata::EntityManager>& entityManager) override;
-    /// Asks for the mounts and completes them at once: the agent's database is in the same process.
-    /// Prints a line to standard error for each mount that the database refuses; the status that
-    /// `doMountsComplete` gets is then `mountFailed_`.
+    /// Requests the mounts and completes them at once, because the agent's database is in the same
+    /// process. Prints a line to standard error for each mount that the database refuses;
+    /// `doMountsComplete` is then called with `mountFailed_`.
     void doMounts() override;
 
     /// Adds the mounts that the plug-in needs.

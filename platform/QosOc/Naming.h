@@ -14,17 +14,17 @@
 #include "platform/Qos/ForwardingGroupNameToTcMap.h"
 #include "platform/QosOc/ClassifierType.h"
 
-/// The names that join class maps, access lists and policy maps to OpenConfig classifiers.
+/// The names that connect class maps, access lists and policy maps with OpenConfig classifiers.
 ///
 /// Class map and access list of term T of classifier C: `openconfig:C:T`. Policy map of the IPv4
-/// classifier V4 and the IPv6 classifier V6: `openconfig:V4:V6`, where one of the two may be empty.
-/// In the parts `%` is written `%25` and `:` is written `%3A`, exactly so and nothing else.
+/// classifier V4 and the IPv6 classifier V6: `openconfig:V4:V6`; one of the two may be empty.
+/// Within a part `%` is written `%25` and `:` is written `%3A`. No other escape is valid.
 ///
-/// All are pure functions. What is decoded from a text is kept with it, so that asking again for
-/// the same text costs next to nothing.
+/// All functions are pure. The result of decoding a text is kept with the text, so that decoding it
+/// again costs next to nothing.
 namespace QosOc {
 
-/// Which term an object stands for. Both parts are empty when it was not made from a term.
+/// The term that an object belongs to. Both parts are empty if the object was not made from a term.
 struct ClassifierKey {
     Orin::String classifierName;
     Orin::String termId;
@@ -41,7 +41,7 @@ struct PmapClassifiers {
     friend bool operator==(const PmapClassifiers&, const PmapClassifiers&) = default;
 };
 
-/// What a name says when it was made from classifiers: both readings of it.
+/// Both readings of a decoded name: as a term's name and as a policy map's.
 struct PLATFORM_API DecodedName : Orin::TextNote, OvSlab::Slabbed<DecodedName> {
     static constexpr std::string_view kTypeName = "QosOc::DecodedName";
 
@@ -53,15 +53,15 @@ struct PLATFORM_API DecodedName : Orin::TextNote, OvSlab::Slabbed<DecodedName> {
     static const DecodedName kNone;
     static std::unique_ptr<DecodedName> of(std::string_view name);
 };
-/// Returns what is kept with the name, decoded at the first call. The reference is valid as long as
-/// any copy of the name.
+/// Returns the decoded name. The first call decodes it. The reference is valid as long as any copy
+/// of the name exists.
 inline const DecodedName& decodedName(const Orin::String& name) {
     return name.empty() ? DecodedName::kNone : name.note(DecodedName::of);
 }
 const DecodedName& decodedName(Orin::String&& name) = delete;
 
 /// Returns the term that a class map or access list of this name was made from. The reference is
-/// valid as long as any copy of the name.
+/// valid as long as any copy of the name exists.
 inline const ClassifierKey& classifierKeyFromConfigObjName(const Orin::String& name) {
     return decodedName(name).classifierKey;
 }
@@ -69,11 +69,11 @@ inline const ClassifierKey& classifierKeyFromConfigObjName(const Orin::String& n
 inline ClassifierKey classifierKeyFromConfigObjName(Orin::String&& name) {
     return decodedName(name).classifierKey;
 }
-/// The classifier that an ordinary class map stands for, which has its name; empty for an empty
-/// name, for `class-default` and for every name that begins with `openconfig:`.
+/// Returns the name of the classifier that an ordinary class map means, which is the class map's
+/// name. Empty for an empty name, for `class-default`, and for names that begin with `openconfig:`.
 PLATFORM_API Orin::String classifierNameFromClassName(const Orin::String& className);
 /// Returns the classifiers of a policy map; both are empty if it was not made from classifiers. The
-/// reference is valid as long as any copy of the name.
+/// reference is valid as long as any copy of the name exists.
 inline const PmapClassifiers& classifiersFromPmapName(const Orin::String& pmapName) {
     return decodedName(pmapName).pmapClassifiers;
 }
@@ -82,20 +82,20 @@ inline PmapClassifiers classifiersFromPmapName(Orin::String&& pmapName) {
     return decodedName(pmapName).pmapClassifiers;
 }
 
-/// The name of the class map and the access list of a term; the way back of
-/// `classifierKeyFromConfigObjName`. Neither part is empty.
+/// Returns the name of the class map and the access list of a term; the inverse of
+/// `classifierKeyFromConfigObjName`. Precondition: neither part is empty.
 PLATFORM_API std::string configObjName(std::string_view classifierName, std::string_view termId);
-/// The name of the policy map of two classifiers, one of which may be empty; the way back of
+/// Returns the name of the policy map of two classifiers, one of which may be empty; the inverse of
 /// `classifiersFromPmapName`.
 PLATFORM_API std::string pmapName(std::string_view ipv4ClassifierName,
                                   std::string_view ipv6ClassifierName);
 
-/// IPv6 for `matchIpv6AccessGroup`, IPv4 for all others.
+/// Returns IPv6 for `matchIpv6AccessGroup`, IPv4 for all others.
 constexpr Classifier::Type classifierTypeFromMatchOption(Qos::ClassMapMatchOption option) noexcept {
     return option == Qos::ClassMapMatchOption::matchIpv6AccessGroup ? Classifier::Type::IPV6
                                                                     : Classifier::Type::IPV4;
 }
-/// IPv6 for `ipv6`, IPv4 otherwise.
+/// Returns IPv6 for `ipv6`, IPv4 otherwise.
 constexpr Classifier::Type classifierTypeFromAclType(Acl::AclType aclType) noexcept {
     return aclType == Acl::AclType::ipv6 ? Classifier::Type::IPV6 : Classifier::Type::IPV4;
 }

@@ -12,11 +12,11 @@
 
 namespace Strata {
 
-/// What plug-ins may do with a mounted entity.
+/// The access that plug-ins may have to a mounted entity.
 enum class Access : std::uint8_t { read, readAndWrite };
 
-/// The state database: entities by the path at which they can be mounted, `/` between its parts
-/// and none at its ends.
+/// The state database: entities by mount path. The parts of a path are separated by `/`; it neither
+/// begins nor ends with one.
 class PLATFORM_API EntityManager : public Orin::Node {
 public:
     struct Hosted {
@@ -25,10 +25,10 @@ public:
     };
     using Entities = std::map<std::string, Hosted, std::less<>>;
 
-    /// Puts an entity at the path, in place of an earlier one.
+    /// Puts an entity at the path; replaces an earlier one.
     void entityIs(std::string_view path, const Orin::Ptr<Vex::TypedNode>& entity,
                   Access access = Access::read);
-    /// Returns the entity at the path; null if there is none.
+    /// Returns the entity at the path; null if absent.
     Orin::Ptr<Vex::TypedNode> getEntity(std::string_view path) const;
     const Entities& entities() const noexcept { return entities_; }
     /// Returns why the mount cannot be granted, in a few words; empty if it can.

@@ -24,10 +24,10 @@ private:
     std::uint8_t val_ = static_cast<std::uint8_t>(MountFlag::read);
 };
 
-/// The wish to work on the entity at a path.
+/// A request for access to the entity at a path.
 class PLATFORM_API Mount {
 public:
-    /// A new mount reads.
+    /// A new mount has read access.
     Mount(std::string_view path, std::string_view type) : path_(path), type_(type) {}
 
     const std::string& path() const noexcept { return path_; }
@@ -35,8 +35,8 @@ public:
     const std::string& type() const noexcept { return type_; }
     AllMountFlags& flags() noexcept { return flags_; }
     const AllMountFlags& flags() const noexcept { return flags_; }
-    /// Adds the flags that the letters stand for: `r` reads, `w` writes. Throws
-    /// `std::invalid_argument` for any other letter, and then adds none.
+    /// Adds flags by letters: `r` for read, `w` for write access. Throws `std::invalid_argument`
+    /// for any other letter; no flag is added then.
     void handleFlags(std::string_view letters);
 
 private:

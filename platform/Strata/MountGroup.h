@@ -12,16 +12,16 @@
 
 namespace Strata {
 
-/// The mounts that one mounter asks for, and the database's answer to them.
+/// The mounts that one mounter requests, and the database's answers.
 class PLATFORM_API MountGroup : public Orin::Node {
 public:
     explicit MountGroup(const Orin::Ptr<EntityManager>& entityManager);
 
-    /// Asks for a mount. The database grants or refuses it at once.
+    /// Requests a mount. The database grants or refuses it at once.
     void doMount(const Mount& mount);
-    /// All mounts, in the order in which they were asked for.
+    /// All mounts, in the order of the requests.
     const std::vector<Mount>& mounts() const noexcept { return mounts_; }
-    /// One line for each mount that was refused: its path, and why.
+    /// One line for each refused mount: its path and the reason.
     const std::vector<std::string>& faults() const noexcept { return faults_; }
     /// `mountSuccess_` if every mount was granted, otherwise `mountFailed_`.
     MountStatus status() const noexcept { return faults_.empty() ? mountSuccess_ : mountFailed_; }

@@ -4,7 +4,7 @@
 
 namespace Strata {
 
-/// How far a group of mounts has come.
+/// The progress of a group of mounts.
 enum class MountStatus : std::uint8_t {
     mountUnknown_ = 0,
     mountRequested_ = 1,

@@ -7,18 +7,18 @@
 
 namespace Strata {
 
-/// Somebody who waits for mounts of the state database. An entity: it publishes its attributes.
+/// The base class of objects that wait for mounts. An entity: it publishes its attributes.
 class PLATFORM_API Mounter : public Vex::PublishingNode {
 public:
-    /// Told when the mounter is given a place in another entity.
+    /// Called when the mounter becomes a member of another entity.
     virtual void handleParent();
-    /// The database is done with the mounts: keeps the status and passes both on to
+    /// Called when the database has answered the mounts. Stores the status and calls
     /// `doMountsComplete`.
     virtual void doStrataMountsComplete(MountStatus status,
                                         const Orin::Ptr<EntityManager>& entityManager);
     virtual void doMountsComplete(MountStatus status,
                                   const Orin::Ptr<EntityManager>& entityManager) = 0;
-    /// Told of each status that the mounts come to.
+    /// Called for each new status of the mounts.
     virtual void handleMountStatus(MountStatus status);
 
     MountStatus mountStatus() const noexcept { return mountStatus_; }

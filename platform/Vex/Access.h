@@ -10,7 +10,7 @@
 /// The accessors that type records point to, derived from the rows of a class.
 namespace Vex {
 
-/// The keyed collection that a field of a class is, or holds.
+/// The keyed collection type of a field, which is or contains a keyed collection.
 template <class M>
 struct MembersOf;
 template <class M>
@@ -73,7 +73,7 @@ struct CollectionAccess : Access<T, I> {
     using Mapped = ValueTraits<typename Map::Mapped>;
 
     static constexpr bool kPublishes = Base::kRow.publishes;
-    /// Not the children of a machine, which come only from its inputs.
+    /// Not for the children of a machine: these are created from its inputs only.
     static constexpr bool kIsPlain = std::is_same_v<Map, typename Base::M>;
 
     static Value valueOf(const std::optional<typename Map::Mapped>& removed) {

@@ -9,14 +9,14 @@ namespace Vex {
 [[noreturn]] PLATFORM_API void assertFail(const char* expression, const char* source, unsigned line,
                                           const char* function) noexcept;
 
-/// Stops the program unless `holds`; the texts are those of `assertFail`.
+/// Stops the program unless `holds` is true. The texts are those of `assertFail`.
 inline void assertThat(bool holds, const char* expression, const char* source, unsigned line,
                        const char* function) noexcept {
     if (!holds) [[unlikely]]
         assertFail(expression, source, line, function);
 }
 
-/// A failed condition with a message of its own: prints both, then stops the program.
+/// Stops the program for a failed condition that has a message; prints both.
 class PLATFORM_API SassertHelper {
 public:
     SassertHelper(const char* condition, const char* message) noexcept

@@ -9,8 +9,8 @@
 
 namespace Vex {
 
-/// A published attribute of an entity, typed by the key that its changes carry; `void` where it is
-/// no collection. A constant of the entity's class, named like the attribute.
+/// A published attribute of an entity; a constant of the entity's class. Its changes carry a key of
+/// this type; `void` if the attribute is not a collection.
 template <class Key = void>
 struct Attribute {
     std::string_view name;
@@ -26,8 +26,8 @@ struct HandlerOf<void (C::*)(A...)> {
     using Key = std::remove_cvref_t<std::tuple_element_t<0, std::tuple<A..., void>>>;
 };
 
-/// Binds a published attribute to a handler of a machine. The handler takes the key that changed,
-/// or nothing.
+/// Binds a published attribute to a handler of a machine. The handler takes the changed key, or no
+/// argument.
 template <const auto& kAttribute, auto kHandler>
 struct On {
     using Handler = HandlerOf<decltype(kHandler)>;
@@ -36,7 +36,7 @@ struct On {
                       std::is_same_v<typename Handler::Key, Key>,
                   "a handler takes nothing, or exactly the key of the attribute it is bound to");
 
-    /// True when the attribute is the one that changed.
+    /// Returns true if the changed attribute is this one.
     static bool call(typename Handler::Owner& machine, Orin::AttributeId id, const void* key) {
         if (id != kAttribute.id) return false;
         if constexpr (std::is_void_v<typename Handler::Key>)
@@ -47,8 +47,8 @@ struct On {
     }
 };
 
-/// The dispatch of one watched input: a machine with the zombie flag, or one that was let go while
-/// it handles another change, ignores everything; other attributes are ignored always.
+/// The dispatch of one watched input: calls the changed attribute's handler, if it has one. Ignores
+/// all changes for a zombie, and for a machine that was released while it handles another change.
 template <class Machine, class... Ons>
 void dispatchTo(Orin::Publisher&, Orin::Subscriber& record, Orin::AttributeId attributeId,
                 const void* key) noexcept {

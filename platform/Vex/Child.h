@@ -7,7 +7,7 @@
 
 namespace Vex {
 
-/// At most one child machine.
+/// A field with at most one child machine.
 template <class Sm>
 class Child {
 public:
@@ -16,8 +16,8 @@ public:
     Sm* get() const noexcept { return machine_.get(); }
     explicit operator bool() const noexcept { return static_cast<bool>(machine_); }
 
-    /// Returns the child made from these inputs: the present one, or a new one, which replaces and
-    /// silences the old one. The reference is valid while the child is there.
+    /// Returns the child of these inputs; creates it if absent, and then silences and removes a
+    /// child of other inputs. The reference is valid until the child is removed.
     template <class... A>
     const Orin::Ptr<Sm>& createOrReplace(const A&... given) {
         if (machine_ && machine_->isMadeFrom(given...)) return machine_;
@@ -26,16 +26,16 @@ public:
         if (old) old->hasNotificationActiveIs(false);
         return machine_;
     }
-    /// Takes the child out, silences it and returns it; null if there was none.
+    /// Removes the child, silences it and returns it; null if there was none.
     Orin::Ptr<Sm> remove() {
         Orin::Ptr<Sm> old = std::exchange(machine_, nullptr);
         if (old) old->hasNotificationActiveIs(false);
         return old;
     }
-    /// Makes the child match `member`, an attribute of the input: `create` makes the child of an
-    /// entity that is there; the child of one that is gone takes its state back and is removed.
-    /// If a subscriber changes the attribute meanwhile, the child is removed and the attribute is
-    /// looked at again. Returns false if the parent has taken its state back meanwhile.
+    /// Makes the child match `member`, an attribute of the input. If the attribute has an entity,
+    /// `create` creates its child. If not, the child takes back its state and is removed. If a
+    /// subscriber changes the attribute during this, the child is removed and the attribute is read
+    /// again. Returns false if the parent took back its state during this.
     template <class E, class Create>
     bool reconcile(const Orin::Ptr<E>& member, Create create) {
         if (turn_ != nullptr) [[unlikely]] {
@@ -46,7 +46,7 @@ public:
             turn.settle([&] { return &member.asConst(); }, create, [this] { takeDown(); });
         });
     }
-    /// Lets the child take its state back, then removes it. No-op without a child.
+    /// Lets the child take back its state, then removes it. No-op if there is no child.
     void prepareAndRemove() {
         if (turn_ != nullptr) [[unlikely]] {
             turn_->parentEnds();
@@ -64,7 +64,7 @@ public:
     void clear() noexcept { machine_ = nullptr; }
 
 private:
-    /// Calls `work` with a turn of its own. False if the parent has ended in it.
+    /// Calls `work` with a new turn. Returns false if the parent ended during it.
     template <class Work>
     bool inTurn(Work work) {
         Turn turn;
@@ -80,7 +80,7 @@ private:
     }
 
     Orin::Ptr<Sm> machine_;
-    /// The work that is under way; null if there is none.
+    /// The running work; null if there is none.
     Turn* turn_ = nullptr;
 };
 

@@ -11,7 +11,7 @@
 
 namespace Vex {
 
-/// Child machines by key.
+/// A field with child machines by key.
 template <class K, class Sm, std::uint32_t kSeed>
 class Children {
 public:
@@ -24,30 +24,30 @@ public:
     }
     const Members& members() const noexcept { return byKey_; }
 
-    /// Returns the child under the key of its first input (the result of its member function
-    /// `keyOf`): the present one, or a new one. The reference is valid while the child is there.
-    /// Throws the null-argument error, naming `attribute`, when the first input is null; the
-    /// re-instantiation error when the one that is there was made from other inputs.
+    /// Returns the child under the key of the first input, which its member function `keyOf`
+    /// returns. Creates the child if absent. The reference is valid until the child is removed.
+    /// Throws `MutatorArgNullPointerException`, which names `attribute`, if the first input is
+    /// null; `MutatorReinstantiatingException` if the present child was created from other inputs.
     template <class KeyOf, class First, class... A>
     const Orin::Ptr<Sm>& createOrKeep(std::string_view attribute, KeyOf keyOf,
                                       const Orin::Ptr<First>& first, const A&... rest) {
         if (!first) throwMutatorArgNullPointerException(attribute);
-        const K& key = (*first.*keyOf)();  // stays: the child holds its inputs
+        const K& key = (*first.*keyOf)();  // stays valid: the child owns its inputs
         if (const Orin::Ptr<Sm>* held = byKey_.find(key)) {
             if (!(*held)->isMadeFrom(first, rest...)) Impl::throwMutatorReinstantiating(attribute);
             return *held;
         }
         return created(key, first, rest...);
     }
-    /// Removes the child under the key and returns it; null if there was none.
+    /// Removes the child under the key and returns it; null if absent.
     Orin::Ptr<Sm> remove(const K& key) {
         ++changes_;
         return byKey_.remove(key).value_or(nullptr);
     }
-    /// The pattern of every member handler. If the input has a member under the key, `create`
-    /// makes or keeps its child; if the member is gone or null, the child takes its state back and
-    /// is removed. If a subscriber changes the member meanwhile, the child is removed and the
-    /// member is looked at again.
+    /// The pattern of every handler of a collection. If the input has a member under the key,
+    /// `create` creates or keeps its child. If the member is absent or null, the child takes back
+    /// its state and is removed. If a subscriber changes the member during this, the child is
+    /// removed and the member is read again.
     template <class Input, class Create>
     void reconcile(const K& key, const Input& input, Create create) {
         const auto find = [&] {
@@ -61,8 +61,8 @@ public:
         }
         inTurn(key, [&](Turn& turn) { turn.settle(find, create, [&] { takeDown(key); }); });
     }
-    /// Lets the child take its state back, then removes it; no-op if there is none. The parent must
-    /// be ending: no child is made under the key again.
+    /// Lets the child take back its state, then removes it. No-op if absent. Precondition: the
+    /// parent is ending; no child is created under the key again.
     void prepareAndRemove(const K& key) {
         if (Turn* turn = turnOn(key)) [[unlikely]] {
             turn->parentEnds();
@@ -90,7 +90,7 @@ private:
         KeyTurn* outer;
     };
 
-    /// The turn on the key that is under way; null if there is none.
+    /// Returns the running turn on the key; null if there is none.
     Turn* turnOn(const K& key) const noexcept {
         KeyTurn* turn = turn_;
         while (turn != nullptr && !(turn->key == key))
@@ -121,7 +121,7 @@ private:
     const Orin::Ptr<Sm>& created(const K& key, const A&... given) {
         const std::uint32_t changes = changes_;
         Orin::Ptr<Sm> child = Sm::create(given...);
-        // A subscriber of the state may have asked for the same child.
+        // A subscriber of the state may have caused the same child to be created.
         if (changes_ != changes) [[unlikely]]
             if (const Orin::Ptr<Sm>* held = byKey_.find(key)) return *held;
         ++changes_;
@@ -129,9 +129,9 @@ private:
     }
 
     Members byKey_;
-    /// The innermost turn that is under way; null if there is none.
+    /// The innermost running turn; null if there is none.
     KeyTurn* turn_ = nullptr;
-    /// Counts what was entered or removed, to see whether more was meanwhile.
+    /// Counts insertions and removals, to detect those that happen during a call.
     std::uint32_t changes_ = 0;
 };
 

@@ -9,8 +9,8 @@
 #include "platform/Vex/Access.h"
 #include "platform/Vex/TypeRecord.h"
 
-/// Derives type records from the tables of classes. Included by the source file of a class, where
-/// its record is defined: `constinit const TypeRecord X::kTypeRecord = Vex::recordOf<X>();`
+/// Derives type records from the tables of classes. The source file of a class includes this header
+/// and defines the record: `constinit const TypeRecord X::kTypeRecord = Vex::recordOf<X>();`
 namespace Vex {
 
 template <class T, std::size_t I>
@@ -37,7 +37,7 @@ constexpr AttributeRecord attributeRecord() {
     return record;
 }
 
-/// What the constructor takes for a row.
+/// The type of the constructor's argument for a row.
 template <class M>
 struct GivenAs {
     using type = M;

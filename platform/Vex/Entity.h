@@ -11,8 +11,8 @@
 
 namespace Vex {
 
-/// The base of every entity of a schema: described by the rows of `T::fields()`, allocated from
-/// the slab under its own tracker.
+/// The base class of all entities of a schema. The rows of `T::fields()` describe the entity; the
+/// slab allocates it under the class's own tracker.
 template <class T>
 class PLATFORM_API Entity : public PublishingNode, public OvSlab::Slabbed<T> {
 public:
@@ -26,7 +26,7 @@ public:
     }
 };
 
-/// The node as a `T`; null when it is null or of another type.
+/// Returns the node as a `T`; null if it is null or of another type.
 template <class T>
 Orin::Ptr<T> entityCast(const Orin::Ptr<TypedNode>& node) {
     if (!node || &node->typeData() != &std::remove_const_t<T>::kTypeRecord) return nullptr;

@@ -8,13 +8,13 @@
 
 namespace Vex {
 
-/// A creator was given null for an input that it needs.
+/// Thrown by a creator if a required input is null.
 class PLATFORM_API MutatorArgNullPointerException : public std::invalid_argument {
 public:
     using invalid_argument::invalid_argument;
 };
 
-/// A creator was asked for a child that exists already, made from other inputs.
+/// Thrown by a creator if the child already exists and was created from other inputs.
 class PLATFORM_API MutatorReinstantiatingException : public std::logic_error {
 public:
     using logic_error::logic_error;
@@ -25,7 +25,7 @@ public:
 
 /// Throws `std::out_of_range`; its text names the index and the size.
 [[noreturn]] PLATFORM_API void throwMutatorIndexOutOfRange(std::size_t index, std::size_t size);
-/// Throws `std::out_of_range`: an element was to be taken from an empty vector.
+/// Throws `std::out_of_range` for removing an element from an empty vector.
 [[noreturn]] PLATFORM_API void throwMutatorVectorEmpty();
 
 namespace Impl {

@@ -5,6 +5,6 @@
 #include "platform/Vex/Nested.h"
 #include "platform/Vex/Watched.h"
 
-/// The kinds of field that a machine is made of say for themselves what the machine's life cycle
-/// does to them; the engine asks no more than which of these they have: `subscribedIs`, `activeIs`,
-/// `zombieIs`, `clear`, and equality with what was given.
+/// The kinds of field of a machine. Each kind implements its part of the machine's life cycle. The
+/// engine only checks which of these functions a kind has: `subscribedIs`, `activeIs`, `zombieIs`,
+/// `clear`, and comparison with an input.

@@ -24,14 +24,14 @@ public:
     const Member* begin() const noexcept { return members_.begin(); }
     const Member* end() const noexcept { return members_.end(); }
 
-    /// The value under the key; null if there is none. Looks at one after the other: such maps
-    /// have one member, or a few.
+    /// Returns the value under the key; null if absent. Linear search: such maps have one member,
+    /// or a few.
     const V* find(K key) const noexcept {
         for (const Member& member : *this)
             if (!(member.key < key)) return member.key == key ? &member.value : nullptr;
         return nullptr;
     }
-    /// Enters the member or gives it another value.
+    /// Inserts the member or replaces its value.
     void is(K key, V value) {
         if (const V* held = find(key)) {
             *const_cast<V*>(held) = value;

@@ -17,12 +17,12 @@ namespace Vex {
 /// Counts the members, and the bucket arrays, of all keyed collections.
 PLATFORM_API extern OvSlab::Tracker memberTracker;
 
-/// A keyed collection on a hash table with a seed of its own.
+/// A keyed collection: a hash table with its own seed.
 ///
-/// Members keep their place in memory until they are removed. Walks follow the order of entry and
-/// tolerate every change of the collection: each member that was there at the beginning is visited
-/// at most once, a removed one no more, one that was entered meanwhile not at all. What a walk
-/// stands on stays readable until it goes on, even when it is removed; its value is then empty.
+/// A member keeps its address until it is removed. Walks follow the insertion order and tolerate
+/// every change. A walk visits each member that was present at its beginning at most once, and none
+/// that is removed or inserted during it. The member on which a walk stands stays readable until
+/// the walk moves on; if it was removed, its value is empty.
 template <class K, class V, std::uint32_t kSeed = 0>
 class HashMap2018 {
 public:
@@ -34,7 +34,7 @@ public:
         Member(std::uint32_t h, std::uint32_t n, const K& k, A&&... v)
             : hash(h), number(n), key(k), value(std::forward<A>(v)...) {}
         std::uint32_t hash;
-        /// Counts the entries, to tell who came first.
+        /// Numbers the insertions, to tell which member is older.
         std::uint32_t number;
         const K key;
         V value;
@@ -54,7 +54,7 @@ public:
     std::size_t size() const noexcept { return size_; }
     bool empty() const noexcept { return size_ == 0; }
 
-    /// The value under the key; null if there is none. Accepts whatever the key compares with.
+    /// Returns the value under the key; null if absent. Accepts types comparable with the key.
     template <class Q>
     V* find(const Q& key) noexcept {
         Member* member = memberAt(key, KeyTraits<K>::hash(key, kSeed));
@@ -65,22 +65,22 @@ public:
         return const_cast<HashMap2018*>(this)->find(key);
     }
 
-    /// The member under the key; null if there is none.
+    /// Returns the member under the key; null if absent.
     Member* member(const K& key) noexcept { return memberAt(key, KeyTraits<K>::hash(key, kSeed)); }
 
-    /// True when both keys are there and a walk comes to `a` first.
+    /// Returns true if both keys are present and a walk visits `a` first.
     template <class Q>
     bool isBefore(const Q& a, const Q& b) const noexcept {
         const Member* first = memberAt(a, KeyTraits<K>::hash(a, kSeed));
         const Member* second = memberAt(b, KeyTraits<K>::hash(b, kSeed));
-        // The difference tells, as the numbers may wrap.
+        // Compares the difference, because the numbers may wrap.
         return first != nullptr && second != nullptr &&
                static_cast<std::int32_t>(first->number - second->number) < 0;
     }
 
-    /// Finds values under one key after the other. Keys asked for in the order of their entry cost
-    /// least: the member behind the one found last is looked at first. The collection must not
-    /// change meanwhile.
+    /// Finds values under one key after another. Keys in insertion order cost least, because the
+    /// search begins with the member after the last one found. The collection must not change while
+    /// this object is used.
     class Finder {
     public:
         explicit Finder(const HashMap2018& map) noexcept
@@ -100,7 +100,7 @@ public:
         const Member* next_;
     };
 
-    /// Enters a member whose key is not there yet, its value made from the arguments.
+    /// Inserts a member with a value made from the arguments. Precondition: the key is absent.
     template <class... A>
     Member& enter(const K& key, A&&... value) {
         if (size_ == bucketCount_) [[unlikely]]
@@ -116,9 +116,9 @@ public:
         ++size_;
         return *member;
     }
-    /// Gives a member, found before, another value.
+    /// Replaces the value of a member that was found before.
     void assign(const K&, V& held, V value) noexcept { held = std::move(value); }
-    /// Removes the member under the key and returns its value; nothing if there is none.
+    /// Removes the member under the key and returns its value; nothing if absent.
     template <class Q>
     std::optional<V> remove(const Q& key) {
         Member* member = memberAt(key, KeyTraits<K>::hash(key, kSeed));
@@ -127,7 +127,7 @@ public:
         unlink(*member);
         return value;
     }
-    /// Removes the member under the key, value and all; false if there is none.
+    /// Removes the member under the key; returns false if absent.
     template <class Q>
     bool erase(const Q& key) {
         Member* member = memberAt(key, KeyTraits<K>::hash(key, kSeed));
@@ -136,7 +136,7 @@ public:
     }
     /// Removes a member of this collection.
     void erase(Member& member) noexcept { unlink(member); }
-    /// Removes all members, in order of entry. The collection must not go meanwhile.
+    /// Removes all members in insertion order. The collection must not be destroyed during this.
     void clear() noexcept {
         while (!order_.empty())
             unlink(static_cast<Member&>(order_.front()));
@@ -198,7 +198,7 @@ private:
     Orin::WalkList order_;
 };
 
-/// Stands on a member. Not copied: it is known to the collection while it lives.
+/// Stands on a member. Not copyable, because the collection keeps track of it.
 template <class K, class V, std::uint32_t kSeed>
 class HashMap2018<K, V, kSeed>::Iterator : private Orin::WalkList::Walk {
 public:
@@ -224,7 +224,7 @@ private:
         if (stale_ != nullptr) destroy(std::exchange(stale_, nullptr));
     }
 
-    /// The member it stands on, once that was removed: destroyed when it goes on.
+    /// The member on which it stands, if that was removed; destroyed when the iterator moves on.
     Member* stale_ = nullptr;
 };
 

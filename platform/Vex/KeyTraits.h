@@ -15,7 +15,7 @@ constexpr std::uint32_t mixed(std::uint64_t number) noexcept {
     return static_cast<std::uint32_t>(product >> 32);
 }
 
-/// The hash seed of a collection, from its name.
+/// Returns the hash seed of a collection, computed from its name.
 consteval std::uint32_t seedOf(std::string_view name) {
     std::uint32_t seed = 2166136261U;
     for (const char c : name)
@@ -23,8 +23,8 @@ consteval std::uint32_t seedOf(std::string_view name) {
     return seed;
 }
 
-/// How a key is hashed: a key type has a member `hash(seed)`, or is text, a number or an
-/// enumeration.
+/// Returns the hash of a key. A key type must have a member `hash(seed)`, or be a text, a number or
+/// an enumeration.
 template <class K>
 struct KeyTraits {
     static std::uint32_t hash(const K& key, std::uint32_t seed) noexcept {

@@ -15,12 +15,12 @@ struct Module {
     std::span<const TypeRecord* const> types;
 };
 
-/// Registers a module; its index is the lowest free one. The module stays where it is until
-/// `vexModuleDel`.
+/// Registers a module under the lowest free index. The caller must keep the module at its address
+/// until `vexModuleDel`.
 PLATFORM_API void vexModuleIs(const Module& module);
 PLATFORM_API void vexModuleDel(const Module& module) noexcept;
 
-/// Registered from construction to destruction: a static object of the library that has the types.
+/// Registers a module as long as it exists. A static object of the library with the types.
 class ModuleRegistration {
 public:
     explicit ModuleRegistration(const Module& module) : module_(module) { vexModuleIs(module_); }
@@ -32,13 +32,13 @@ private:
     const Module& module_;
 };
 
-/// The modules by index; null where one has left.
+/// Returns the modules by index; null where a module was unregistered.
 PLATFORM_API std::span<const Module* const> modules() noexcept;
-/// The type with this full name in any registered module; null if there is none.
+/// Returns the type with this full name in any registered module; null if there is none.
 PLATFORM_API const TypeRecord* typeNamed(std::string_view fullName) noexcept;
 
-/// Returns the types that are in no registered module, among this one, the types of the children
-/// that its attributes hold, and so on down the tree.
+/// Checks this type, the types of the children in its attributes, and so on down the tree. Returns
+/// those that are in no registered module.
 PLATFORM_API std::vector<const TypeRecord*> unregisteredTypes(const TypeRecord& type);
 
 }  // namespace Vex

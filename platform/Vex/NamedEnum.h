@@ -14,20 +14,20 @@ struct EnumName {
     std::string_view name;
 };
 
-/// An enumeration that lists its names, ascending by value, in a function `enumNames(E)` beside it.
+/// An enumeration with a function `enumNames(E)` that returns its names, ascending by value.
 template <class E>
 concept NamedEnum = std::is_enum_v<E> && requires(E value) {
     { enumNames(value) } -> std::convertible_to<std::span<const EnumName>>;
 };
 
-/// The name of the value; empty when it has none.
+/// Returns the name of the value; empty if it has none.
 constexpr std::string_view nameOf(std::span<const EnumName> names, std::uint64_t value) noexcept {
     const auto* at = std::find_if(names.data(), names.data() + names.size(),
                                   [value](const EnumName& n) { return n.value == value; });
     return at == names.data() + names.size() ? std::string_view() : at->name;
 }
 
-/// The name of the value, or its number where it has no name.
+/// Returns the name of the value; its number if it has no name.
 template <NamedEnum E>
 std::string enumText(E value) {
     const auto number = static_cast<std::uint64_t>(value);

@@ -5,7 +5,7 @@
 
 namespace Vex {
 
-/// A reactor (a `NotifieeConst`) inside the machine, or none.
+/// A field with at most one reactor (a `NotifieeConst`) inside the machine.
 template <class R>
 class Nested {
 public:
@@ -20,7 +20,7 @@ public:
 
     R* get() noexcept { return reactor_ ? &*reactor_ : nullptr; }
     const R* get() const noexcept { return reactor_ ? &*reactor_ : nullptr; }
-    /// Its notifier; null without a reactor.
+    /// Returns the reactor's notifier; null if there is no reactor.
     Notifier notifier() const noexcept { return reactor_ ? reactor_->notifier() : nullptr; }
     friend bool operator==(const Nested& nested, const Notifier& given) noexcept {
         return nested.notifier() == given;

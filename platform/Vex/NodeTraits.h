@@ -8,7 +8,7 @@
 #include "platform/Vex/Table.h"
 #include "platform/Vex/ValueTraits.h"
 
-/// How nodes, the fields that hold them, and value records look as a `Value`.
+/// Converts nodes, the fields that hold them, and value records to and from `Value`.
 namespace Vex {
 
 template <class T>

@@ -7,8 +7,8 @@
 
 namespace Vex {
 
-/// A reactor that lives inside a machine and watches a notifier of its own, which may be changed.
-/// New ones are active, without the zombie flag. What the flag means is up to `onAttribute`.
+/// A reactor that is a part of a machine and watches its own notifier, which may be replaced. A new
+/// reactor is active and not a zombie. `onAttribute` decides what the zombie flag means.
 template <class T>
 class NotifieeConst {
 public:
@@ -30,7 +30,7 @@ public:
 
     /// May be null.
     const Notifier& notifier() const noexcept { return notifier_; }
-    /// Points the reactor at another notifier, or none; tells it of nothing.
+    /// Makes the reactor watch another notifier, or none if null. Calls no handler.
     void notifierIs(const Notifier& notifier) noexcept {
         subscribedIs(false);
         notifier_ = notifier;

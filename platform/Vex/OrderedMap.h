@@ -11,12 +11,12 @@
 
 namespace Vex {
 
-/// A keyed collection that is walked in ascending key order. Look-up by key is that of a hashed
-/// collection.
+/// A keyed collection that is walked in ascending key order. A look-up by key uses a hash table, as
+/// in `HashMap2018`.
 ///
-/// A walk remembers the key it stands on; after a change of the collection it goes on at the first
-/// greater key. So no key is visited twice, a removed one no more, and one that was entered
-/// meanwhile only if it is greater.
+/// A walk remembers the key on which it stands. After a change of the collection it continues at
+/// the first greater key. So it visits no key twice and no removed key, and visits a key that is
+/// inserted during the walk only if the key is greater.
 template <class K, class V, std::uint32_t kSeed = 0>
 class OrderedMap {
 public:
@@ -34,7 +34,7 @@ public:
     std::size_t size() const noexcept { return members_.size(); }
     bool empty() const noexcept { return members_.empty(); }
 
-    /// The value under the key; null if there is none.
+    /// Returns the value under the key; null if absent.
     template <class Q>
     V* find(const Q& key) noexcept {
         return members_.find(key);
@@ -44,8 +44,8 @@ public:
         return members_.find(key);
     }
 
-    /// Calls `visit` with each value in ascending order of the keys; it must not change the
-    /// collection. The quick way where nobody else can, either.
+    /// Calls `visit` with each value in ascending order of the keys. Faster than a walk; the
+    /// collection must not change during it.
     template <class Visit>
     void eachValue(Visit visit) const {
         for (const Run& run : runs_)
@@ -53,10 +53,10 @@ public:
                 visit(slot.member->value);
     }
 
-    /// Enters a member whose key is not there yet.
+    /// Inserts a member. Precondition: the key is absent.
     void enter(const K& key, V value) {
         const Member& member = members_.enter(key, std::move(value));
-        ++changes_;  // even if this fails below: a run may have been split by then
+        ++changes_;  // even if the insertion fails below: a run may have been split by then
         try {
             Run& run = runFor(key);
             run.insert(std::lower_bound(run.begin(), run.end(), key, slotBelow), {key, &member});
@@ -66,10 +66,10 @@ public:
             throw;
         }
     }
-    /// Gives a member, found before, another value.
+    /// Replaces the value of a member that was found before.
     void assign(const K&, V& held, V value) noexcept { held = std::move(value); }
-    /// Removes the member under the key and returns its value; nothing if there is none.
-    /// The key passed must not be the member's own.
+    /// Removes the member under the key and returns its value; nothing if absent. `key` must not
+    /// refer to the member's own key.
     std::optional<V> remove(const K& key) {
         std::optional<V> value = members_.remove(key);
         if (!value) return value;
@@ -79,7 +79,7 @@ public:
         ++changes_;
         return value;
     }
-    /// Removes all members, the greatest first. The collection must not go meanwhile.
+    /// Removes all members, the greatest first. The collection must not be destroyed during this.
     void clear() noexcept {
         while (!empty())
             remove(K(runs_.back().back().key));
@@ -94,19 +94,19 @@ private:
         K key;
         const Member* member;
     };
-    /// Some neighbouring members: entering one moves no more than a run.
+    /// A run of neighbouring members. An insertion moves at most the members of one run.
     using Run = std::vector<Slot>;
     static constexpr std::size_t kLongestRun = 128;
 
     static bool slotBelow(const Slot& slot, const K& key) { return slot.key < key; }
     static bool runBelow(const K& key, const Run& run) { return key < run.front().key; }
 
-    /// The run in which the key is, or belongs; there must be a run.
+    /// Returns the run in which the key is or belongs. Precondition: there is a run.
     std::size_t runIndexFor(const K& key) const {
         const auto above = std::upper_bound(runs_.begin(), runs_.end(), key, runBelow);
         return above == runs_.begin() ? 0 : static_cast<std::size_t>(above - runs_.begin() - 1);
     }
-    /// The run into which the key is to be entered: split first if it is full.
+    /// Returns the run into which the key is to be inserted; splits it first if it is full.
     Run& runFor(const K& key) {
         if (runs_.empty()) return runs_.emplace_back();
         const std::size_t index = runIndexFor(key);
@@ -125,11 +125,11 @@ private:
     HashMap2018<K, V, kSeed> members_;
     std::vector<Run> runs_;
     std::uint32_t changes_ = 0;
-    /// The walks under way, innermost first.
+    /// The running walks, innermost first.
     mutable Iterator* walks_ = nullptr;
 };
 
-/// Stands on a member. Its key is a copy and stays valid when the member goes.
+/// Stands on a member. Its key is a copy and stays valid when the member is removed.
 template <class K, class V, std::uint32_t kSeed>
 class OrderedMap<K, V, kSeed>::Iterator {
 public:
@@ -148,7 +148,7 @@ public:
         const K& key;
         const V& value;
     };
-    /// The value is that of the member when the walk came to it: read it before changing anything.
+    /// The member's value when the walk reached it. Read it before you change the collection.
     Visit operator*() const noexcept {
         assertThat(value_ != nullptr, "iter_", "platform/Vex/OrderedMap", __LINE__,
                    __PRETTY_FUNCTION__);
@@ -168,7 +168,7 @@ public:
 private:
     friend class OrderedMap;
 
-// The destructor takes the walk out again, which GCC does not see.
+// The destructor unregisters the walk, which GCC does not see.
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdangling-pointer"
@@ -185,7 +185,7 @@ private:
         else
             seek();
     }
-    /// Goes to the first greater key.
+    /// Moves to the first greater key.
     void seek() noexcept {
         changes_ = map_->changes_;
         slot_ = end_ = nullptr;
@@ -202,7 +202,7 @@ private:
         end_ = slot_ + run.size();
         run_ = index + 1;
     }
-    /// Takes key and value of the slot, of the next run's first where this one is at its end.
+    /// Reads key and value of the slot; at the end of a run, of the next run's first slot.
     void stand() noexcept {
         if (slot_ == end_) {
             if (run_ == map_->runs_.size()) {
@@ -218,7 +218,7 @@ private:
     const OrderedMap* map_;
     Iterator* outer_;
     std::uint32_t changes_;
-    /// The run behind the one of the slots, and those that are left of that one.
+    /// The next run, and the remaining slots of the current one.
     std::size_t run_ = 0;
     const Slot* slot_ = nullptr;
     const Slot* end_ = nullptr;
@@ -228,7 +228,7 @@ private:
 
 template <class K, class V, std::uint32_t kSeed>
 OrderedMap<K, V, kSeed>::~OrderedMap() {
-    clear();  // values that go may still look into the collection, or change it
+    clear();  // the destructors of values may read or change the collection
     for (Iterator* walk = walks_; walk != nullptr; walk = walk->outer_)
         walk->map_ = nullptr;
 }

@@ -11,22 +11,22 @@
 
 namespace Vex {
 
-/// The base of every node that publishes its changes.
+/// The base class of all nodes that publish their changes.
 ///
-/// A change is made first and published then, and only if something changed: storing an equal value
-/// is silent. The node lives at least until all its subscribers have been told.
+/// The node stores a change first and then publishes it. Storing an equal value publishes nothing.
+/// The node stays alive at least until it has notified all subscribers.
 class PLATFORM_API PublishingNode : public TypedNode {
 public:
     Orin::Publisher* publisher() const override { return &publisher_; }
 
-    /// Stores a value; the change carries the old one.
+    /// Stores a value and publishes the change, with a pointer to the old value.
     template <class T, class V>
     void attributeIs(Orin::AttributeId id, T& stored, V&& value) {
         if (stored == value) return;
         const T old = std::exchange(stored, std::forward<V>(value));
         publishChange(id, &old);
     }
-    /// Enters a member or replaces the one under its key.
+    /// Inserts a member, or replaces the one under its key.
     template <class Map>
     void memberIs(Orin::AttributeId id, Map& members, const typename Map::Key& key,
                   typename Map::Mapped value) {
@@ -39,7 +39,7 @@ public:
         }
         publishChange(id, &changed);
     }
-    /// Removes the member under the key and returns its value; nothing if there was none.
+    /// Removes the member under the key and returns its value; nothing if absent.
     template <class Map>
     std::optional<typename Map::Mapped> memberDel(Orin::AttributeId id, Map& members,
                                                   const typename Map::Key& key) {
@@ -48,7 +48,7 @@ public:
         if (removed) publishChange(id, &changed);
         return removed;
     }
-    /// Removes the member under the key, value and all; false if there was none.
+    /// Removes the member under the key; returns false if absent.
     template <class Map>
     bool memberErase(Orin::AttributeId id, Map& members, const typename Map::Key& key) {
         const typename Map::Key changed = key;
@@ -56,7 +56,7 @@ public:
         if (erased) publishChange(id, &changed);
         return erased;
     }
-    /// Tells the subscribers. `key` is what `Orin::Dispatch` says.
+    /// Notifies the subscribers. `key` is that of `Orin::Dispatch`.
     void publishChange(Orin::AttributeId id, const void* key) const {
         if (publisher_.hasSubscribers()) publish(id, key);
     }

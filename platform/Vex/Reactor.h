@@ -13,23 +13,23 @@
 
 namespace Vex {
 
-/// A machine, seen without its class.
+/// The interface of all machines, independent of their class.
 class PLATFORM_API ReactorNode : public TypedNode {
 public:
-    /// Sets the zombie flag of the machine and of the reactors nested in it. While it is set, all
-    /// changes are ignored.
+    /// Sets the zombie flag of the machine and of its nested reactors. While it is set, they ignore
+    /// all changes.
     virtual void vexDoZombieReactors(bool zombie) = 0;
 };
 
-/// The base of every machine: its whole life cycle, driven by the rows of `Sm::fields()`.
+/// The base class of all machines. Implements the whole life cycle from the rows of `Sm::fields()`.
 ///
-/// A machine class is final. Its constructor ends with `start()`, its destructor begins with
-/// `stop()`; it has `handleInitialized()`, which catches up with what is there already.
+/// A machine class must be final, end its constructor with `start()`, and begin its destructor with
+/// `stop()`. Its `handleInitialized()` handles the members that are present at the start.
 template <class Sm>
 class Reactor : public ReactorNode, public OvSlab::Slabbed<Sm> {
 public:
     const TypeRecord& typeData() const final { return Sm::kTypeRecord; }
-    /// Turns the machine's subscriptions on or off, and those of all machines below it.
+    /// Switches the subscriptions of the machine, and of all machines below it, on or off.
     void hasNotificationActiveIs(bool active) {
         if (active == notificationActive()) return;
         flagIs(kNotificationActive, active);
@@ -45,14 +45,14 @@ public:
             if constexpr (requires { field.zombieIs(zombie); }) field.zombieIs(zombie);
         });
     }
-    /// True when each input is the very thing passed here.
+    /// Returns true if each input is the identical object that is passed here.
     template <class... A>
     bool isMadeFrom(const A&... given) const {
         static_assert(sizeof...(A) == givenCount<Sm>(), "one argument for each input");
         return allSame(std::index_sequence_for<A...>{}, given...);
     }
-    /// A new machine, started and with its notifications on. What its constructor throws passes
-    /// on, and leaves nothing behind.
+    /// Creates a machine, starts it and switches its notifications on. Passes on an exception of
+    /// the constructor; nothing is left behind then.
     template <class... A>
     static Orin::Ptr<Sm> create(const A&... given) {
         static_assert(givenRowsLead<Sm>(),
@@ -66,7 +66,7 @@ public:
         auto machine = Orin::Ptr<Sm>::adopt(new Sm(given...));
         assertThat(machine->flag(kStarted), "constructor ends with start()", "platform/Vex/Reactor",
                    __LINE__, __PRETTY_FUNCTION__);
-        // Its constructor has subscribed, and what it made is active already.
+        // Its constructor has subscribed, and its children are active already.
         machine->flagIs(kNotificationActive, true);
         return machine;
     }
@@ -76,7 +76,7 @@ protected:
         assertThat(!flag(kStarted), "destructor begins with stop()", "platform/Vex/Reactor",
                    __LINE__, __PRETTY_FUNCTION__);
     }
-    /// Subscribes to the watched inputs in order and catches up.
+    /// Subscribes to the watched inputs in order, then calls `handleInitialized()`.
     void start() {
         startIdle();
         try {
@@ -86,7 +86,7 @@ protected:
             throw;
         }
     }
-    /// Subscribes without catching up.
+    /// Subscribes without calling `handleInitialized()`.
     void startIdle() noexcept {
         eachRow<Sm>([this]<std::size_t I>() {
             if constexpr (NeedsDispatch<MemberAt<Sm, I>>)
@@ -95,7 +95,7 @@ protected:
         flagIs(kStarted, true);
         subscriptionsAre(true);
     }
-    /// Drops subscriptions, then children. The first statement of the destructor.
+    /// Ends subscriptions, then removes the children. The destructor must call it first.
     void stop() noexcept {
         subscriptionsAre(false);
         flagIs(kStarted, false);

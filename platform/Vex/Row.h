@@ -6,8 +6,8 @@
 #include "platform/Vex/Attribute.h"
 #include "platform/Vex/TypeRecord.h"
 
-/// The rows of a class's table. Each class lists what it holds once, in a static member function
-/// `fields()`; everything that needs to know it is derived from there.
+/// The rows of a class's table. Each class lists its members once, in a static member function
+/// `fields()`. All code that needs the list derives from it.
 namespace Vex {
 
 template <class C, class M>
@@ -17,12 +17,12 @@ struct Row {
     Orin::AttributeId id;
     M C::*member;
     Role role = Role::plain;
-    bool isGiven = false;     ///< an argument of the constructor; such rows lead, in its order
+    bool isGiven = false;     ///< a constructor argument; such rows come first, in order
     bool isHidden = false;    ///< not part of the text form
     bool isNullable = false;  ///< a collection of entities: a member may be null
-    bool announces = false;   ///< its change tells that the other attributes are as they should be
-    bool publishes = false;   ///< changes go through the entity's publisher
-    Orin::Dispatch dispatch = nullptr;  ///< watched inputs: what their changes call
+    bool announces = false;   ///< its change announces that the other attributes are complete
+    bool publishes = false;   ///< changes are published by the entity
+    Orin::Dispatch dispatch = nullptr;  ///< watched inputs: the function that their changes call
 
     constexpr Row hidden() const {
         Row row = *this;
@@ -55,7 +55,7 @@ template <class M>
 concept NeedsDispatch = requires(M& member) {
     member.subscribedIs(true);
 };
-/// Machines, or reactors nested in the machine itself: emptied when the machine stops.
+/// Fields with child machines or nested reactors: cleared when the machine stops.
 template <class M>
 concept HoldsReactors = requires(M& member) {
     member.activeIs(true);
@@ -81,18 +81,18 @@ constexpr auto given(std::string_view name, Orin::AttributeId id, M C::*member) 
     static_assert(!HoldsMachines<M>, "children are the machine's own: use own()");
     return Row<C, M>{name, id, member, Role::input, true};
 }
-/// What a machine makes for itself: children and plain fields.
+/// A member that the machine creates: children and plain fields.
 template <class C, class M>
 constexpr auto own(std::string_view name, Orin::AttributeId id, M C::*member) {
     return Row<C, M>{name, id, member, HoldsMachines<M> ? Role::child : Role::plain};
 }
 
-/// The part of an entity or value that repeats the key under which it is kept.
+/// A member of an entity or value that repeats the key under which the object is kept.
 template <class C, class M>
 constexpr auto key(std::string_view name, Orin::AttributeId id, M C::*member) {
     return Row<C, M>{name, id, member, Role::key, true};
 }
-/// The same for the key of the collection's own holder.
+/// A member that repeats the key of the object that holds the collection.
 template <class C, class M>
 constexpr auto outerKey(std::string_view name, Orin::AttributeId id, M C::*member) {
     return Row<C, M>{name, id, member, Role::outerKey, true};

@@ -6,7 +6,7 @@
 
 #include "platform/Vex/Row.h"
 
-/// What is derived from the table of a class at compile time.
+/// Facts that are derived from the table of a class at compile time.
 namespace Vex {
 
 template <class T, std::size_t I>
@@ -20,7 +20,7 @@ template <class F, std::size_t... I>
 constexpr void eachIndex(F& f, std::index_sequence<I...>) {
     (f.template operator()<I>(), ...);
 }
-/// Calls `f` once for each row, in order, with the row's index as a constant.
+/// Calls `f` for each row, in order, with the row's index as a compile-time constant.
 template <class T, class F>
 constexpr void eachRow(F f) {
     eachIndex(f, std::make_index_sequence<fieldCount<T>>{});
@@ -43,7 +43,7 @@ consteval bool givenRowsLead() {
     eachRow<T>([&]<std::size_t I>() { count += row<T, I>.isGiven ? 1 : 0; });
     return count == givenCount<T>();
 }
-/// Laying the rows out from the end of the base must give the class exactly.
+/// Checks that the rows, laid out from the end of the base class, fill the class exactly.
 template <class T>
 consteval bool tableIsComplete(std::size_t baseSize) {
     std::size_t at = baseSize;

@@ -15,13 +15,13 @@ struct TracePoint {
     const char* signature;
 };
 
-/// How a piece goes to `writeTrace`: numbers and pointers by value, so that the hot path need not
-/// put them into memory to have an address of them.
+/// The argument type of `writeTrace` for a piece. Numbers and pointers are passed by value, so that
+/// the hot path need not store them in memory.
 template <class Piece>
 using PassedToTrace = std::conditional_t<std::is_scalar_v<std::decay_t<const Piece>>,
                                          std::decay_t<const Piece>, const Piece&>;
 
-/// Composes and writes a line: the pieces in order. Apart from the hot path.
+/// Composes and writes a line from the pieces, in order. Kept out of the hot path.
 template <class... Passed>
 [[gnu::cold, gnu::noinline]] void writeTrace(const TraceHandle& handle, const TracePoint& point,
                                              Passed... pieces) {
@@ -29,7 +29,7 @@ template <class... Passed>
     (line << ... << pieces);
 }
 
-/// Writes the point's signature and the pieces, if function entries are enabled on the handle.
+/// Writes the point's signature and the pieces, if the handle has function entries enabled.
 template <class... Pieces>
 inline void trace(const TraceHandle& handle, const TracePoint& point, const Pieces&... pieces) {
     if (handle.isEnabled(kFunctionEntry)) [[unlikely]]
@@ -37,7 +37,7 @@ inline void trace(const TraceHandle& handle, const TracePoint& point, const Piec
                                                           pieces...);
 }
 
-/// The same, with the line's subject first: the address of a machine, or an entity.
+/// The same, preceded by the line's subject: the address of a machine, or an entity.
 template <class Subject, class... Pieces>
 inline void traceOf(const Subject& subject, const TraceHandle& handle, const TracePoint& point,
                     const Pieces&... pieces) {

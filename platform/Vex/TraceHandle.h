@@ -14,11 +14,11 @@ inline constexpr unsigned kTraceLevels = 10;
 /// The level of function entries: that of every line this system writes.
 inline constexpr unsigned kFunctionEntry = 8;
 
-/// A named switch for trace lines. A constant-initialised static object; `TraceRegistration`
-/// makes its name known. The check costs one load and one branch.
+/// A named switch for trace lines. A constant-initialised static object, whose name
+/// `TraceRegistration` registers. A check costs one load and one branch.
 class PLATFORM_API TraceHandle {
 public:
-    /// `enabled` turns all levels on from the start.
+    /// If `enabled`, all levels are on from the start.
     constexpr TraceHandle(const char* name, bool enabled) noexcept
         : name_(name), enabledLevels_(enabled ? kTraceLevels : 0) {}
     TraceHandle(const TraceHandle&) = delete;
@@ -36,8 +36,8 @@ private:
     std::uint8_t enabledLevels_;
 };
 
-/// Lists a handle from construction to destruction. A setting made for its name earlier, by
-/// `traceLevelsIs`, takes effect at once: settings may come before the library that has the handle.
+/// Registers a handle from construction to destruction. An earlier setting for its name by
+/// `traceLevelsIs` takes effect at once, so that settings may be made before the library is loaded.
 class PLATFORM_API TraceRegistration {
 public:
     explicit TraceRegistration(TraceHandle& handle);
@@ -49,17 +49,17 @@ private:
     TraceHandle& handle_;
 };
 
-/// Enables levels 0 to `count` - 1 of the handles with this name, present and future; `*` names
-/// all. A later setting takes the place of an earlier one.
+/// Enables levels 0 to `count` - 1 of all present and future handles with this name; `*` means all
+/// handles. A later setting replaces an earlier one.
 PLATFORM_API void traceLevelsIs(std::string_view name, unsigned count);
-/// The names of the handles that are listed, each once, in ascending order.
+/// Returns the names of the registered handles, each once, in ascending order.
 PLATFORM_API std::vector<std::string_view> traceHandleNames();
 
-/// Receives each finished line, without its newline. An exception that leaves it ends the process.
-/// Null: lines go nowhere.
+/// Sets the function that receives each finished line, without a newline. An exception that leaves
+/// it ends the process. If null, lines are discarded.
 using TraceSink = std::function<void(std::string_view line)>;
 PLATFORM_API void traceSinkIs(TraceSink sink);
-/// Hands a line to the sink.
+/// Passes a line to the sink.
 PLATFORM_API void writeTraceLine(std::string_view line);
 
 }  // namespace Vex

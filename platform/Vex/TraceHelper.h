@@ -12,8 +12,8 @@
 
 namespace Vex {
 
-/// One trace line under construction; written when it is destroyed:
-/// `TIMESTAMP HANDLE/LEVEL SOURCE:LINE FUNCTION BODY`.
+/// Composes one trace line: `TIMESTAMP HANDLE/LEVEL SOURCE:LINE FUNCTION BODY`. The destructor
+/// writes it.
 class PLATFORM_API TraceHelper {
 public:
     TraceHelper(const TraceHandle& handle, unsigned level, std::string_view source, unsigned line,
@@ -22,10 +22,10 @@ public:
     TraceHelper(const TraceHelper&) = delete;
     TraceHelper& operator=(const TraceHelper&) = delete;
 
-    /// Pieces of the program: written as they are.
+    /// Text of the program itself: written unchanged.
     TraceHelper& operator<<(std::string_view piece);
     TraceHelper& operator<<(const char* piece) { return *this << std::string_view(piece); }
-    /// An inserted text: control characters and `\` are escaped.
+    /// Text from outside: control characters and `\` are escaped.
     TraceHelper& operator<<(const Orin::String& value);
     TraceHelper& operator<<(bool value);
     TraceHelper& operator<<(std::uint32_t value);

@@ -4,7 +4,7 @@
 
 namespace Vex {
 
-/// Gives a pointer another value until the end of the scope.
+/// Sets a pointer to another value until the end of the scope.
 template <class T>
 class ScopedPointer {
 public:
@@ -19,22 +19,22 @@ private:
     T* before_;
 };
 
-/// The work on one child: from the look at its member in the input until the child matches it.
+/// The work on one child, from reading its member in the input until the child matches it.
 ///
-/// A child that is being made or removed writes state, and a subscriber of that state may change
-/// the member at once. The parent is notified of it in the middle of the work, so it only notes the
-/// change here. Whoever works on the child sees the note, takes back what it made, and looks again.
+/// A child that is being created or removed writes state, and a subscriber of that state may change
+/// the member at once. The parent, notified in the middle of the work, only notes this here. When
+/// the child is done, the work sees the note, removes the child, and reads the member again.
 class Turn {
 public:
-    /// Notes that the parent was notified of the member, which is now `entity`; null if it is gone.
+    /// Notes that the parent was notified of the member, which is now `entity`; null if absent.
     void memberIs(const void* entity) noexcept { isStale_ = isStale_ || entity != entity_; }
-    /// Notes that the parent takes its state back: its child must not outlive that.
+    /// Notes that the parent takes back its state: its child must not outlive that.
     void parentEnds() noexcept { parentEnds_ = true; }
     bool hasParentEnded() const noexcept { return parentEnds_; }
 
     /// Works until the child matches the member. `find` returns a pointer to the member's `Ptr`, or
-    /// null if there is no member; `create` makes or keeps the child of that `Ptr`; `takeDown` lets
-    /// the child take its state back and removes it, and is a no-op without a child.
+    /// null if absent. `create` creates or keeps the child of that `Ptr`. `takeDown` lets the child
+    /// take back its state and removes it; it is a no-op if there is no child.
     template <class Find, class Create, class TakeDown>
     void settle(Find find, Create create, TakeDown takeDown) {
         do {

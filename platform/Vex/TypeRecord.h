@@ -10,8 +10,8 @@
 #include "platform/Vex/NamedEnum.h"
 #include "platform/Vex/Value.h"
 
-/// What the runtime knows of types: plain data, written once by the tables of the classes. Tools
-/// that print, read or walk objects are written against this and know no class.
+/// Descriptions of types: plain data that derives from the tables of the classes. Tools that print,
+/// read or walk objects use these and no class.
 namespace Vex {
 
 struct TypeRecord;
@@ -27,7 +27,7 @@ enum class Shape : std::uint8_t {
     entity,
 };
 
-/// The type of a value. What does not apply to its shape is 0, empty or null.
+/// The type of a value. Members that do not apply to its shape are 0, empty or null.
 struct Type {
     Shape shape;
     bool isOptional = false;
@@ -39,33 +39,33 @@ struct Type {
     const Type* element = nullptr;         ///< lists and maps
 };
 
-/// What an attribute is to the object that has it.
+/// The role of an attribute in its object.
 enum class Role : std::uint8_t {
-    plain,     ///< part of its own state
+    plain,     ///< a part of the object's own state
     key,       ///< repeats the key under which the object is kept
     outerKey,  ///< repeats the key of the collection's own holder
-    keyCopy,   ///< reads as the key when nothing is said of it
-    input,     ///< what a machine was given
+    keyCopy,   ///< has the value of the key unless it is given
+    input,     ///< an input of a machine
     child,     ///< a machine, or a collection of machines, that it owns
 };
 
-/// How to work on a keyed collection. `object` is a `TypedNode*`.
+/// Functions for a keyed collection. `object` is a `TypedNode*`.
 struct CollectionOps {
     const Type* key;
     bool isOrdered;  ///< walked in ascending key order
     std::size_t (*size)(const void* object);
-    /// Absent when there is no such member; a member may also be a null entity.
+    /// Returns the member; absence if there is none. A member may be a null entity.
     Value (*get)(const void* object, const Value& key);
-    /// Visits every member that is there at the beginning and is still there at its turn.
+    /// Visits every member that is present at the beginning and still present at its turn.
     void (*walk)(const void* object,
                  const std::function<void(const Value& key, const Value& member)>& visit);
-    /// Enters or replaces a member, through the publisher; null where members are only derived.
+    /// Inserts or replaces a member and publishes it. Null if members are derived only.
     void (*put)(void* object, const Value& key, const Value& member);
-    /// Removes a member, through the publisher, and returns it; absent when there was none.
+    /// Removes a member, publishes it and returns the member; absence if there was none.
     Value (*del)(void* object, const Value& key);
-    /// Publishes the change of a key again, changing nothing; null where nothing is published.
+    /// Publishes the change of a key again; null if the collection publishes nothing.
     void (*touch)(void* object, const Value& key);
-    /// The key that a published change of the collection points to.
+    /// Returns the key to which a published change of the collection points.
     Value (*keyAt)(const void* published);
 };
 
@@ -75,16 +75,16 @@ struct AttributeRecord {
     std::string_view name;
     Orin::AttributeId id;
     Role role;
-    bool isWatched;   ///< a machine subscribes to it
-    bool isHidden;    ///< not part of the text form
-    bool isNullable;  ///< a collection of entities: a member may be null
-    bool announces;   ///< its change tells that the other attributes are as they should be
-    const Type* type = nullptr;  ///< of the attribute; of a member where it is a collection
-    /// Null where it is a collection.
+    bool isWatched;              ///< a machine subscribes to it
+    bool isHidden;               ///< not part of the text form
+    bool isNullable;             ///< a collection of entities: a member may be null
+    bool announces;              ///< its change announces that the other attributes are complete
+    const Type* type = nullptr;  ///< of the attribute; for a collection, of a member
+    /// Reads the attribute. Null for a collection.
     Value (*read)(const void* object) = nullptr;
-    /// Null where fixed at construction or a collection. Through the publisher, if it has one.
+    /// Sets the attribute and publishes it. Null for a collection, or if fixed at construction.
     void (*write)(void* object, const Value& value) = nullptr;
-    /// Publishes the change of the attribute again; null where nothing is published.
+    /// Publishes the change of the attribute without changing it. Null if it is not published.
     void (*touch)(void* object) = nullptr;
     const CollectionOps* collection = nullptr;  ///< null: not a collection
 };
@@ -92,14 +92,14 @@ struct AttributeRecord {
 struct TypeRecord {
     std::string_view fullName;
     std::span<const AttributeRecord> attributes;  ///< in declaration order
-    /// Makes an object from its constructor's arguments, which are the leading attributes that are
-    /// keys or inputs. Throws `std::invalid_argument` when there are more or fewer,
-    /// `std::bad_variant_access` or `std::bad_cast` when one is of another type.
-    /// Null for value records.
+    /// Creates an object from the arguments of its constructor, which are the leading attributes
+    /// with the roles key or input. Throws `std::invalid_argument` if the number of arguments is
+    /// wrong, `std::bad_variant_access` or `std::bad_cast` if an argument has the wrong type. Null
+    /// for value records.
     Orin::Ptr<TypedNode> (*construct)(std::span<const Value> given);
 };
 
-/// The attribute of that name, or id; null if there is none.
+/// Returns the attribute with this name or id; null if there is none.
 PLATFORM_API const AttributeRecord* attributeNamed(const TypeRecord& type, std::string_view name);
 PLATFORM_API const AttributeRecord* attributeWithId(const TypeRecord& type, Orin::AttributeId id);
 

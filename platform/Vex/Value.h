@@ -29,15 +29,15 @@ struct MapValue {
 };
 using NodeRef = Orin::Ptr<const TypedNode>;
 
-/// The value of any attribute, whatever its C++ type: what tools that know no class work with.
-/// `std::monostate` is absence: of an optional, of a member under a key. Enumerations and rule ids
-/// are numbers.
+/// The value of any attribute, independent of its C++ type, for tools that use no classes.
+/// `std::monostate` means absence: of an optional, or of a member under a key. Enumerations and
+/// rule ids are numbers.
 class Value : public std::variant<std::monostate, bool, std::uint64_t, Orin::String, NodeRef,
                                   RecordValue, ListValue, MapValue> {
 public:
     using variant::variant;
     bool isAbsent() const noexcept { return index() == 0; }
-    /// The alternative asked for; throws `std::bad_variant_access` when it is another.
+    /// Returns the value as a `T`. Throws `std::bad_variant_access` if it has another type.
     template <class T>
     const T& as() const {
         return std::get<T>(*this);

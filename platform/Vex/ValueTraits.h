@@ -11,15 +11,15 @@
 #include "platform/Vex/FlatMap.h"
 #include "platform/Vex/TypeRecord.h"
 
-/// How each C++ type that an attribute may have looks as a `Value`: its `type`, `to` and `from`.
-/// `from` throws `std::bad_variant_access`, `std::bad_cast` or `std::out_of_range` for a value that
-/// is not of the type.
+/// Converts each C++ type of attributes to and from `Value`: `type`, `to` and `from`. `from` throws
+/// `std::bad_variant_access`, `std::bad_cast` or `std::out_of_range` if the value is not of the
+/// type.
 namespace Vex {
 
 template <class T>
 struct ValueTraits;
 
-/// The type description of `T`, one object for each.
+/// Returns the type description of `T`; there is one object for each type.
 template <class T>
 inline constexpr Type typeOf = ValueTraits<T>::type;
 

@@ -17,7 +17,7 @@ public:
             Vex::published(kAclConfig, &AclTypeConfig::aclConfig_).nullable(),
         };
     }
-    /// By name, ascending. A null entry is an access list that is listed but not configured.
+    /// By name, ascending. A null entry is an access list that exists but is not configured.
     using AclConfigs = Vex::OrderedMap<Orin::String, Orin::Ptr<AclConfig>,
                                        Vex::seedOf("AclTypeConfig.aclConfig")>;
 

@@ -5,7 +5,7 @@
 
 namespace Qos::Input {
 
-/// What was configured of QoS at the device's command line; mounted at "qos/input/config/cli".
+/// The QoS configuration of the device's command line; mounted at "qos/input/config/cli".
 class PLATFORM_API Config final : public Vex::Entity<Config> {
 public:
     static constexpr std::string_view kTypeName = "Qos::Input::Config";

@@ -27,7 +27,7 @@ public:
     friend bool operator==(const TermConditions&, const TermConditions&) = default;
 };
 
-/// What is done to the traffic that a term matches.
+/// The actions on the traffic that a term matches.
 class PLATFORM_API TermActions {
 public:
     static constexpr std::string_view kTypeName = "QosOc::Config::TermActions";
@@ -36,14 +36,14 @@ public:
         return std::tuple{Vex::field("targetGroup", 1, &TermActions::targetGroup)};
     }
 
-    /// The forwarding group that the traffic is sent to; empty: none.
+    /// The forwarding group to which the traffic is sent; empty: none.
     Orin::String targetGroup;
 
     friend bool operator==(const TermActions&, const TermActions&) = default;
 };
 
-/// One term of a classifier: `classifier/terms/term` of openconfig-qos. A default term is one that
-/// is not there.
+/// One term of a classifier: `classifier/terms/term` of openconfig-qos. A default-constructed term
+/// means an absent one.
 class PLATFORM_API Term {
 public:
     static constexpr std::string_view kTypeName = "QosOc::Term";
@@ -58,10 +58,10 @@ public:
     }
 
     Term() = default;
-    /// A bare term.
+    /// Makes a term without conditions and actions.
     explicit Term(const Orin::String& termId) noexcept : id(termId), stateId(termId) {}
 
-    /// The key under which the term is kept.
+    /// The term's key in its collection.
     Orin::String id;
     Orin::String stateId;
     std::optional<TermConditions> conditions;

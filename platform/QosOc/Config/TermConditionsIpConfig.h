@@ -28,12 +28,12 @@ public:
 
     bool empty() const noexcept { return !dscp && dscpSet.empty(); }
     void dscpSetPush(std::uint8_t value) { dscpSet.push(value); }
-    /// True when these are the values, as `dscpsAre` would leave them.
+    /// Returns true if these are the values, stored as `dscpsAre` stores them.
     bool hasDscps(const Orin::Vector<std::uint8_t>& values) const noexcept {
         if (values.size() == 1) return dscp == values[0] && dscpSet.empty();
         return !dscp && dscpSet == values;
     }
-    /// Matches exactly these values: a single one as a DSCP, others as a set.
+    /// Sets the values: a single one is stored as a DSCP, several as a set.
     void dscpsAre(const Orin::Vector<std::uint8_t>& values) {
         if (values.size() == 1) {
             dscp = values[0];
@@ -45,7 +45,7 @@ public:
     }
 
     std::optional<std::uint8_t> dscp;
-    /// In the order in which the rules gave them, duplicates kept.
+    /// In the order of the rules, with duplicates.
     Orin::Vector<std::uint8_t> dscpSet;
 
     friend bool operator==(const TermConditionsIpConfig&, const TermConditionsIpConfig&) = default;

@@ -49,9 +49,9 @@ public:
     void stateIs(const ClassifierState& state);
     /// Null when there are none.
     Terms* terms() const noexcept { return terms_.get(); }
-    /// The terms, made empty if there are none.
+    /// Returns the terms; creates an empty collection if absent.
     Orin::Ptr<Terms> termsIs();
-    /// Nothing happens when there are none.
+    /// No-op if absent.
     void termsDel();
 
 private:

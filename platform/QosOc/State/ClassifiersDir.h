@@ -21,14 +21,14 @@ public:
     ~ClassifiersDir() override;
 
     const ClassifierByName& classifier() const noexcept { return classifier_; }
-    /// The classifier of that name; null if there is none.
+    /// Returns the classifier of this name; null if absent.
     Classifier* classifier(const Orin::String& name) const noexcept {
         const Orin::Ptr<Classifier>* held = classifier_.find(name);
         return held == nullptr ? nullptr : held->get();
     }
-    /// The classifier of that name, made without state and terms if there is none.
+    /// Returns the classifier of this name; creates it without state and terms if absent.
     Orin::Ptr<Classifier> classifierIs(const Orin::String& name);
-    /// Removes the classifier with all it holds; nothing happens when there is none.
+    /// Removes the classifier with its terms. No-op if absent.
     void classifierDel(const Orin::String& name);
 
 private:

@@ -22,21 +22,21 @@ public:
     ~Terms() override;
 
     const TermById& term() const noexcept { return term_; }
-    /// The stored term of that id; null if there is none. It stays where it is until it is deleted.
+    /// Returns the stored term of this id, valid until it is removed; null if absent.
     Term* term(const Orin::String& id) noexcept { return term_.find(id); }
-    /// Enters the term, or replaces whole the one with its id.
+    /// Inserts the term, or replaces the whole term with its id.
     void termIs(const Term& term);
-    /// Enters a bare term; there must be none of that id.
+    /// Inserts a term without conditions and actions. Precondition: there is none of this id.
     void bareTermIs(const Orin::String& id);
-    /// Stores a term again with other conditions, or none: `term` is a stored one. False when they
-    /// are what it has.
+    /// Stores a term with other conditions, or none. Precondition: `term` is a stored term. Returns
+    /// false if its conditions are equal already.
     bool conditionsIs(Term& term, std::optional<Config::TermConditions>&& conditions);
-    /// Stores a term again with these DSCP values as its only conditions, for that address family:
-    /// `term` is a stored one. False when they are what it has.
+    /// Stores a term with these DSCP values of this address family as its only conditions.
+    /// Precondition: `term` is a stored term. Returns false if its conditions are equal already.
     bool dscpsAre(Term& term, QosOc::Classifier::Type family,
                   const Orin::Vector<std::uint8_t>& values);
-    /// Stores a term again with that target group, which may be empty: `term` is a stored one.
-    /// False when it has it.
+    /// Stores a term with this target group, which may be empty. Precondition: `term` is a stored
+    /// term. Returns false if its target group is equal already.
     bool targetGroupIs(Term& term, const Orin::String& targetGroup) {
         if (!term.actions)
             term.actions.emplace();
@@ -46,7 +46,7 @@ public:
         publishTerm(term.id);
         return true;
     }
-    /// Nothing happens when there is no such term.
+    /// No-op if absent.
     void termDel(const Orin::String& id);
 
 private:
