@@ -5,8 +5,8 @@
 #include "platform/Plugin/Loader.h"
 #include "platform/Qos/DefaultPluginLoader.h"
 
-/// What happens when the library is loaded, in this order, and is taken back in the opposite order
-/// when it is unloaded.
+/// Registers types, trace handles and the plug-in, in this order, when the library is loaded.
+/// Unloading it unregisters them in the reverse order.
 namespace QosOc {
 namespace {
 

@@ -63,8 +63,8 @@ void AclStateSm::handleAclSubConfig() {
         aclSubStateSm_.reconcile(aclConfig_->aclSubConfig(), [this](const auto& aclSubConfig) {
             aclSubStateSmIs(aclSubConfig, aclNameAndType_, classifierStateDir_);
         });
-    // This machine took its state back while its child was at work: the child has emptied the
-    // conditions since, so they have to be removed again.
+    // This machine took back its state while its child was working. The child has emptied the
+    // conditions since then, so remove them again.
     if (!isLive) removeConditions();
 }
 
@@ -76,7 +76,7 @@ void AclStateSm::doPrepareToDie() {
 
 void AclStateSm::removeConditions() {
     const ClassifierKey& key = classifierKeyFromConfigObjName(aclConfig_->aclName());
-    // The child has emptied the conditions; with the list itself the container goes too.
+    // The child has emptied the conditions. The list is gone, so remove the container, too.
     if (key.isTerm())
         deleteClassifierTermCondition(classifierStateDir_, key.classifierName, key.termId, true);
 }

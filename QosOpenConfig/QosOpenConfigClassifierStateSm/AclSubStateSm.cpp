@@ -21,8 +21,8 @@ constexpr auto kHandleAclRulesEmpty =
     tracePoint("handleAclRules", "void QosOc::AclSubStateSm::handleAclRules()", 215);
 constexpr unsigned kUnexpectedAclTypeLine = 240;
 
-/// Room for the values of one computation, kept from one to the next. A computation within another
-/// has its own.
+/// A buffer for the values of one computation, kept for the next one. A computation within another
+/// one uses its own buffer.
 class Values {
 public:
     Values() noexcept : values_(std::exchange(kept, {})) {}
@@ -37,8 +37,8 @@ private:
     Orin::Vector<unsigned char> values_;
 };
 
-/// The values become the DSCPs of the rules that match one, in sequence. A rule that is missing
-/// matches none.
+/// Sets `values` to the DSCPs of the rules that match one, in the order of their sequence numbers.
+/// A missing rule matches none.
 template <class Rules>
 void valuesAre(Orin::Vector<unsigned char>& values,
                const Acl::AclSubConfig::RuleIdBySequence& sequence, const Rules& ruleById) {

@@ -9,8 +9,8 @@ void Node::lastUserGone() {
         flagIs(kGone, true);
         return;
     }
-    // A destructor may publish, which holds the node meanwhile: letting go of it then must not
-    // lead here again.
+    // A destructor may publish, which adds and releases a reference to the node; that release must
+    // not call this function again.
     refs_.up();
     delete this;
 }

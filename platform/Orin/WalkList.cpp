@@ -17,7 +17,7 @@ WalkList::Walk* WalkList::outermostOfWalksAt(const Link& link) const noexcept {
     return outermost;
 }
 
-// What lies from `next_` to before `stop_` is what a walk still has to visit.
+// A walk still has to visit the links from `next_` up to, but without, `stop_`.
 void WalkList::stopWalksBefore(Link& entered) noexcept {
     for (Walk* walk = walks_; walk != nullptr; walk = walk->outer_) {
         if (walk->stop_ != &ends_) continue;

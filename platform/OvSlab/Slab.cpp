@@ -38,7 +38,7 @@ constexpr bool kPoisons = false;
 
 constexpr std::size_t kBlockBytes = std::size_t{64} * 1024;
 
-/// The first cell's worth of a block links the blocks, so that leak checkers see them all.
+/// The first cell of each block links the blocks, so that leak checkers see them all.
 struct Block {
     Block* next;
 };
@@ -51,7 +51,7 @@ bool isFromHeap(std::size_t size) noexcept {
     return kPassThrough || size > kLargest;
 }
 
-/// Puts a cell in front of the free ones.
+/// Adds a cell at the front of the list of free cells.
 void putCell(FreeCell*& cells, void* memory, std::size_t cellBytes) noexcept {
     cells = new (memory) FreeCell{cells};
     if (kPoisons) ASAN_POISON_MEMORY_REGION(memory, cellBytes);

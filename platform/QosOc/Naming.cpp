@@ -12,14 +12,14 @@ namespace {
 constexpr std::string_view kPrefix = "openconfig:";
 constexpr std::string_view kClassDefault = "class-default";
 
-/// The character that an escape stands for; 0 when it is none.
+/// Returns the character that an escape means; 0 if it is not a valid escape.
 char escaped(std::string_view escape) noexcept {
     if (escape == "%25") return '%';
     if (escape == "%3A") return ':';
     return 0;
 }
 
-/// The text that the part of a name stands for; nothing if no part reads like this.
+/// Returns the unescaped part of a name; nothing if it is not valid.
 std::optional<std::string> unescaped(std::string_view part) {
     std::string text;
     while (!part.empty()) {
@@ -36,14 +36,14 @@ std::optional<std::string> unescaped(std::string_view part) {
     return text;
 }
 
-/// The shared text of a name's first part. Names of one classifier mostly come in a row.
+/// Returns the shared text of a name's first part. Successive names mostly have equal ones.
 const Orin::String& firstText(std::string_view part) {
     thread_local Orin::String last;
     if (last.view() != part) last = Orin::String::shared(part);
     return last;
 }
 
-/// The texts of two parts, empty if they do not read like parts of a name.
+/// Returns the texts of two parts; both are empty if one is not valid.
 PmapClassifiers textsOf(std::string_view first, std::string_view second, bool isEscaped) {
     if (!isEscaped) return {firstText(first), Orin::String::shared(second)};
     const auto firstPart = unescaped(first);

@@ -1,6 +1,6 @@
 #include "platform/Vex/Assert.h"
 
-// The C library declares its failure only where assertions are on; ours always are.
+// The C library declares this function only if assertions are on; ours always are.
 #undef NDEBUG
 #include <cassert>
 #include <cstdio>

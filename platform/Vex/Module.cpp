@@ -42,7 +42,7 @@ const TypeRecord* typeNamed(std::string_view fullName) noexcept {
     return nullptr;
 }
 
-/// Where the type is registered; nothing if it is in no module.
+/// Returns where the type is registered; nothing if it is in no module.
 static std::optional<FwkType> placeOf(const TypeRecord& type) {
     for (std::size_t m = 0; m < registered().size(); ++m) {
         if (registered()[m] == nullptr) continue;
@@ -80,7 +80,7 @@ const AttributeRecord* attributeWithId(const TypeRecord& type, Orin::AttributeId
 
 }  // namespace Vex
 
-// A node knows that it has a type; what a type is, only this folder knows.
+// `Orin::Node` only declares type records; this folder defines them.
 namespace Orin {
 
 const Vex::TypeRecord& Node::typeData() const {

@@ -21,7 +21,7 @@ struct TraceState {
     TraceSink sink;
 };
 
-/// Never destroyed: handles of libraries leave it at their unload, which may be the very end.
+/// Never destroyed: libraries unregister their handles when they are unloaded, even at exit.
 TraceState& state() {
     static auto* const kept = new TraceState;
     return *kept;

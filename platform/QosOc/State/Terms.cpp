@@ -34,7 +34,7 @@ bool Terms::dscpsAre(Term& term, QosOc::Classifier::Type family,
     const auto ofOther = isIpv4 ? &Config::TermConditions::ipv6 : &Config::TermConditions::ipv4;
     const auto& stored = term.conditions;
     if (stored && (*stored.*ofOther).empty() && (*stored.*ofFamily).hasDscps(values)) return false;
-    // Room for the values is made first: where there is none, nothing has changed.
+    // Reserves memory for the values first: if that fails, nothing has changed.
     Config::TermConditions made;
     Config::TermConditions& changed = stored ? *term.conditions : made;
     (changed.*ofFamily).dscpsAre(values);
