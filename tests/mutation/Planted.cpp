@@ -20,6 +20,13 @@ const char* wayOut(int a) {
     return a == 3 ? "break" : "end";
 }
 
+/// The order of the steps matters.
+int twiceAndOne(int a) {
+    a *= 2;
+    a += 1;
+    return a;
+}
+
 bool leavesByThrowing() {
     try {
         return wayOut(1) == nullptr;
@@ -33,7 +40,7 @@ bool leavesByThrowing() {
 bool holds() {
     return distance(2, 5) == 3 && distance(5, 2) == 3 && leavesByThrowing() &&
            std::string_view(wayOut(2)) == "end" && std::string_view(wayOut(3)) == "break" &&
-           std::string_view(wayOut(4)) == "return";
+           std::string_view(wayOut(4)) == "return" && twiceAndOne(3) == 7;
 }
 
 int uncalled(int a) {

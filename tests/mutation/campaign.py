@@ -1,9 +1,9 @@
 """Mutates the code, one change at a time, and reports the changes that no test notices.
 
-    campaign.py SOURCE FOLDER [--survivors] [PATTERN...]
+    campaign.py SOURCE FOLDER [--survivors] [--sample N] [--seed S] [PATTERN...]
 
 SOURCE is the checkout, which stays as it is; FOLDER is built in. With patterns only those files are
-tried, with --survivors only what survived the last time.
+tried, with --survivors only what survived the last time, with --sample only N mutants at random.
 """
 
 import argparse
@@ -14,6 +14,7 @@ from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 from equivalents import Equivalents
+from mutants import sampled
 from mutated_tree import BuildFailed, MutatedTree
 from report import PLANTED, Report, matches
 from tests_of_tree import BaselineFailed, Tests
@@ -80,6 +81,8 @@ def main():
     parser.add_argument("source", type=Path)
     parser.add_argument("folder", type=Path)
     parser.add_argument("--survivors", action="store_true")
+    parser.add_argument("--sample", type=int, metavar="N", help="only so many mutants, at random")
+    parser.add_argument("--seed", type=int, default=1, help="which ones; 1 unless said otherwise")
     parser.add_argument("patterns", nargs="*")
     arguments = parser.parse_args()
     try:
@@ -90,13 +93,18 @@ def main():
         if arguments.survivors:
             keys = set(json.loads(last.read_text()))
             chosen = [n for n in chosen if tree.mutants[n].key in keys]
+        if arguments.sample is not None:
+            chosen = sampled({n: tree.mutants[n] for n in chosen}, PLANTED, arguments.sample,
+                             arguments.seed)
         fate = [(tree.mutants[n], f) for n, f in fates(tree, chosen).items()]
     except (BuildFailed, BaselineFailed) as fault:
         say(fault)
         return 1
     equivalents = Equivalents.read(HERE / "equivalent.txt")
     last.write_text(json.dumps([m.key for m, f in fate if f != "killed"], indent=1))
-    report = Report(fate, equivalents, not (arguments.patterns or arguments.survivors))
+    untried = {m.key for m in tree.mutants.values()} - {m.key for m, _ in fate}
+    is_whole = not (arguments.patterns or arguments.survivors or arguments.sample)
+    report = Report(fate, equivalents, is_whole, untried)
     print("\n".join(report.text()))
     faults = list(report.faults())
     for fault in faults:

@@ -32,9 +32,8 @@ class Equivalents:
     def __contains__(self, key):
         return key in self.reasons
 
-    def stale(self, fates):
-        """The keys of which no mutant in the tried files survived."""
+    def stale(self, fates, untried=()):
+        """The keys of which no mutant in the tried files survived, nor was left `untried`."""
         tried = {mutant.file for mutant, _ in fates}
-        survived = {mutant.key for mutant, fate in fates if fate != "killed"}
-        return [key for key in self.reasons
-                if key.split(" ")[0] in tried and key not in survived]
+        left = {mutant.key for mutant, fate in fates if fate != "killed"} | set(untried)
+        return [key for key in self.reasons if key.split(" ")[0] in tried and key not in left]

@@ -1,5 +1,6 @@
 """What a mutant is: one small change of one source."""
 
+import random
 import re
 from dataclasses import dataclass
 
@@ -31,3 +32,11 @@ class Mutant:
 
 def flat(text):
     return " ".join(COMMENT.sub(" ", text).split())
+
+
+def sampled(mutants, always, count, seed):
+    """The numbers of `count` of the mutants, the same for the same seed and mutants, and of all in
+    the file `always`. `mutants` are by number."""
+    kept = [n for n, mutant in mutants.items() if mutant.file == always]
+    others = sorted(mutants.keys() - set(kept), key=lambda n: mutants[n].key)
+    return kept + random.Random(seed).sample(others, min(count, len(others)))

@@ -14,8 +14,8 @@ from pathlib import Path
 
 import schemata
 from equivalents import Equivalents
-from mutants import INSERTED, SKIPPED, STATEMENT, TRUTH, VALUE, Mutant, flat
-from report import PLANTED_KILLED, PLANTED_SURVIVORS, Report
+from mutants import INSERTED, SKIPPED, STATEMENT, TRUTH, VALUE, Mutant, flat, sampled
+from report import PLANTED, PLANTED_KILLED, PLANTED_SURVIVORS, Report
 
 HERE = Path(__file__).resolve().parent
 TOY = """
@@ -70,6 +70,12 @@ class WrittenMutantsTest(unittest.TestCase):
 
     MUTANTS[10] = (mutant("skip", SKIPPED, "return -1;", ""), "12 -1 1 10 ")
     MUTANTS[11] = (mutant("string", VALUE, '"%d "', '""'), "")
+
+    FIRST, SECOND = "say(value(1, 2))", "say(value(4, 2))"
+    MUTANTS[12] = (Mutant("toy.cpp", "main", "order", 19, FIRST, SECOND, STATEMENT,
+                          tuple((TOY.index(here), TOY.index(here) + len(here), other)
+                                for here, other in ((FIRST, SECOND), (SECOND, FIRST)))),
+                   "4 1 -1 10 ")
 
     @classmethod
     def setUpClass(cls):
@@ -151,6 +157,36 @@ class ReportTest(unittest.TestCase):
         report = self.report([(IN_REGISTRY, "killed")], [IN_REGISTRY.key])
         self.assertEqual(list(report.faults()),
                          [f"listed as equivalent, but killed or gone: {IN_REGISTRY.key}"])
+
+    def test_does_not_miss_an_equivalent_that_was_not_tried(self):
+        fates = [(planted_mutant(key), fate) for key, fate in PLANTED_SURVIVORS.items()]
+        fates += [(planted_mutant(key), "killed") for key in PLANTED_KILLED]
+        fates.append((planted_mutant(f"{IN_REGISTRY.file} h call: g() -> nothing"), "killed"))
+        equivalents = Equivalents({IN_REGISTRY.key: "why"})
+        self.assertEqual(list(Report(fates, equivalents, untried={IN_REGISTRY.key}).faults()), [])
+        self.assertEqual(list(Report(fates, equivalents).faults()),
+                         [f"listed as equivalent, but killed or gone: {IN_REGISTRY.key}"])
+
+
+class SampleTest(unittest.TestCase):
+    def setUp(self):
+        self.mutants = {n: planted_mutant(f"a.cpp f{n} call: g() -> nothing") for n in range(100)}
+
+    def sample(self, count, seed):
+        return sampled(self.mutants, PLANTED, count, seed)
+
+    def test_has_as_many_as_asked_for(self):
+        self.assertEqual(len(set(self.sample(30, 1))), 30)
+        self.assertEqual(set(self.sample(1000, 1)), set(range(100)))
+
+    def test_is_the_same_for_the_same_seed_alone(self):
+        self.assertEqual(self.sample(30, 1), self.sample(30, 1))
+        self.assertNotEqual(set(self.sample(30, 1)), set(self.sample(30, 2)))
+
+    def test_has_all_that_is_planted(self):
+        planted = dict(self.mutants)
+        planted[7] = planted_mutant(next(iter(PLANTED_SURVIVORS)))
+        self.assertIn(7, sampled(planted, PLANTED, 0, 1))
 
 
 class EquivalentsTest(unittest.TestCase):

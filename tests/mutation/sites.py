@@ -128,8 +128,21 @@ class Sites:
         self.children(cursor, here)
 
     def at_COMPOUND_STMT(self, cursor, here):
-        for child in cursor.get_children():
+        statements = list(cursor.get_children())
+        for child in statements:
             self.statement(child, here)
+        for first, second in zip(statements, statements[1:]):
+            self.order(first, second, here)
+
+    def order(self, first, second, here):
+        """Neighbouring statements that are expressions can change places."""
+        if not all(c.kind.is_expression() and kind_of(c) != "CXX_THROW_EXPR"
+                   and self.file_of(c.extent) == here.file for c in (first, second)):
+            return
+        before, after = here.text(*span(first)), here.text(*span(second))
+        if before and after and before != after:
+            here.add("order", STATEMENT, f"{before}; {after}", f"{after}; {before}",
+                     [(*span(first), after), (*span(second), before)])
 
     def statement(self, cursor, here):
         """An expression that is a whole statement can be left out."""
