@@ -63,6 +63,18 @@ bool isNotAClass(const TermEvidence& term) {
     return term.classifier->isInPolicyMap() && term.policyMaps.empty();
 }
 
+bool isUsedByPolicyMap(const TermEvidence& term) {
+    return term.classifier->isInPolicyMap() || !term.policyMaps.empty();
+}
+
+/// While no policy map uses a term, the configured target group is written whenever the configured
+/// term is published, and at no other time.
+bool isGroupNotWritten(const TermEvidence& term) {
+    const Orin::String& configured = targetGroup(term.configured);
+    return term.state != nullptr && !configured.empty() && !isUsedByPolicyMap(term) &&
+           targetGroup(term.state) != configured;
+}
+
 constexpr std::string_view kBoth = "classifier, term";
 constexpr std::string_view kClassifier = "classifier";
 constexpr std::string_view kTerm = "term";
@@ -146,6 +158,15 @@ constexpr Finding kFindings[] = {
      "Set in the policy map the traffic class of the configured group and raise its version, or "
      "detach the classifier from the interfaces.",
      nullptr, isDecidedByPolicyMap},
+    {"group-not-written", kTerm,
+     "A target group is configured, the term is in the state, no policy map uses the classifier or "
+     "has a class made from the term, and the target group in the state, or its absence, is not "
+     "the configured one.",
+     "The configured target group was not written again after something else had changed the term "
+     "in the state.",
+     "Publish the configured term again: touch it, or configure another target group and then this "
+     "one.",
+     nullptr, isGroupNotWritten},
 };
 
 }  // namespace
@@ -170,8 +191,7 @@ FindingRows findingsOf(const TermEvidence& term) {
 }
 
 bool isDecidedByPolicyMap(const TermEvidence& term) {
-    const bool isUsed = term.classifier->isInPolicyMap() || !term.policyMaps.empty();
-    return term.configured != nullptr && isUsed &&
+    return term.configured != nullptr && isUsedByPolicyMap(term) &&
            targetGroup(term.state) != targetGroup(term.configured);
 }
 

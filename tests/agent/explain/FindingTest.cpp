@@ -217,5 +217,32 @@ TEST_F(FindingTest, saysThatThePolicyMapDecides) {
     EXPECT_EQ(termFindings(), "");
 }
 
+TEST_F(FindingTest, saysThatTheConfiguredGroupWasNotWritten) {
+    remove(kPmaps + "openconfig:edge:");
+    EXPECT_EQ(termFindings(), "");
+    ASSERT_EQ(db.replace(kCmaps + kObj, R"({"match":{"matchDscp":""}})"), "");
+    EXPECT_EQ(termFindings(), "access-list-decides group-not-written");
+    rulesAreReadAgain();
+    EXPECT_EQ(termFindings(), "group-not-written");
+    ASSERT_EQ(db.touch(kConfigured + "edge/terms/term/voice"), "");
+    EXPECT_EQ(termFindings(), "");
+}
+
+TEST_F(FindingTest, saysThatAnotherGroupStaysFromAClassThatIsGone) {
+    remove(kPmaps + "openconfig:edge:");
+    classIs(R"({"4":1})", "openconfig:other:");
+    EXPECT_EQ(termFindings(), "policy-map-decides");
+    remove(kPmaps + "openconfig:other:");
+    EXPECT_EQ(termFindings(), "group-not-written");
+}
+
+TEST_F(FindingTest, asksForNoGroupWhereNoneIsConfigured) {
+    remove(kPmaps + "openconfig:edge:");
+    ASSERT_EQ(db.replace(kCmaps + kObj, R"({"match":{"matchDscp":""}})"), "");
+    rulesAreReadAgain();
+    remove(kConfigured + "edge/terms/term/voice/actions");
+    EXPECT_EQ(termFindings(), "");
+}
+
 }  // namespace
 }  // namespace QosAgent
