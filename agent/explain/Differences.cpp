@@ -1,9 +1,9 @@
 #include "agent/explain/Differences.h"
 
+#include <algorithm>
+
 #include "agent/explain/Explainer.h"
 #include "agent/explain/Finding.h"
-#include "agent/openconfig/SortedState.h"
-#include "platform/QosOc/Config/ClassifiersDir.h"
 
 namespace QosAgent {
 namespace {
@@ -17,6 +17,19 @@ bool mayDiffer(const Term& configured, const Term* state, Type family) {
     return state == nullptr || targetGroup(&configured) != targetGroup(state) ||
            (configured.conditions != state->conditions &&
             dscpValues(&configured, family) != dscpValues(state, family));
+}
+
+/// The same of a classifier and its terms.
+bool mayDiffer(const QosOc::Config::Classifier& configured, const QosOc::State::Classifier* state) {
+    const Type family = configured.config().type.value_or(Type::IPV4);
+    if (state == nullptr || state->state().type != family) return true;
+    if (!configured.terms()) return false;
+    auto* published = state->terms();
+    for (const auto& member : configured.terms()->term())
+        if (mayDiffer(member.value, published == nullptr ? nullptr : published->term(member.key),
+                      family))
+            return true;
+    return false;
 }
 
 bool isDscpDifferent(const TermEvidence& term) {
@@ -42,12 +55,14 @@ std::vector<TermEvidence> differingTerms(const ClassifierEvidence& classifier,
     if (!classifier.configured->terms()) return terms;
     const Type family = classifier.configuredFamily();
     auto* state = classifier.state == nullptr ? nullptr : classifier.state->terms();
-    for (const auto* member : sortedByKey(classifier.configured->terms()->term())) {
-        const Term* published = state == nullptr ? nullptr : state->term(member->key);
-        if (!mayDiffer(member->value, published, family)) continue;
-        TermEvidence term = reader.term(classifier, member->key);
+    for (const auto& member : classifier.configured->terms()->term()) {
+        const Term* published = state == nullptr ? nullptr : state->term(member.key);
+        if (!mayDiffer(member.value, published, family)) continue;
+        TermEvidence term = reader.term(classifier, member.key);
         if (isDifferent(term)) terms.push_back(std::move(term));
     }
+    std::sort(terms.begin(), terms.end(),
+              [](const TermEvidence& a, const TermEvidence& b) { return a.id < b.id; });
     return terms;
 }
 
@@ -113,14 +128,23 @@ void writeClassifier(JsonWriter& writer, const ClassifierEvidence& classifier,
     writer.endObject();
 }
 
+/// Configured classifiers that may differ, themselves or in their terms; ascending. Only these are
+/// sorted, so that the usual case, in which nothing differs, is linear.
+std::vector<String> namesThatMayDiffer(const EvidenceReader& reader) {
+    std::vector<String> names;
+    for (const auto& member : reader.configured().classifier())
+        if (mayDiffer(*member.value, reader.state().classifier(member.key)))
+            names.push_back(member.key);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
 }  // namespace
 
-void writeDifferences(JsonWriter& writer, const Database& database, const EvidenceReader& reader) {
-    const auto& configured = static_cast<const QosOc::Config::ClassifiersDir&>(
-        *database.subtreeAt("qos/openconfig/config/classifiers")->root);
+void writeDifferences(JsonWriter& writer, const EvidenceReader& reader) {
     writer.beginObject();
-    for (const auto* member : sortedByKey(configured.classifier()))
-        writeClassifier(writer, reader.classifier(member->key), reader);
+    for (const String& name : namesThatMayDiffer(reader))
+        writeClassifier(writer, reader.classifier(name), reader);
     writer.endObject();
 }
 

@@ -6,6 +6,6 @@
 namespace QosAgent {
 
 /// Writes what is configured and is not so in the state; see `Explainer::writeDifferences`.
-void writeDifferences(JsonWriter& writer, const Database& database, const EvidenceReader& reader);
+void writeDifferences(JsonWriter& writer, const EvidenceReader& reader);
 
 }  // namespace QosAgent

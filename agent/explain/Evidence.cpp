@@ -5,9 +5,7 @@
 #include "platform/Acl/Input/Config.h"
 #include "platform/Qos/Input/Config.h"
 #include "platform/Qos/Status.h"
-#include "platform/QosOc/Config/ClassifiersDir.h"
 #include "platform/QosOc/Naming.h"
-#include "platform/QosOc/State/ClassifiersDir.h"
 
 namespace QosAgent {
 namespace {
@@ -92,14 +90,18 @@ const String& targetGroup(const QosOc::Config::Term* term) {
 EvidenceReader::EvidenceReader(const Database& database, const NameIndex& index)
     : database_(database), index_(index) {}
 
+const QosOc::Config::ClassifiersDir& EvidenceReader::configured() const {
+    return rootAt<QosOc::Config::ClassifiersDir>(database_, "qos/openconfig/config/classifiers");
+}
+
+const QosOc::State::ClassifiersDir& EvidenceReader::state() const {
+    return rootAt<QosOc::State::ClassifiersDir>(database_, "qos/openconfig/state/classifiers");
+}
+
 ClassifierEvidence EvidenceReader::classifier(const String& name) const {
-    using Configured = QosOc::Config::ClassifiersDir;
-    using State = QosOc::State::ClassifiersDir;
     ClassifierEvidence evidence{name};
-    evidence.state =
-        memberOf(rootAt<State>(database_, "qos/openconfig/state/classifiers").classifier(), name);
-    evidence.configured = memberOf(
-        rootAt<Configured>(database_, "qos/openconfig/config/classifiers").classifier(), name);
+    evidence.state = state().classifier(name);
+    evidence.configured = memberOf(configured().classifier(), name);
     evidence.hasOwnClassMap =
         !QosOc::classifierNameFromClassName(name).empty() && classMap(name) != nullptr;
     evidence.made = index_.find(name);

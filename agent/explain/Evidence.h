@@ -10,8 +10,8 @@
 #include "platform/Ovk/UniqueId.h"
 #include "platform/Qos/ClassMapStatus.h"
 #include "platform/Qos/PolicyMapStatus.h"
-#include "platform/QosOc/Config/Classifier.h"
-#include "platform/QosOc/State/Classifier.h"
+#include "platform/QosOc/Config/ClassifiersDir.h"
+#include "platform/QosOc/State/ClassifiersDir.h"
 
 /// What the database holds about a classifier and its terms: plain facts, no conclusions. All of it
 /// refers to the database and is valid until the database changes.
@@ -87,6 +87,8 @@ public:
     /// What is passed must outlive the reader.
     EvidenceReader(const Database& database, const NameIndex& index);
 
+    const QosOc::Config::ClassifiersDir& configured() const;
+    const QosOc::State::ClassifiersDir& state() const;
     ClassifierEvidence classifier(const Orin::String& name) const;
     /// `classifier` must outlive the result.
     TermEvidence term(const ClassifierEvidence& classifier, const Orin::String& id) const;

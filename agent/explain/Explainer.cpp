@@ -29,7 +29,7 @@ Explanation Explainer::explain(const Question& question) {
 }
 
 void Explainer::writeDifferences(JsonWriter& writer) {
-    QosAgent::writeDifferences(writer, database_, reader());
+    QosAgent::writeDifferences(writer, reader());
 }
 
 }  // namespace QosAgent
