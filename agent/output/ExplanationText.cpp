@@ -219,7 +219,12 @@ void ExplanationWriter::targetGroupSource(const PolicyMapEvidence& map) {
 void ExplanationWriter::configuredTargetGroup(const TermEvidence& term) {
     const String& configured = targetGroup(term.configured);
     const String& state = targetGroup(term.state);
-    if (term.configured == nullptr) return;
+    if (term.configured == nullptr) {
+        if (!state.empty() && term.policyMaps.empty())
+            line("Target group " + visibleName(state) +
+                 " was left in the state by a policy map that is gone.");
+        return;
+    }
     if (configured == state) {
         if (!state.empty() && term.policyMaps.empty())
             line("Target group " + visibleName(state) + " comes from the configuration.");

@@ -79,6 +79,26 @@ TEST_F(ExplanationTextTest, saysOfAClassifierWhatItsTermsAre) {
               "    term.");
 }
 
+TEST_F(ExplanationTextTest, saysWhatWasLeftBehind) {
+    update(kPmaps + "openconfig:old:", R"({"classes":{"openconfig:old:t":{"action":{"4":1}}}})");
+    remove(kPmaps + "openconfig:old:");
+    EXPECT_EQ(text({"old", "t"}),
+              "classifier old, IPV4\n"
+              "left-behind: It is in the state, but nothing stands for it any more. Create its\n"
+              "  class map and delete it again: only the end of a class map removes a term or\n"
+              "  a classifier from the state.\n"
+              "term t\n"
+              "\n"
+              "Target group gold was left in the state by a policy map that is gone.\n"
+              "\n"
+              "left-behind: It is in the state, but nothing stands for it any more. Create its\n"
+              "  class map and delete it again: only the end of a class map removes a term or\n"
+              "  a classifier from the state.\n"
+              "no-access-list: No access list was made from the term, so it has no DSCP\n"
+              "  values. Configure a DSCP value of the classifier's family, or create the\n"
+              "  access list. A term that is to match all traffic needs none.");
+}
+
 TEST_F(ExplanationTextTest, saysWhatNobodyKnows) {
     EXPECT_EQ(text({"a\nb", {}}), "Nobody knows a classifier a\\nb.");
     EXPECT_EQ(text({"nobody", "t"}), "Nobody knows a classifier nobody.");
