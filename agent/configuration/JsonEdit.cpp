@@ -5,6 +5,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include "platform/Orin/TextHash.h"
+
 namespace QosAgent {
 namespace {
 
@@ -141,10 +143,10 @@ void JsonEdit::addMerged(const JsonValue& held, const JsonValue& value, const Mo
 
 void JsonEdit::addMergedObject(const JsonValue& held, const JsonValue& value,
                                const ModelSchema* schema) {
-    std::unordered_map<std::string_view, JsonValue> given;
+    std::unordered_map<std::string_view, JsonValue, Orin::TextHash> given;
     for (const JsonMember& member : value.members())
         given.emplace(localName(member.key), member.value);
-    std::unordered_set<std::string_view> merged;
+    std::unordered_set<std::string_view, Orin::TextHash> merged;
     builder_.beginObject(value.offset());
     for (const JsonMember& member : held.members()) {
         const std::string_view name = localName(member.key);
@@ -165,10 +167,10 @@ void JsonEdit::addMergedObject(const JsonValue& held, const JsonValue& value,
 
 void JsonEdit::addMergedList(const JsonValue& held, const JsonValue& value,
                              const ModelSchema& schema) {
-    std::unordered_map<std::string_view, JsonValue> given;
+    std::unordered_map<std::string_view, JsonValue, Orin::TextHash> given;
     for (const JsonValue& entry : value.elements())
         if (const auto key = keyOf(entry, schema)) given.emplace(*key, entry);
-    std::unordered_set<std::string_view> merged;
+    std::unordered_set<std::string_view, Orin::TextHash> merged;
     builder_.beginArray(value.offset());
     for (const JsonValue& entry : held.elements()) {
         const auto key = keyOf(entry, schema);
@@ -190,7 +192,7 @@ void JsonEdit::addMergedList(const JsonValue& held, const JsonValue& value,
 }
 
 void JsonEdit::addUnion(const JsonValue& held, const JsonValue& value) {
-    std::unordered_set<std::string> there;
+    std::unordered_set<std::string, Orin::TextHash> there;
     builder_.beginArray(value.offset());
     for (const JsonValue& element : held.elements()) {
         there.insert(scalarText(element));

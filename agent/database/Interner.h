@@ -4,7 +4,7 @@
 #include <string_view>
 #include <unordered_set>
 
-#include "platform/Orin/String.h"
+#include "platform/Orin/TextHash.h"
 
 namespace QosAgent {
 
@@ -18,16 +18,11 @@ public:
     Orin::String operator()(std::string_view text);
 
 private:
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view text) const { return Orin::hashOf(text); }
-        std::size_t operator()(const Orin::String& text) const { return text.hash(); }
-    };
     struct Equal {
         using is_transparent = void;
         bool operator()(std::string_view a, std::string_view b) const { return a == b; }
     };
-    using Texts = std::unordered_set<Orin::String, Hash, Equal>;
+    using Texts = std::unordered_set<Orin::String, Orin::TextHash, Equal>;
 
     Texts young_;
     Texts old_;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "agent/json/Faults.h"
+#include "platform/Orin/TextHash.h"
 
 namespace QosAgent {
 
@@ -67,7 +68,7 @@ private:
 
     Faults faults_;
     std::vector<Warning> warnings_;
-    std::unordered_map<std::string, Kind> kinds_;
+    std::unordered_map<std::string, Kind, Orin::TextHash> kinds_;
     const OfTerm* term_ = nullptr;
     std::size_t terms_ = 0;
 };

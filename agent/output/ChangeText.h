@@ -7,6 +7,7 @@
 #include <unordered_map>
 
 #include "agent/json/Json.h"
+#include "platform/Orin/TextHash.h"
 
 namespace QosAgent {
 
@@ -45,7 +46,7 @@ private:
     std::string updated(const Place& place, const JsonValue& value);
     std::string removed(const Place& place);
 
-    std::unordered_map<std::string, Classifier> classifiers_;
+    std::unordered_map<std::string, Classifier, Orin::TextHash> classifiers_;
 };
 
 }  // namespace QosAgent

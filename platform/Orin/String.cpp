@@ -1,6 +1,9 @@
 #include "platform/Orin/String.h"
 
+#include <sys/auxv.h>
+
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <new>
@@ -14,7 +17,34 @@ namespace {
 
 constexpr std::uint32_t kLongest = 0x7FFFFFFF;
 constexpr std::size_t kFirstPlaces = 64;
-constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15;
+
+/// Makes hashes differ from process to process, so that nobody can choose texts whose hashes
+/// collide. Nothing that the program puts out depends on it.
+struct HashSecret {
+    std::uint64_t start;
+    std::uint64_t factors[2];  ///< odd
+};
+
+/// Mixes a word into a hash. With one multiplication a change of the word's highest bits would
+/// change the hash in a way that does not depend on the factor; the second one hides it.
+std::uint64_t folded(std::uint64_t hash, std::uint64_t word, const HashSecret& secret) noexcept {
+    hash = (hash ^ word) * secret.factors[0];
+    hash = (hash ^ (hash >> 32)) * secret.factors[1];
+    return hash ^ (hash >> 32);
+}
+
+/// Made of what the kernel drew when the process began. `QOS_HASH_SEED` gives a number in its
+/// place, so that counted instructions are the same in each run.
+HashSecret drawnSecret() noexcept {
+    constexpr HashSecret kSpread{0x9E3779B97F4A7C15, {0xBF58476D1CE4E5B9, 0x94D049BB133111EB}};
+    std::uint64_t drawn[2];
+    std::memcpy(drawn, reinterpret_cast<const void*>(::getauxval(AT_RANDOM)), sizeof(drawn));
+    if (const char* seed = std::getenv("QOS_HASH_SEED"))
+        drawn[0] = drawn[1] = std::strtoull(seed, nullptr, 10);
+    const std::uint64_t start = folded(drawn[0], kSpread.start, kSpread);
+    const std::uint64_t first = folded(start, drawn[1], kSpread);
+    return {start, {first | 1, folded(first, kSpread.start, kSpread) | 1}};
+}
 
 template <class Word>
 std::uint64_t wordAt(const char* bytes) noexcept {
@@ -35,11 +65,6 @@ std::uint64_t shortWordOf(std::string_view text) noexcept {
     return byteAt(0) << 16 | byteAt(text.size() / 2) << 8 | byteAt(text.size() - 1);
 }
 
-std::uint64_t folded(std::uint64_t hash, std::uint64_t word) noexcept {
-    hash = (hash ^ word) * kMultiplier;
-    return hash ^ (hash >> 32);
-}
-
 }  // namespace
 
 constinit const String String::kNone;
@@ -47,15 +72,14 @@ constinit const String String::kNone;
 TextNote::~TextNote() = default;
 
 std::uint32_t hashOf(std::string_view text) noexcept {
+    static const HashSecret secret = drawnSecret();
     if (text.empty()) return 0;
-    std::uint64_t hash = text.size() * kMultiplier;
+    std::uint64_t hash = secret.start ^ text.size();
     while (text.size() > sizeof(std::uint64_t)) {
-        hash = folded(hash, wordAt<std::uint64_t>(text.data()));
+        hash = folded(hash, wordAt<std::uint64_t>(text.data()), secret);
         text.remove_prefix(sizeof(std::uint64_t));
     }
-    hash = folded(hash, shortWordOf(text));
-    // The upper bits of a product depend on all bits below them; tables index by the lowest ones.
-    return static_cast<std::uint32_t>(hash * kMultiplier >> 32);
+    return static_cast<std::uint32_t>(folded(hash, shortWordOf(text), secret));
 }
 
 String::String(std::string_view text) : text_(text.empty() ? nullptr : made(text)) {}
@@ -123,14 +147,20 @@ private:
         for (String::Text* text : before)
             if (text != nullptr) places_[placeOf(viewOf(text), text->hash)] = text;
     }
-    /// Those behind the place may stand there for want of it: they are placed anew.
+    /// A text behind the place moves there if it could not be found any more otherwise; then its
+    /// own place is vacant, and so on up to the next place that is free.
     void vacate(std::size_t place) noexcept {
+        for (std::size_t next = after(place); places_[next] != nullptr; next = after(next)) {
+            const std::size_t home = places_[next]->hash & (places_.size() - 1);
+            if (distance(home, next) < distance(place, next)) continue;
+            places_[place] = places_[next];
+            place = next;
+        }
         places_[place] = nullptr;
         --count_;
-        for (place = after(place); places_[place] != nullptr; place = after(place)) {
-            String::Text* text = std::exchange(places_[place], nullptr);
-            places_[placeOf(viewOf(text), text->hash)] = text;
-        }
+    }
+    std::size_t distance(std::size_t from, std::size_t to) const noexcept {
+        return (to - from) & (places_.size() - 1);
     }
 
     std::mutex mutex_;

@@ -2,12 +2,16 @@
 
 #include <functional>
 #include <latch>
+#include <random>
 #include <set>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <unordered_map>
 #include <unordered_set>
+#include <utility>
+#include <vector>
 
 #include "platform/Orin/String.h"
 #include "tests/support/Allocations.h"
@@ -123,14 +127,50 @@ TEST(StringTest, hashesByEveryByteAndTheSize) {
     EXPECT_EQ(hashes.size(), 1 + 20 + 21u);
 }
 
+/// Two texts with the same hash, which differ in each process.
+std::pair<String, String> textsThatCollide() {
+    std::unordered_map<std::uint32_t, std::string> texts;
+    for (unsigned number = 0;; ++number) {
+        const std::string text = "term-" + std::to_string(number);
+        const auto [found, isNew] = texts.emplace(hashOf(text), text);
+        if (!isNew) return {String(found->second), String(text)};
+    }
+}
+
 TEST(StringTest, tellsTextsWithTheSameHashApart) {
-    const String one("term-135980");
-    const String other("term-222117");
-    ASSERT_EQ(one.hash(), other.hash()) << "the hash has changed: find another pair";
+    const auto [one, other] = textsThatCollide();
     EXPECT_NE(one, other);
-    EXPECT_EQ(String::shared("term-135980"), one);
-    const String shared = String::shared("term-135980");
-    EXPECT_NE(String::shared("term-222117"), shared);
+    const String shared = String::shared(one);
+    EXPECT_EQ(shared, one);
+    EXPECT_NE(String::shared(other), shared);
+}
+
+/// With a single multiplication for each word, these would collide whatever the secret is.
+TEST(StringTest, spreadsTheHashesOfTextsThatDifferInTheHighestBitsOfTheirWords) {
+    constexpr std::uint64_t kTop = std::uint64_t{1} << 63;
+    std::unordered_set<std::uint32_t> hashes;
+    for (std::uint64_t number = 0; number != 1000; ++number) {
+        const std::uint64_t words[2][2] = {{number, number}, {number ^ kTop, number ^ kTop >> 32}};
+        for (const auto& text : words) {
+            hashes.insert(hashOf({reinterpret_cast<const char*>(text), sizeof(text)}));
+            const std::uint64_t both[2] = {text[0], text[1] ^ kTop};
+            hashes.insert(hashOf({reinterpret_cast<const char*>(both), sizeof(both)}));
+        }
+    }
+    EXPECT_GT(hashes.size(), 3990U);
+}
+
+TEST(StringTest, findsEachSharedTextWhileItIsOwned) {
+    std::mt19937 random(7);
+    std::vector<String> owned(400);
+    for (unsigned step = 0; step != 40'000; ++step) {
+        const std::size_t at = random() % owned.size();
+        const std::string text = "shared-" + std::to_string(at);
+        if (!owned[at].empty()) {
+            ASSERT_EQ(String::shared(text).view().data(), owned[at].view().data()) << text;
+        }
+        owned[at] = random() % 2 == 0 ? String() : String::shared(text);
+    }
 }
 
 TEST(StringTest, refusesTextOfTwoGibibytes) {
