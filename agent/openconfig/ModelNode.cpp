@@ -1,6 +1,7 @@
 #include "agent/openconfig/ModelNode.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "agent/database/Scalars.h"
 #include "agent/json/Excerpt.h"
@@ -17,6 +18,21 @@ std::string_view localName(std::string_view name) {
     return name.starts_with(kPrefix) ? name.substr(kPrefix.size()) : name;
 }
 
+bool hasPrefix(const JsonMember& member) {
+    return member.key.starts_with(kPrefix);
+}
+
+/// The names of an object's members that have no prefix, ascending; none if no member has one.
+std::vector<std::string_view> plainNames(const JsonValue& object) {
+    std::vector<std::string_view> names;
+    const auto members = object.members();
+    if (std::none_of(members.begin(), members.end(), hasPrefix)) return names;
+    for (const JsonMember& member : members)
+        if (!hasPrefix(member)) names.push_back(member.key);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
 }  // namespace
 
 bool holdsNothing(const JsonValue& value) {
@@ -28,9 +44,10 @@ bool holdsNothing(const JsonValue& value) {
 }
 
 void ModelNode::carries(std::initializer_list<std::string_view> names) const {
+    const std::vector<std::string_view> plain = plainNames(json_);
     for (const JsonMember& member : json_.members()) {
         const std::string_view name = localName(member.key);
-        if (name.size() < member.key.size() && json_.find(name))
+        if (hasPrefix(member) && std::binary_search(plain.begin(), plain.end(), name))
             findings_.refuse(member.keyOffset, "a second member " + excerpt(name));
         if (std::find(names.begin(), names.end(), name) != names.end()) continue;
         if (holdsNothing(member.value)) continue;
