@@ -37,12 +37,13 @@ def stubs():
 class Agent:
     """The program, until the end of a `with`."""
 
-    def __init__(self, program, *options, address="127.0.0.1:0", environment=None):
+    def __init__(self, program, *options, address="127.0.0.1:0", environment=None,
+                 security=("--gnmi-insecure",)):
         self.folder = tempfile.TemporaryDirectory()
         self.socket_path = self.path("agent.sock")
         self.errors = open(self.path("stderr"), "w+", encoding="utf-8")
         self.process = subprocess.Popen(
-            [program, "--gnmi", address, "--gnmi-insecure", "--listen", self.socket_path,
+            [program, "--gnmi", address, *security, "--listen", self.socket_path,
              *map(str, options)],
             env={**os.environ, **(environment or {})},
             stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=self.errors)

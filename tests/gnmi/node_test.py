@@ -19,8 +19,11 @@ SKIPPED = 77
 PACKAGES = ("@grpc/grpc-js@1.9", "@grpc/proto-loader@0.7")
 EXPECTED = """\
 version 0.10.0 JSON,JSON_IETF,PROTO
-get /qos/classifiers/classifier[name=c]/state {"name":"c","type":"IPV4"}
+get /qos/classifiers/classifier[name=c]/state {"openconfig-qos:name":"c","openconfig-qos:type":"IPV4"}
 error UNIMPLEMENTED /interfaces: the served model, openconfig-qos, has no "interfaces"
+set UPDATE /qos/queues/queue[name=q]
+polled /qos/queues/queue[name=q]/config/name q
+polled /qos/queues/queue[name=q]/config/name q
 update /qos/classifiers/classifier[name=c]/state/name c
 update /qos/classifiers/classifier[name=c]/state/type IPV4
 sync

@@ -1,4 +1,4 @@
-// A second client, independent of the first: reads, watches and polls the agent at ADDRESS.
+// A second client, independent of the first: reads, sets, polls and watches the agent at ADDRESS.
 //
 //     node client.mjs ADDRESS PROTO_FOLDER
 //
@@ -19,7 +19,7 @@ const client = new gnmi.gNMI(address, grpc.credentials.createInsecure());
 const path = (...names) => ({ elem: names.map((name) => (typeof name === 'string' ? { name } : name)) });
 const classifier = path('qos', 'classifiers', { name: 'classifier', key: { name: '*' } }, 'state');
 const textOf = ({ elem }) => elem.map(({ name, key }) =>
-  `/${name}${Object.entries(key).map(([k, v]) => `[${k}=${v}]`).join('')}`).join('');
+  `/${name}${Object.entries(key ?? {}).map(([k, v]) => `[${k}=${v}]`).join('')}`).join('');
 const call = (method, request) => new Promise((resolve, reject) => {
   client[method](request, (error, response) => (error ? reject(error) : resolve(response)));
 });
@@ -38,6 +38,23 @@ try {
   print('error', grpc.status[error.code], error.details);
 }
 
+const queue = path('qos', 'queues', { name: 'queue', key: { name: 'q' } });
+const value = { json_ietf_val: Buffer.from('{"name": "q", "config": {"name": "q"}}') };
+const set = await call('Set', { update: [{ path: queue, val: value }] });
+for (const { path: at, op } of set.response) print('set', op, textOf(at));
+
+const polled = client.Subscribe();
+polled.write({ subscribe: { mode: 'POLL', encoding: 'PROTO', subscription: [{ path: queue }] } });
+let syncs = 0;
+for await (const response of polled) {
+  for (const { path: at, val } of response.update?.update ?? []) print('polled', textOf(at), val.string_val);
+  if (response.response !== 'sync_response') continue;
+  syncs += 1;
+  if (syncs === 2) break;
+  polled.write({ poll: {} });
+}
+polled.cancel();
+
 const stream = client.Subscribe();
 stream.write({ subscribe: { mode: 'STREAM', encoding: 'PROTO', subscription: [{ path: classifier }] } });
 for await (const response of stream) {
@@ -45,9 +62,9 @@ for await (const response of stream) {
     print('sync');
     continue;
   }
-  for (const gone of response.update.delete) print('delete', textOf(gone));
-  for (const { path: at, val } of response.update.update) print('update', textOf(at), val.string_val);
-  if (response.update.update.some(({ val }) => val.string_val === 'end')) break;
+  for (const gone of response.update.delete ?? []) print('delete', textOf(gone));
+  for (const { path: at, val } of response.update.update ?? []) print('update', textOf(at), val.string_val);
+  if (response.update.update?.some(({ val }) => val.string_val === 'end')) break;
 }
 stream.cancel();
 client.close();
