@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -11,6 +12,7 @@
 #include "agent/json/Visible.h"
 #include "agent/loop/LoopModule.h"
 #include "agent/output/Diagnostics.h"
+#include "platform/OvSlab/Tracker.h"
 
 namespace QosAgent {
 namespace {
@@ -73,7 +75,18 @@ bool ServiceRun::openLoop() {
                      [this](Request request) { return applier_.apply(std::move(request)); });
     queue_.emplace(*loop_, feed_,
                    [this](Request request) { return commits_->apply(std::move(request)); });
+    queue_->statisticsSourceIs([this](Statistics& statistics) { addStatistics(statistics); });
     return true;
+}
+
+/// Machines are the objects of the plug-in, whose names end in `Sm`.
+void ServiceRun::addStatistics(Statistics& statistics) const {
+    statistics.version = QOS_AGENT_VERSION;
+    statistics.socketConnections = server_ ? server_->connections() : 0;
+    for (auto* type = OvSlab::Tracker::first(); type != nullptr; type = type->next())
+        if (type->typeName().ends_with("Sm") && type->live() > 0)
+            statistics.machines.push_back({std::string(type->typeName()), type->live()});
+    std::ranges::sort(statistics.machines, {}, &Statistics::Objects::type);
 }
 
 bool ServiceRun::openSocket() {

@@ -41,6 +41,7 @@ private:
     bool openLoop();
     bool openSocket();
     bool openDoor(const DoorRequest& request);
+    void addStatistics(Statistics& statistics) const;
     void watchSignals();
     void readStreams();
     void reload();

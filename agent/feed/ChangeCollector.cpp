@@ -4,7 +4,30 @@
 
 namespace QosAgent {
 
+namespace {
+
+std::vector<ChangeSet::Step> outcome(const ChangeSet& changes) {
+    std::vector<ChangeSet::Step> steps;
+    for (const std::string& path : changes.deletes)
+        steps.push_back({path, nullptr});
+    for (const ChangeSet::Update& update : changes.updates)
+        steps.push_back({update.path, update.value});
+    return steps;
+}
+
+}  // namespace
+
+void ChangeCollector::updated(const std::string& path, StateValuePtr value) {
+    ++updated_[path];
+    steps_.push_back({path, std::move(value)});
+}
+
 void ChangeCollector::removed(const std::string& path) {
+    erase(path);
+    steps_.push_back({path, nullptr});
+}
+
+void ChangeCollector::erase(const std::string& path) {
     removed_.insert(path);
     updated_.erase(path);
     const std::string below = path + '/';
@@ -15,11 +38,12 @@ void ChangeCollector::removed(const std::string& path) {
     updated_.erase(first, last);
 }
 
-void ChangeCollector::add(const ChangeSet& changes) {
+void ChangeCollector::merge(const ChangeSet& changes) {
     for (const std::string& path : changes.deletes)
-        removed(path);
+        erase(path);
     for (const ChangeSet::Update& update : changes.updates)
-        updated(update.path, update.values);
+        updated_[update.path] += update.values;
+    steps_.clear();
 }
 
 /// Whether a node above the path was removed, too.
@@ -39,6 +63,8 @@ ChangeSetPtr ChangeCollector::take(const Snapshot& before, const Snapshot& after
     for (const auto& [path, values] : updated_)
         if (StateValuePtr value = after.state.find(path))
             changes->updates.push_back({path, std::move(value), values});
+    const bool isMerged = steps_.empty();
+    changes->steps = isMerged ? outcome(*changes) : std::exchange(steps_, {});
     updated_.clear();
     removed_.clear();
     return changes;

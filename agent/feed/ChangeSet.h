@@ -10,7 +10,7 @@
 namespace QosAgent {
 
 /// What one applied request, or several one after the other, changed in the published state: the
-/// outcome, not each step. Immutable plain data that any thread may read.
+/// outcome, and how it came about. Immutable plain data that any thread may read.
 struct ChangeSet {
     struct Update {
         std::string path;
@@ -27,8 +27,18 @@ struct ChangeSet {
     /// In byte order of their paths.
     std::vector<Update> updates;
 
+    /// One published change.
+    struct Step {
+        std::string path;
+        StateValuePtr value;  ///< null: removed, with all below it
+    };
+    /// Each published change in the order of publication. Of merged change sets only the outcome is
+    /// left: the deletes, then the updates.
+    std::vector<Step> steps;
+
     bool isEmpty() const {
-        return deletes.empty() && updates.empty() && before.configuration == after.configuration;
+        return deletes.empty() && updates.empty() && steps.empty() &&
+               before.configuration == after.configuration;
     }
 };
 

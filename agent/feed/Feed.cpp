@@ -63,6 +63,7 @@ std::string_view Feed::below(const Change& change) const {
 }
 
 void Feed::changed(const Change& change) {
+    ++(change.isDelete() ? statistics_.deletes : statistics_.updates);
     for (ChangeListener* listener : listeners_)
         listener->changed(change);
     if (stateKeepers_ > 0) record(change);
@@ -74,8 +75,9 @@ void Feed::record(const Change& change) {
         state_ = state_.without(path);
         collector_.removed(path);
     } else {
-        state_ = state_.with(path, stateValue(path, change));
-        collector_.updated(path);
+        StateValuePtr value = stateValue(path, change);
+        state_ = state_.with(path, value);
+        collector_.updated(path, std::move(value));
     }
 }
 
@@ -93,7 +95,17 @@ void Feed::endRequest() {
         readers = mailboxes();
     }
     for (const std::shared_ptr<Mailbox>& reader : readers)
-        if (!changes->isEmpty()) reader->put(changes);
+        if (!changes->isEmpty()) statistics_.merged += reader->put(changes);
+}
+
+FeedStatistics Feed::statistics() const {
+    FeedStatistics statistics = statistics_;
+    const std::lock_guard lock(mutex_);
+    const auto readers = mailboxes();
+    statistics.subscribers = readers.size();
+    for (const std::shared_ptr<Mailbox>& reader : readers)
+        statistics.waiting += reader->waiting();
+    return statistics;
 }
 
 /// Those whose subscriptions are alive.

@@ -9,6 +9,7 @@
 
 #include "agent/database/Database.h"
 #include "agent/feed/ChangeCollector.h"
+#include "agent/feed/FeedStatistics.h"
 #include "agent/feed/Mailbox.h"
 #include "agent/feed/StateWatch.h"
 #include "agent/feed/Subscription.h"
@@ -45,6 +46,7 @@ public:
     }
     /// A request has been applied: makes its outcome the latest snapshot and tells subscribers.
     void endRequest();
+    FeedStatistics statistics() const;
 
     // Any thread. Precondition: the state is kept.
 
@@ -65,6 +67,7 @@ private:
     StateMap state_;
     std::function<ConfigurationTree()> configurationSource_ = [] { return ConfigurationTree(); };
     ChangeCollector collector_;
+    FeedStatistics statistics_;
     std::optional<StateWatch> watch_;
     mutable std::mutex mutex_;  ///< guards what follows
     Snapshot latest_;

@@ -6,15 +6,22 @@
 
 namespace QosAgent {
 
-void Mailbox::put(ChangeSetPtr changes) {
+std::size_t Mailbox::put(ChangeSetPtr changes) {
+    std::size_t merged = 0;
     {
         const std::lock_guard lock(mutex_);
-        if (waiting_.size() == kMostWaiting) merge();
+        if (waiting_.size() == kMostWaiting) merged = merge();
         waiting_.push_back(std::move(changes));
-        if (waiting_.size() > 1) return;
+        if (waiting_.size() > 1) return merged;
     }
     const std::lock_guard lock(wakeMutex_);
     if (wake_) wake_();
+    return merged;
+}
+
+std::size_t Mailbox::waiting() {
+    const std::lock_guard lock(mutex_);
+    return waiting_.size();
 }
 
 std::vector<ChangeSetPtr> Mailbox::take() {
@@ -27,12 +34,17 @@ void Mailbox::close() {
     wake_ = nullptr;
 }
 
-void Mailbox::merge() {
+std::size_t Mailbox::merge() {
     ChangeCollector all;
-    for (const ChangeSetPtr& changes : waiting_)
-        all.add(*changes);
+    std::size_t steps = 0;
+    for (const ChangeSetPtr& changes : waiting_) {
+        all.merge(*changes);
+        steps += changes->steps.size();
+    }
     ChangeSetPtr whole = all.take(waiting_.front()->before, waiting_.back()->after);
+    const std::size_t left = whole->steps.size();
     waiting_.assign(1, std::move(whole));
+    return steps - left;
 }
 
 }  // namespace QosAgent

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <mutex>
 #include <vector>
@@ -19,13 +20,17 @@ public:
     /// a notice to the reader: it must neither wait nor call the mailbox.
     explicit Mailbox(std::function<void()> wake) : wake_(std::move(wake)) {}
 
-    void put(ChangeSetPtr changes);
+    /// Returns how many published changes the reader will not get one by one, because those that
+    /// wait had to be merged.
+    std::size_t put(ChangeSetPtr changes);
     std::vector<ChangeSetPtr> take();
+    /// How many change sets wait.
+    std::size_t waiting();
     /// `wake` is neither running nor called any more when this returns.
     void close();
 
 private:
-    void merge();
+    std::size_t merge();
 
     std::mutex mutex_;  ///< guards `waiting_`
     std::vector<ChangeSetPtr> waiting_;

@@ -3,6 +3,8 @@
 #include <chrono>
 #include <utility>
 
+#include "agent/streams/Operations.h"
+
 namespace QosAgent {
 namespace {
 
@@ -30,6 +32,7 @@ void RequestQueue::submit(Request request, Done done) {
             why = "too many requests are waiting: at most 1024";
         else
             waiting_.push_back({std::move(request), std::move(done)});
+        if (why != nullptr) ++turnedAway_;
         if (why == nullptr && std::exchange(isScheduled_, true)) return;
     }
     if (why != nullptr)
@@ -41,11 +44,37 @@ void RequestQueue::submit(Request request, Done done) {
 void RequestQueue::runSome() {
     const auto end = std::chrono::steady_clock::now() + kTurn;
     while (auto next = take()) {
-        next->done(apply_(std::move(next->request)));
+        next->done(applyOne(std::move(next->request)));
         if (std::chrono::steady_clock::now() < end) continue;
         loop_.post([this] { runSome(); });
         return;
     }
+}
+
+Answer RequestQueue::applyOne(Request request) {
+    if (isPassedOver(request.line)) return apply_(std::move(request));
+    const auto begin = std::chrono::steady_clock::now();
+    // Entries of the map stay where they are.
+    RequestStatistics::Lines& lines = statistics_.lines[request.door];
+    Answer answer = apply_(std::move(request));
+    ++(answer.refused ? lines.refused : lines.applied);
+    statistics_.applyTimes.add(std::chrono::steady_clock::now() - begin);
+    return answer;
+}
+
+void RequestQueue::statistics(std::function<void(Statistics)> done) {
+    loop_.post([this, done = std::move(done)] {
+        Statistics statistics;
+        statistics.requests = statistics_;
+        {
+            const std::lock_guard lock(mutex_);
+            statistics.requests.waiting = waiting_.size();
+            statistics.requests.turnedAway = turnedAway_;
+        }
+        statistics.feed = feed_.statistics();
+        statisticsSource_(statistics);
+        done(std::move(statistics));
+    });
 }
 
 std::optional<RequestQueue::Waiting> RequestQueue::take() {

@@ -29,6 +29,12 @@ public:
         return feed_.subscribe(std::move(wake));
     }
 
+    void statistics(std::function<void(Statistics)> done) override;
+    /// Adds to the figures what others than this queue and the feed know.
+    void statisticsSourceIs(std::function<void(Statistics&)> source) {
+        statisticsSource_ = std::move(source);
+    }
+
     /// Answers requests that were not begun, and all later ones, as busy. Event thread only.
     void stop();
 
@@ -39,12 +45,16 @@ private:
     };
 
     void runSome();
+    Answer applyOne(Request request);
     std::optional<Waiting> take();
 
     Loop& loop_;
     Feed& feed_;
     Apply apply_;
+    RequestStatistics statistics_;
+    std::function<void(Statistics&)> statisticsSource_ = [](Statistics&) {};
     std::mutex mutex_;  ///< guards what follows
+    std::uint64_t turnedAway_ = 0;
     std::deque<Waiting> waiting_;
     bool isScheduled_ = false;  ///< `runSome` will be called, or is running
     bool isStopped_ = false;

@@ -10,6 +10,7 @@
 
 #include "agent/feed/Snapshot.h"
 #include "agent/feed/Subscription.h"
+#include "agent/service/Statistics.h"
 
 /// The one interface of the core that doors see: plain data, callable from any thread.
 namespace QosAgent {
@@ -90,6 +91,10 @@ public:
     /// thread whenever changes begin to wait: it must only post a notice to the reader's thread; it
     /// must neither wait nor call the subscription. The subscription may outlive the service.
     virtual std::unique_ptr<Subscription> subscribe(std::function<void()> wake) = 0;
+
+    /// Calls `done` on the event thread, between two requests, with the latest figures. `done` must
+    /// not wait; it is dropped if the service ends before.
+    virtual void statistics(std::function<void(Statistics)> done) = 0;
 };
 
 }  // namespace QosAgent

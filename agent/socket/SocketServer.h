@@ -19,6 +19,7 @@ public:
     SocketServer(SocketPath path, int fd, Loop& loop, Service& service, Feed& feed);
     /// Writes to each client what it takes at once, and closes all connections.
     ~SocketServer();
+    std::size_t connections() const { return connections_.size(); }
     SocketServer(const SocketServer&) = delete;
     SocketServer& operator=(const SocketServer&) = delete;
 

@@ -36,6 +36,14 @@ Texts outcomeOf(const ChangeSet& changes) {
     return outcome;
 }
 
+/// `- PATH` for a delete, `PATH = JSON` for an update.
+Texts stepsOf(const ChangeSet& changes) {
+    Texts steps;
+    for (const ChangeSet::Step& step : changes.steps)
+        steps.push_back(step.value ? step.path + " = " + step.value->json : "- " + step.path);
+    return steps;
+}
+
 class Lines : public ChangeListener {
 public:
     void changed(const Change& change) override { lines.emplace_back(change.line()); }
@@ -140,6 +148,40 @@ TEST_F(FeedTest, startsASubscriptionWithTheStateAndThenTellsEachOutcome) {
     EXPECT_EQ(changes->before.sequence + 1, changes->after.sequence);
     EXPECT_LE(changes->before.time, changes->after.time);
     EXPECT_TRUE(subscription->take().empty());
+}
+
+TEST_F(FeedTest, tellsEachPublishedChangeBesideTheOutcome) {
+    feed.keepState();
+    const auto subscription = feed.subscribe([] {});
+    classifier("brief");
+    classifier("brief", Type::IPV6);
+    tree->classifierDel("brief");
+    feed.endRequest();
+    const ChangeSetPtr changes = only(*subscription);
+    EXPECT_EQ(outcomeOf(*changes), Texts{});
+    EXPECT_EQ(stepsOf(*changes),
+              (Texts{R"(classifier/brief/state = {"name":"brief","type":"IPV4"})",
+                     R"(classifier/brief/state = {"name":"brief","type":"IPV6"})",
+                     "- classifier/brief"}));
+}
+
+TEST_F(FeedTest, countsChangesReadersAndWhatWaitsForThem) {
+    EXPECT_EQ(feed.statistics(), FeedStatistics{});
+    feed.keepState();
+    const auto reader = feed.subscribe([] {});
+    const auto slow = feed.subscribe([] {});
+    for (std::size_t i = 0; i < Mailbox::kMostWaiting; ++i) {
+        classifier("C", i % 2 == 0 ? Type::IPV4 : Type::IPV6);
+        feed.endRequest();
+    }
+    reader->take();
+    tree->classifierDel("C");
+    feed.endRequest();
+    // All that waited for the slow one has become one value.
+    EXPECT_EQ(feed.statistics(),
+              (FeedStatistics{Mailbox::kMostWaiting, 1, 2, 1 + 2, Mailbox::kMostWaiting - 1}));
+    EXPECT_EQ(stepsOf(*slow->take().front()),
+              Texts{R"(classifier/C/state = {"name":"C","type":"IPV6"})"});
 }
 
 TEST_F(FeedTest, tellsDeletesOfTheHighestNodeAndOfWhatWasThereOnly) {

@@ -41,6 +41,8 @@ public:
         return std::make_unique<ToySubscription>(*this, now_, std::move(wake));
     }
 
+    void statistics(std::function<void(Statistics)> done) override { done({}); }
+
     /// Changes the state as one request would.
     void update(const TreeBuilder& tree, const std::vector<std::string>& paths) {
         change(tree, paths, {});
@@ -83,7 +85,7 @@ private:
         for (const auto& path : removed)
             collector.removed(path);
         for (const auto& path : updated)
-            collector.updated(path);
+            collector.updated(path, tree.state().find(path));
         Snapshot after{now_.sequence + 1, now_.time + std::chrono::seconds(1), tree.state()};
         const ChangeSetPtr changes = collector.take(now_, after);
         now_ = after;

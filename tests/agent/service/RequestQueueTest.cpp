@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
+#include <numeric>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -12,6 +15,7 @@
 namespace QosAgent {
 namespace {
 
+using namespace std::chrono_literals;
 using Texts = std::vector<std::string>;
 
 class RequestQueueTest : public ::testing::Test {
@@ -21,6 +25,7 @@ protected:
               applied.push_back(request.door + ':' + request.line);
               Answer answer;
               answer.lines = {request.line};
+              if (request.line == "refuse") answer.refused = Remark{1, "asked for"};
               return answer;
           }) {}
 
@@ -49,6 +54,41 @@ TEST_F(RequestQueueTest, appliesInOrderOfArrivalAndAnswersEach) {
     loop->run();
     EXPECT_EQ(applied, (Texts{"door:a", "door:b", "door:c"}));
     EXPECT_EQ(answers, (Texts{"a", "b", "c"}));
+}
+
+TEST_F(RequestQueueTest, countsLinesByDoorTheirTimeAndWhatIsTurnedAway) {
+    queue.statisticsSourceIs([](Statistics& statistics) { statistics.version = "1"; });
+    std::optional<Statistics> counted;
+    for (const char* line : {"a", "# no operation", "refuse"})
+        submit(line);
+    queue.submit({"b", "door"}, [&](const Answer&) {
+        queue.stop();
+        submit("late");
+        queue.statistics([&](Statistics statistics) {
+            counted = std::move(statistics);
+            loop->stop();
+        });
+    });
+    loop->run();
+    ASSERT_TRUE(counted);
+    EXPECT_EQ(counted->version, "1");
+    using Lines = RequestStatistics::Lines;
+    EXPECT_EQ(counted->requests.lines,
+              (std::map<std::string, Lines, std::less<>>{{"door", {2, 1}}}));
+    EXPECT_EQ(std::reduce(counted->requests.applyTimes.counts.begin(),
+                          counted->requests.applyTimes.counts.end()),
+              3u);
+    EXPECT_EQ(counted->requests.turnedAway, 1u);
+    EXPECT_EQ(counted->requests.waiting, 0u);
+}
+
+TEST(TimeHistogramTest, countsATimeInTheFirstBucketThatHoldsIt) {
+    TimeHistogram histogram;
+    for (const auto time : {10'000ns, 10'001ns, 11'000'000'000ns})
+        histogram.add(time);
+    EXPECT_EQ(histogram.counts,
+              (decltype(histogram.counts){1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}));
+    EXPECT_EQ(histogram.sum, 11'000'020'001ns);
 }
 
 TEST_F(RequestQueueTest, takesRequestsFromWithinAnAnswer) {
