@@ -18,7 +18,7 @@ Listener::Listener(ListeningSocket socket, Accept accept, Accept refuse)
       refuse_(std::move(refuse)),
       epoll_(::epoll_create1(EPOLL_CLOEXEC)),
       stop_(::eventfd(0, EFD_CLOEXEC)) {
-    for (const int descriptor : {socket_.descriptor, stop_}) {
+    for (const int descriptor : {socket_.descriptor(), stop_}) {
         epoll_event event{EPOLLIN, {.fd = descriptor}};
         ::epoll_ctl(epoll_, EPOLL_CTL_ADD, descriptor, &event);
     }
@@ -31,7 +31,6 @@ Listener::~Listener() {
     thread_.join();
     for (const auto& [duplicate, isRefused] : watched_)
         ::close(duplicate);
-    close(socket_);
     ::close(epoll_);
     ::close(stop_);
 }
@@ -59,7 +58,7 @@ void Listener::forget(int duplicate) {
 
 void Listener::acceptOne() {
     const int descriptor =
-        ::accept4(socket_.descriptor, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+        ::accept4(socket_.descriptor(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
     if (descriptor < 0) return;
     const bool isRefused = accepted_ >= kMostConnections;
     const bool isTooMuch = watched_.size() - accepted_ >= kMostRefused;
@@ -77,7 +76,7 @@ void Listener::run() {
         for (int at = 0; at < count; ++at) {
             const int descriptor = events[static_cast<std::size_t>(at)].data.fd;
             if (descriptor == stop_) return;
-            if (descriptor == socket_.descriptor)
+            if (descriptor == socket_.descriptor())
                 acceptOne();
             else
                 forget(descriptor);

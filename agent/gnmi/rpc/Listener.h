@@ -3,25 +3,11 @@
 #include <cstddef>
 #include <functional>
 #include <map>
-#include <string>
 #include <thread>
-#include <variant>
+
+#include "agent/host/ListeningSocket.h"
 
 namespace QosAgent::Gnmi {
-
-/// A listening socket: `HOST:PORT`, `[IPV6]:PORT` or `unix:PATH`.
-struct ListeningSocket {
-    int descriptor = -1;
-    std::string address;   ///< as it turned out: with the port that was free
-    bool isLocal = false;  ///< loopback, or a Unix socket
-    std::string path;      ///< of a Unix socket
-    int lock = -1;         ///< of the file `PATH.lock`
-};
-
-/// Opens one, or returns one line that says why that fails. A Unix socket has mode 0600 and is
-/// taken under a lock, so that an abandoned file is replaced and one in use is not.
-std::variant<ListeningSocket, std::string> listenOn(const std::string& address);
-void close(ListeningSocket& socket);
 
 /// Accepts connections on a thread of its own and keeps count of those that are open.
 class Listener {

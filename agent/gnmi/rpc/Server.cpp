@@ -124,20 +124,18 @@ std::variant<std::unique_ptr<Server>, std::string> Server::open(Service& service
         if (auto* why = std::get_if<std::string>(&files)) return std::move(*why);
         server->identity_.emplace(std::get<TlsFiles>(std::move(files)));
     }
-    auto socket = listenOn(options.address);
+    auto socket = ListeningSocket::open(options.address);
     if (auto* why = std::get_if<std::string>(&socket)) return std::move(*why);
     auto& listening = std::get<ListeningSocket>(socket);
-    if (options.isInsecure && !listening.isLocal) {
-        close(listening);
+    if (options.isInsecure && listening.reach() == ListeningSocket::Reach::network)
         return options.address + ": --gnmi-insecure is for loopback and unix: only";
-    }
     server->run(service, std::move(listening));
     return server;
 }
 
 void Server::run(Service& service, ListeningSocket socket) {
     prepareOnce();
-    address_ = socket.address;
+    address_ = socket.address();
     running_ = std::make_unique<Running>(
         service, options_.isInsecure ? Writers::everybody() : Writers::named(options_.writers));
     const auto credentials = [this] {
