@@ -18,8 +18,9 @@ SERVICES = ("platform/Strata/", "platform/Plugin/", "platform/Agent/")
 # All that a door, which is a library of its own, sees of the program.
 SEEN_BY_DOORS = ("agent/service/Service.h", "agent/service/Door.h", "agent/feed/StateMap.h",
                  "agent/feed/StateValue.h", "agent/feed/Snapshot.h", "agent/feed/ChangeSet.h",
-                 "agent/feed/Subscription.h", "agent/configuration/", "agent/json/",
-                 "agent/host/SocketPath.h")
+                 "agent/feed/Subscription.h", "agent/feed/FeedStatistics.h",
+                 "agent/service/Statistics.h", "agent/configuration/", "agent/json/",
+                 "agent/host/ListeningSocket.h")
 
 # The rooms of the program that know no door, and what they know of loop and service.
 CORE = tuple(f"agent/{room}/" for room in (
@@ -43,8 +44,11 @@ MAY_INCLUDE = {
     "agent/configuration/": ("agent/json/",),
     "agent/feed/": ("platform/", "agent/database/", "agent/configuration/", "agent/json/"),
     "agent/explain/": ("platform/", "agent/openconfig/", "agent/database/", "agent/json/"),
-    **{door: SEEN_BY_DOORS for door in ("agent/gnmi/", "agent/http/")},
-    "agent/service/Service.h": ("agent/feed/",),
+    "agent/gnmi/": SEEN_BY_DOORS,
+    # The page says in words what findings and DSCP values mean.
+    "agent/http/": (*SEEN_BY_DOORS, "agent/explain/Finding.h", "agent/output/Dscp.h"),
+    "agent/service/Service.h": ("agent/feed/", "agent/service/Statistics.h"),
+    "agent/service/Statistics.h": ("agent/feed/",),
     "agent/service/Door.h": ("agent/service/Service.h",),
     "agent/service/": KNOWN_TO_CORE,
     "agent/socket/": ("agent/service/Service.h", "agent/feed/", "agent/host/", "agent/json/",
@@ -55,7 +59,7 @@ MAY_INCLUDE = {
     "tests/support/": ("platform/",),
     "tests/platform/": ("platform/", "tests/support/"),
     "tests/QosOpenConfig/": ("platform/", "QosOpenConfig/", "tests/support/"),
-    "tests/agent/gnmi/": ("agent/", "tests/agent/"),
+    **{door: ("agent/", "tests/agent/") for door in ("tests/agent/gnmi/", "tests/agent/http/")},
     "tests/agent/": ("platform/", "agent/", "QosOpenConfig/", "tests/support/"),
     "tests/plugin/": ("platform/", "agent/", "tests/agent/", "tests/support/"),
     "tests/fuzz/": ("platform/", "agent/", "tests/agent/", "tests/support/"),
@@ -73,6 +77,7 @@ SCRIPT_TREES = ("scripts", "packaging", "tests")
 # Beside the headers of the language and of the system, which lie in no folder or in `sys`.
 LIBRARIES = {"platform/OvSlab/": ("sanitizer/",), "agent/loop/": ("systemd/",),
              "agent/gnmi/": ("grpc/", "grpcpp/", "google/protobuf/", "openssl/"),
+             "agent/http/": ("prometheus/",),
              "agent/": ("nlohmann/", "CLI/"),
              "tests/agent/gnmi/": ("gtest/", "gmock/", "grpcpp/", "google/protobuf/"),
              "tests/": ("gtest/", "gmock/", "CLI/"),
