@@ -4,7 +4,8 @@ class VirtualList {
     /**
      * `box` scrolls. Options: `role` of the box and `rowRole`, `draw(item, row)` fills a row,
      * `stamp(item)` differs whenever the item is to be drawn again, `chosen(item, index)` is called
-     * for the row that the reader moves to, `key(event, item)` may handle a key and return true.
+     * for the row that the reader moves to, `opened` for one that is clicked or confirmed, `id(item)`
+     * is equal for the same item in another list, `key(event, item)` may handle a key and return true.
      */
     constructor(box, options) {
         this.box = box;
@@ -27,9 +28,13 @@ class VirtualList {
     }
 
     show(items) {
-        const chosen = this.items[this.active];
+        const id = this.options.id || ((item) => item);
+        const chosen = this.active < 0 ? null : id(this.items[this.active]);
         this.items = items;
-        if (items[this.active] !== chosen) this.active = items.indexOf(chosen);
+        const isThere = this.active >= 0 && this.active < items.length &&
+            id(items[this.active]) === chosen;
+        if (chosen !== null && !isThere)
+            this.active = items.findIndex((item) => id(item) === chosen);
         this.draw();
     }
 

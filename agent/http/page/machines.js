@@ -31,6 +31,7 @@ class MachineTree {
         this.next = this.size = 0;
         this.list = new VirtualList(document.getElementById("machine-list"), {
             role: "tree", rowRole: "treeitem",
+            id: (node) => node.path === null ? `${node.above}\u0000${node.text}` : node.path,
             stamp: (node) => `${node.isOpen} ${node.text} ${node.value} ${this.isLit(node.path)}`,
             draw: (node, row) => this.drawNode(node, row),
             key: (event, node) => this.handleKey(event, node),
@@ -114,21 +115,21 @@ class MachineTree {
     /** The rows that are not folded away. */
     nodes() {
         const nodes = [];
-        const addAttribute = (label, value, level) =>
-            nodes.push({path: null, level, text: label, value: attributeText(value), isOpen: null});
-        const add = (machine, above, level, label) => {
+        const addAttribute = (label, value, level, above) => nodes.push(
+            {path: null, above, level, text: label, value: attributeText(value), isOpen: null});
+        const add = (machine, above, level) => {
             const path = `${above}\u0000${machine.type}\u0000${machine.key}`;
             const isOpen = this.open.has(path);
-            nodes.push({path, level, text: shortType(machine.type), value: machine.key, label, isOpen});
+            nodes.push({path, level, text: shortType(machine.type), value: machine.key, isOpen});
             if (!isOpen) return;
             for (const [attribute, value] of Object.entries(machine.attributes)) {
-                if (isMachine(value)) add(value, path, level + 1, attribute);
+                if (isMachine(value)) add(value, path, level + 1);
                 else if (Array.isArray(value) && value.some(isMachine))
-                    value.forEach((each) => add(each, path, level + 1, attribute));
-                else addAttribute(attribute, value, level + 1);
+                    value.forEach((each) => add(each, path, level + 1));
+                else addAttribute(attribute, value, level + 1, path);
             }
         };
-        (this.root || []).forEach((machine) => add(machine, "", 1, ""));
+        (this.root || []).forEach((machine) => add(machine, "", 1));
         return nodes;
     }
 
