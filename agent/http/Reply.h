@@ -29,6 +29,7 @@ struct Reply {
     std::string type = "text/plain; charset=utf-8";
     std::string body;
     std::unique_ptr<Source> source = {};  ///< in place of `body`, if there is one
+    bool isHeadOnly = false;              ///< of a HEAD request
     /// Name and value; `Cache-Control: no-store` is added where there is no `Cache-Control`.
     std::vector<std::pair<std::string, std::string>> headers = {};
 };

@@ -60,10 +60,14 @@ bool has(const Reply& reply, std::string_view name) {
 }  // namespace
 
 MHD_Result queue(MHD_Connection* connection, Reply reply, std::size_t& waitingBytes) {
+    const bool isEndless = reply.source != nullptr;
     MHD_Response* const response = responseOf(connection, reply, waitingBytes);
     const auto add = [response](const char* name, const std::string& value) {
         MHD_add_response_header(response, name, value.c_str());
     };
+    // In HTTP/1.1 the library would end even the answer to HEAD with the mark of a last piece.
+    if (isEndless && reply.isHeadOnly)
+        MHD_set_response_options(response, MHD_RF_HTTP_VERSION_1_0_ONLY, MHD_RO_END);
     if (reply.status != MHD_HTTP_NOT_MODIFIED) add("Content-Type", reply.type);
     if (!has(reply, "Cache-Control")) add("Cache-Control", "no-store");
     if (!has(reply, "Content-Security-Policy"))

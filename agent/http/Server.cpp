@@ -156,6 +156,7 @@ void Server::noteConnection(void* cls, MHD_Connection* connection, void** contex
     } else {
         server.connections_.erase(static_cast<Connection*>(*context)->place);
     }
+    server.site_.readings().connections = server.connections_.size();
 }
 
 Server::Connection& Server::of(MHD_Connection* connection) {
@@ -190,9 +191,7 @@ MHD_Result Server::proceed(const ExchangePtr& exchange, MHD_Connection* connecti
     else if (isNew)
         site_.serve(exchange);
     if (auto reply = exchange->takeReply()) {
-        // The library would end even an answer without a body as if it had one.
-        if (reply->source && exchange->method() == "HEAD")
-            reply->headers.emplace_back("Connection", "close");
+        reply->isHeadOnly = exchange->method() == "HEAD";
         return send(connection, std::move(*reply));
     }
     of(connection).deadline.reset();
