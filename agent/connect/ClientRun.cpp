@@ -30,7 +30,6 @@
 namespace QosAgent {
 namespace {
 
-constexpr std::size_t kPieceBytes = std::size_t{64} << 10;
 /// While a longer line is sent, people see how far it is.
 constexpr std::size_t kLongLine = std::size_t{1} << 20;
 
@@ -71,7 +70,7 @@ private:
     bool applyStream(const std::string& stream, const StopSignals& stop) {
         const File file = File::toReadLater(stream);
         if (file.error() != 0) return kUnusable != unusable(stream, std::strerror(file.error()));
-        LineBuffer lines(Limits{}.lineBytes, kPieceBytes);
+        LineBuffer lines(Limits{}.lineBytes);
         bool isAtEnd = false;
         while (out_.fault().empty() && !stop.isStopRequested()) {
             if (lines.next() || (isAtEnd && lines.last())) {

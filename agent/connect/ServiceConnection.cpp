@@ -14,7 +14,6 @@
 namespace QosAgent {
 namespace {
 
-constexpr std::size_t kPieceBytes = std::size_t{64} << 10;
 /// An answer is one line, however long.
 constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max() / 2;
 
@@ -27,7 +26,7 @@ std::string randomText() {
 
 ServiceConnection::ServiceConnection(const std::string& path)
     : fd_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)),
-      lines_(kNoLimit, kPieceBytes),
+      lines_(kNoLimit),
       session_("qos-agent client " + randomText() + ' ') {
     const auto address = unixAddress(path);
     if (!address)

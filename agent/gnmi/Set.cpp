@@ -170,12 +170,11 @@ std::chrono::milliseconds timeOf(const google::protobuf::Duration& duration) {
 }
 
 OrRefusal<CommitAction> actionOf(const gnmi_ext::Commit& commit, bool hasEdits) {
-    using Kind = CommitAction::Kind;
     const auto wrong = [](std::string message) {
         return Refusal{Code::invalidArgument, "the extension commit " + std::move(message)};
     };
     if (commit.id().empty()) return wrong("has no id");
-    CommitAction action{Kind::begin, commit.id(), kRollbackTime};
+    CommitAction action{CommitAction::Kind::begin, commit.id(), kRollbackTime};
     switch (commit.action_case()) {
         case gnmi_ext::Commit::kCommit:
             if (!commit.commit().has_rollback_duration()) return action;
@@ -183,13 +182,13 @@ OrRefusal<CommitAction> actionOf(const gnmi_ext::Commit& commit, bool hasEdits) 
             if (action.time.count() <= 0) return wrong("has a rollback_duration of 0 or less");
             return action;
         case gnmi_ext::Commit::kConfirm:
-            action.kind = Kind::confirm;
+            action.kind = CommitAction::Kind::confirm;
             break;
         case gnmi_ext::Commit::kCancel:
-            action.kind = Kind::cancel;
+            action.kind = CommitAction::Kind::cancel;
             break;
         case gnmi_ext::Commit::kSetRollbackDuration:
-            action.kind = Kind::postpone;
+            action.kind = CommitAction::Kind::postpone;
             action.time = timeOf(commit.set_rollback_duration().rollback_duration());
             if (action.time.count() <= 0) return wrong("has a rollback_duration of 0 or less");
             break;

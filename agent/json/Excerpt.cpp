@@ -2,14 +2,13 @@
 
 #include <algorithm>
 
+#include "agent/json/HexDigits.h"
 #include "agent/json/JsonWriter.h"
 #include "agent/json/Visible.h"
 
 namespace QosAgent {
 
 namespace {
-
-constexpr char kHexDigits[] = "0123456789abcdef";
 
 void appendHex(std::string& out, unsigned char byte) {
     out += kHexDigits[byte >> 4];

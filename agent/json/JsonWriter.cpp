@@ -2,11 +2,11 @@
 
 #include <cassert>
 
+#include "agent/json/HexDigits.h"
+
 namespace QosAgent {
 
 namespace {
-
-constexpr char kHexDigits[] = "0123456789abcdef";
 
 bool mustBeEscaped(char byte) {
     return static_cast<unsigned char>(byte) < 0x20 || byte == '"' || byte == '\\';

@@ -4,12 +4,11 @@
 #include <cstddef>
 #include <iterator>
 
+#include "agent/json/HexDigits.h"
 #include "platform/Vex/Escape.h"
 
 namespace QosAgent {
 namespace {
-
-constexpr std::string_view kHexDigits = "0123456789abcdef";
 
 /// A character of a text, or a byte that belongs to no character.
 struct Character {

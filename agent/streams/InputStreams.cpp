@@ -8,11 +8,6 @@
 #include "agent/json/JsonReader.h"
 
 namespace QosAgent {
-namespace {
-
-constexpr std::size_t kPieceBytes = std::size_t{64} << 10;
-
-}  // namespace
 
 InputStreams::InputStreams(std::vector<std::string> names, Loop& loop, Service& service,
                            Handlers handlers)
@@ -24,7 +19,7 @@ void InputStreams::openNext() {
     const std::string& name = names_[next_++];
     file_.emplace(File::toReadLater(name));
     if (file_->error() != 0) return handlers_.failed(name, file_->error());
-    lines_.emplace(Limits{}.lineBytes, kPieceBytes);
+    lines_.emplace(Limits{}.lineBytes);
     isAtEnd_ = false;
     watch_ = loop_.watch(file_->fd(), true, false, [this] { read(); });
 }

@@ -16,7 +16,7 @@ class LineBuffer {
 public:
     /// Keeps at most `mostBytes` of a line, and enough more to show that it is longer. The caller
     /// reads pieces of `pieceBytes`.
-    LineBuffer(std::size_t mostBytes, std::size_t pieceBytes)
+    explicit LineBuffer(std::size_t mostBytes, std::size_t pieceBytes = std::size_t{64} << 10)
         : mostKept_(mostBytes + 2), piece_(pieceBytes) {}
 
     /// Returns the buffer for the next piece. Precondition: `next` has returned false.

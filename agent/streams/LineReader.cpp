@@ -5,14 +5,9 @@
 #include <cerrno>
 
 namespace QosAgent {
-namespace {
-
-constexpr std::size_t kPieceBytes = std::size_t{64} << 10;
-
-}  // namespace
 
 LineReader::LineReader(int fd, std::size_t mostBytes, const StopSignals& stop)
-    : fd_(fd), stop_(stop), lines_(mostBytes, kPieceBytes) {}
+    : fd_(fd), stop_(stop), lines_(mostBytes) {}
 
 bool LineReader::next() {
     if (stop_.isStopRequested()) return false;
