@@ -7,17 +7,28 @@ macro(qos_sources OUT_SOURCES OUT_HEADERS FOLDER)
     file(GLOB_RECURSE ${OUT_HEADERS} CONFIGURE_DEPENDS "${FOLDER}/*.h")
 endmacro()
 
-# Without a compiler cache, reading the standard library once for all sources of a target saves a
-# quarter of the time.
-function(qos_precompile_standard_library TARGET)
+# With QOS_UNITY, compiles the sources of a folder together: most of the time goes into the same
+# headers and templates over and over. Sources of one folder therefore give their own functions and
+# constants different names, but in these folders, whose sources follow one pattern, names and all.
+set(separate_folders
+    QosOpenConfig/QosOpenConfigClassifierStateSm agent/openconfig
+    tests/agent/options tests/agent/program tests/platform/Vex)
+
+function(qos_compile_folders_together TARGET)
     get_target_property(sources ${TARGET} SOURCES)
-    list(LENGTH sources count)
-    if(count GREATER 8 AND NOT QOS_CCACHE)
-        target_precompile_headers(${TARGET} PRIVATE
-            <algorithm> <array> <charconv> <concepts> <cstddef> <cstdint> <functional> <iterator>
-            <map> <memory> <optional> <set> <span> <sstream> <stdexcept> <string> <string_view>
-            <tuple> <type_traits> <unordered_map> <utility> <variant> <vector>)
-    endif()
+    foreach(source IN LISTS sources)
+        cmake_path(GET source PARENT_PATH folder)
+        cmake_path(RELATIVE_PATH folder BASE_DIRECTORY "${PROJECT_SOURCE_DIR}")
+        if(folder IN_LIST separate_folders)
+            set_source_files_properties("${source}" PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+        endif()
+        string(MAKE_C_IDENTIFIER "${folder}" group)
+        set_source_files_properties("${source}" PROPERTIES UNITY_GROUP "${group}")
+    endforeach()
+    set_target_properties(${TARGET} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+    # A unit of several sources looks like a header to GCC.
+    target_compile_options(${TARGET} PRIVATE
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
 endfunction()
 
 # Gives a target the project's options, its headers (which must each compile alone: target
@@ -27,7 +38,9 @@ function(qos_target TARGET)
     target_link_libraries(${TARGET} PRIVATE project_options)
     target_compile_features(${TARGET} PUBLIC cxx_std_20)
     set_target_properties(${TARGET} PROPERTIES CXX_EXTENSIONS OFF)
-    qos_precompile_standard_library(${TARGET})
+    if(QOS_UNITY)
+        qos_compile_folders_together(${TARGET})
+    endif()
     if(ARG_HEADERS)
         target_sources(${TARGET} PUBLIC
             FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${ARG_HEADERS})
