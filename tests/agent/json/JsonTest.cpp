@@ -6,17 +6,13 @@
 #include <vector>
 
 #include "agent/json/Json.h"
-#include "agent/json/JsonReader.h"
+#include "tests/agent/json/JsonReaderTest.h"
 
 namespace QosAgent {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-Json treeOf(std::string_view text) {
-    return std::get<Json>(parseJson(text));
-}
 
 std::vector<std::string> keysOf(JsonValue object) {
     std::vector<std::string> keys;

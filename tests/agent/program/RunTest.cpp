@@ -1,3 +1,5 @@
+#include "tests/agent/program/RunTest.h"
+
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/stat.h>
@@ -6,33 +8,8 @@
 #include <regex>
 #include <thread>
 
-#include "tests/agent/support/Program.h"
-
 namespace QosAgent {
 namespace {
-
-const char* const kDocument = R"({"qos/status":{"cmapTypeStatus":{"mapQos":{"cmapStatus":{
-  "voice":{"match":{"matchIpv6AccessGroup":"voice6"}}}}}}})";
-const char* const kVoice = R"({"classifier":{"voice":{"state":{"name":"voice","type":"IPV6"}}}})";
-const std::string kCmaps = "qos/status/cmapTypeStatus/mapQos/cmapStatus/";
-const std::string kState = "qos/openconfig/state/classifiers/classifier/";
-
-class RunTest : public ProgramTest {
-protected:
-    void expectRefused(const std::vector<std::string>& arguments, const std::string& line) {
-        EXPECT_EQ(run(arguments), (Ended{2, "", line + '\n'}));
-    }
-    std::string document() { return file("d.json", kDocument); }
-    /// What comes up to a line's end, within ten seconds.
-    static std::string readLine(int fd) {
-        std::string line;
-        pollfd waited{fd, POLLIN, 0};
-        char byte = 0;
-        while (!line.ends_with('\n') && ::poll(&waited, 1, 10'000) > 0)
-            if (::read(fd, &byte, 1) == 1) line += byte;
-        return line;
-    }
-};
 
 TEST_F(RunTest, printsTheStateOfADocument) {
     EXPECT_EQ(run({"--output", "none", document(), "-"}, R"({"print":"state"})"),
@@ -191,92 +168,6 @@ TEST_F(RunTest, warnsOfHandlesThatNobodyHas) {
               (Ended{0, "",
                      "qos-agent: warning: --trace: unknown handle \"Nobody\", expected one of *, "
                      "OpenConfigQosClfStateSm, QosOpenConfigClassifierStateSmMounter\n"}));
-}
-
-TEST_F(RunTest, refusesDocumentsWithTheirPlace) {
-    const std::string bad = file("bad.json", "{\"qos/status\":\n {\"x\":1}}");
-    expectRefused({"--follow", document(), bad}, bad + R"(:2:3: unknown member "x")");
-    const std::string broken = file("broken.json", "{");
-    expectRefused({broken}, broken + ":1:2: expected a key or '}', found the end of the text");
-    expectRefused({path("none.json")}, path("none.json") + ": No such file or directory");
-}
-
-TEST_F(RunTest, refusesAConfigurationWhoseTopMemberIsMisspelt) {
-    const std::string bad = file("bad.json", R"({"openconfig-qos:qso":{}})");
-    expectRefused(
-        {bad}, bad + R"(:1:2: unknown member "openconfig-qos:qso", expected "openconfig-qos:qos")");
-    const std::string bare = file("bare.json", R"({"qos":{}})");
-    expectRefused({bare}, bare + R"(:1:2: unknown member "qos", expected "openconfig-qos:qos")");
-}
-
-TEST_F(RunTest, takesADocumentFromADescriptor) {
-    for (const char* name : {"/dev/stdin", "/dev/fd/0"})
-        EXPECT_EQ(run({"--output", "table", name}, kDocument),
-                  (Ended{0,
-                         "CLASSIFIER  TYPE  TERM  MATCH  TARGET GROUP\n"
-                         "voice       IPV6  -     -      -\n",
-                         ""}));
-}
-
-TEST_F(RunTest, stopsAtTheFirstBadLine) {
-    EXPECT_EQ(
-        run({"--output", "table", "-"}, "{\"echo\":\"a\"}\n\n {\"echo\":1}\n{\"echo\":\"b\"}\n"),
-        (Ended{2, "# a\n", "# a\n-:3:10: expected a string, found a number\n"}));
-}
-
-TEST_F(RunTest, goesOnAfterABadLineWhenAskedTo) {
-    EXPECT_EQ(run({"--output", "none", "--keep-going", "--trace-file", path("t"), "-"},
-                  "x\n{\"echo\":\"a\"}\n{\"delete\":\"qos/status\"}\n"),
-              (Ended{1, "# a\n",
-                     "-:1:1: expected a value, found 'x'\n"
-                     "-:3:11: the root of a subtree cannot be deleted\n"}));
-}
-
-TEST_F(RunTest, refusesStreamsThatCannotBeRead) {
-    expectRefused({path("none.jsonl")}, path("none.jsonl") + ": No such file or directory");
-    std::filesystem::create_directory(path("dir.jsonl"));
-    expectRefused({"--output", "none", "--keep-going", path("dir.jsonl")},
-                  path("dir.jsonl") + ": Is a directory");
-}
-
-TEST_F(RunTest, refusesPluginsThatCannotBeLoaded) {
-    const std::string none = path("none.so");
-    expectRefused({"--plugin", none}, none + ": cannot be loaded: No such file or directory");
-    const std::string text = file("text.so", "no library");
-    expectRefused({"--plugin", text}, text + ": cannot be loaded: file too short");
-}
-
-TEST_F(RunTest, refusesLibrariesThatAreNoPlugin) {
-    expectRefused({"--plugin", "/lib/x86_64-linux-gnu/libm.so.6"},
-                  "/lib/x86_64-linux-gnu/libm.so.6: registers no plug-in");
-}
-
-TEST_F(RunTest, refusesMalformedToggleFiles) {
-    const std::string toggles = file("QosOpenConfig.json", "{\"a\":\n1}");
-    expectRefused({"--toggle-dir", std::filesystem::path(toggles).parent_path()},
-                  toggles + ":2:1: expected true or false, found a number");
-}
-
-TEST_F(RunTest, refusesAToggleFolderThatIsNone) {
-    const std::string none = path("none");
-    expectRefused({"--toggle-dir", none},
-                  "qos-agent: --toggle-dir: \"" + none + "\": No such file or directory");
-    const std::string text = file("text", "");
-    expectRefused({"--toggle-dir", text},
-                  "qos-agent: --toggle-dir: \"" + text + "\" is not a directory");
-}
-
-TEST_F(RunTest, refusesTraceFilesThatCannotBeWritten) {
-    expectRefused({"--trace-file", path("no/t")}, path("no/t") + ": No such file or directory");
-}
-
-TEST_F(RunTest, reportsAFailedWrite) {
-    outFileIs("/dev/full");
-    for (const char* option : {"--machines", "--help", "--version"}) {
-        const Ended ended = run({option});
-        EXPECT_EQ(ended.status, 2) << option;
-        EXPECT_EQ(ended.err, "standard output: No space left on device\n") << option;
-    }
 }
 
 TEST_F(RunTest, repeatsARefusedLineThatCameThroughAPipe) {

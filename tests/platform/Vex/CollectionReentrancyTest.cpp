@@ -9,6 +9,7 @@
 
 #include "platform/Vex/HashMap2018.h"
 #include "platform/Vex/OrderedMap.h"
+#include "tests/platform/Vex/CollectionModels.h"
 #include "tests/support/Reentrancy.h"
 
 namespace Vex {
@@ -18,59 +19,6 @@ using TestSupport::Differences;
 using TestSupport::kNewcomers;
 using TestSupport::Script;
 using TestSupport::Verb;
-
-/// Newcomers lie between the others, in ascending order.
-std::uint32_t keyOf(int member) {
-    return static_cast<std::uint32_t>(member >= kNewcomers ? 2 * (member - kNewcomers)
-                                                           : 2 * member + 1);
-}
-int memberAt(std::uint32_t key) {
-    return static_cast<int>(key) / 2 + (key % 2 == 0 ? kNewcomers : 0);
-}
-int newcomerAfter(int target) {
-    return kNewcomers + target + 1;
-}
-
-/// What is done to a collection, in terms of what `Derived` has: `contains`, `enter`, `remove`,
-/// `assign`, `clear`, `drop` and `tell`.
-template <class Derived>
-class Acts {
-public:
-    static constexpr bool kDropsAct = true;
-
-    void perform(Verb verb, int target) {
-        if (!self().isThere()) return;
-        switch (verb) {
-            case Verb::remove:
-                return self().remove(target);
-            case Verb::enterAgain:
-                self().remove(target);
-                return enterNew(target);
-            case Verb::assign:
-                return self().assign(target);
-            case Verb::enterAfter:
-                return enterNew(newcomerAfter(target));
-            case Verb::clear:
-                ++clearings_;
-                self().clear();
-                --clearings_;
-                return;
-            case Verb::again:
-                return self().tell();
-            default:
-                if (clearings_ == 0) self().drop();  // who clears it keeps it alive
-        }
-    }
-
-private:
-    Derived& self() { return static_cast<Derived&>(*this); }
-    /// What goes may have entered it already, or may have dropped everything.
-    void enterNew(int member) {
-        if (self().isThere() && !self().contains(member)) self().enter(member);
-    }
-
-    int clearings_ = 0;
-};
 
 /// A collection of type `Map` of values that act when they are dropped.
 template <template <class, class> class Map>
@@ -125,114 +73,6 @@ template <template <class, class> class Map>
 const std::vector<Verb> MapStage<Map>::kVerbs = {
     Verb::remove, Verb::enterAgain, Verb::assign,    Verb::enterAfter,
     Verb::clear,  Verb::again,      Verb::dropWhole,
-};
-
-/// What a hashed collection is to do: members in order of entry; a walk visits those that were
-/// there when it began, and have not left since.
-class HashModel : public Acts<HashModel> {
-public:
-    HashModel(int members, Script& script) : script_(script) {
-        for (int member = 0; member < members; ++member)
-            enter(member);
-    }
-    ~HashModel() { drop(); }
-    HashModel(const HashModel&) = delete;
-    HashModel& operator=(const HashModel&) = delete;
-
-    void tell() {
-        for (const Entry& entry : std::vector<Entry>(entries_))
-            if (std::count(entries_.begin(), entries_.end(), entry) != 0)
-                script_.told(*this, entry.member);
-    }
-    bool isThere() const { return isThere_; }
-    bool contains(int member) const { return at(member) != entries_.end(); }
-    void enter(int member) { entries_.push_back({member, ++entered_}); }
-    void remove(int member) {
-        const auto gone = at(member);
-        if (gone == entries_.end()) return;
-        entries_.erase(gone);
-        script_.dropped(*this, member);
-    }
-    void assign(int member) {
-        if (contains(member)) script_.dropped(*this, member);
-    }
-    void clear() {
-        while (!entries_.empty())
-            remove(entries_.front().member);
-    }
-    void drop() {
-        if (std::exchange(isDropped_, true)) return;
-        clear();
-        isThere_ = false;
-    }
-
-private:
-    struct Entry {
-        int member;
-        int entered;
-        friend bool operator==(const Entry&, const Entry&) = default;
-    };
-    std::vector<Entry>::const_iterator at(int member) const {
-        return std::find_if(entries_.begin(), entries_.end(),
-                            [member](const Entry& entry) { return entry.member == member; });
-    }
-
-    Script& script_;
-    std::vector<Entry> entries_;
-    int entered_ = 0;
-    bool isThere_ = true;  ///< also while it is being dropped
-    bool isDropped_ = false;
-};
-
-/// What an ordered collection is to do: a walk goes on at the first key that is greater then.
-class OrderedModel : public Acts<OrderedModel> {
-public:
-    OrderedModel(int members, Script& script) : script_(script) {
-        for (int member = 0; member < members; ++member)
-            enter(member);
-    }
-    ~OrderedModel() { drop(); }
-    OrderedModel(const OrderedModel&) = delete;
-    OrderedModel& operator=(const OrderedModel&) = delete;
-
-    void tell() {
-        std::optional<std::uint32_t> last;
-        for (;;) {
-            const auto next =
-                last ? std::upper_bound(keys_.begin(), keys_.end(), *last) : keys_.begin();
-            if (next == keys_.end()) return;
-            last = *next;
-            script_.told(*this, memberAt(*last));
-        }
-    }
-    bool isThere() const { return isThere_; }
-    bool contains(int member) const {
-        return std::binary_search(keys_.begin(), keys_.end(), keyOf(member));
-    }
-    void enter(int member) {
-        keys_.insert(std::lower_bound(keys_.begin(), keys_.end(), keyOf(member)), keyOf(member));
-    }
-    void remove(int member) {
-        if (std::erase(keys_, keyOf(member)) != 0) script_.dropped(*this, member);
-    }
-    void assign(int member) {
-        if (contains(member)) script_.dropped(*this, member);
-    }
-    void clear() {
-        while (!keys_.empty())
-            remove(memberAt(keys_.back()));
-    }
-    void drop() {
-        if (std::exchange(isDropped_, true)) return;
-        clear();
-        isThere_ = false;
-    }
-
-private:
-    Script& script_;
-    std::vector<std::uint32_t> keys_;
-    bool isThere_ = true;  ///< also while it is being dropped
-    bool isDropped_ = false;
 };
 
 /// Skips who stands behind one that is removed, and visits newcomers.

@@ -16,6 +16,7 @@ using TestSupport::Changes;
 using TestSupport::live;
 using TestSupport::RecordingSubscriber;
 using Lines = std::map<std::string, std::string>;
+using Names = std::vector<std::string>;
 
 /// A port with two ships and a tide, and the root machine over it.
 class ReactorTest : public ::testing::Test {
@@ -55,8 +56,6 @@ protected:
     const Lines kAll{
         {"Anna", "3"}, {"Anna/coal", "20"}, {"Berta", "4"}, {"tide", "11"}, {"signal", "clear"}};
 };
-
-using Names = std::vector<std::string>;
 
 TEST_F(ReactorTest, catchesUpWhileItIsMade) {
     const auto root = made();
