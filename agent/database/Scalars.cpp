@@ -61,7 +61,7 @@ std::string enumerationFault(const Type& type, std::string_view text) {
     if (isDigits(text) && !type.isNamedOnly) {
         const auto number = plainNumber(text);
         const std::string_view name = number ? Vex::nameOf(type.names, *number) : "";
-        if (!name.empty()) return excerpt(text) + " goes by its name " + excerpt(name);
+        if (!name.empty()) return excerpt(text) + " must be written by its name " + excerpt(name);
         return numberFault(type, text);
     }
     std::string known;

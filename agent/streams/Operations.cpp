@@ -159,7 +159,7 @@ std::variant<Path, Fault> Operations::place(const JsonValue& path, const JsonVal
         return Fault{path.offset(), std::move(*fault)};
     Path& place = std::get<Path>(parsed);
     if (place.subtree->mount->isState)
-        return Fault{path.offset(), "the state tree is the plug-in's, and is not changed by text"};
+        return Fault{path.offset(), "only the plug-in may change the state tree"};
     if (value != nullptr)
         if (auto fault = checker_.check(place.form, place.keys, *value)) return *std::move(fault);
     return std::move(place);

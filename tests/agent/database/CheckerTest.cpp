@@ -89,8 +89,8 @@ TEST_F(CheckerTest, refusesNumbersThatAreNotPlainOrOutOfRange) {
 TEST_F(CheckerTest, refusesKeysThatStandForNothing) {
     expectRefused({R"({"qos/status":{"cmapTypeStatus":{"mapQos":{"cmapStatus":{@"":{}}}}}})",
                    "a name must not be empty"});
-    expectRefused(
-        {R"({"qos/status":{"cmapTypeStatus":{@"1":{}}}})", R"("1" goes by its name "mapQos")"});
+    expectRefused({R"({"qos/status":{"cmapTypeStatus":{@"1":{}}}})",
+                   R"("1" must be written by its name "mapQos")"});
     expectRefused(
         {R"({"qos/status":{"cmapTypeStatus":{@"256":{}}}})", R"("256" is out of range 0 to 255)"});
     expectRefused({R"({"qos/status":{"cmapTypeStatus":{@"mapqos":{}}}})",

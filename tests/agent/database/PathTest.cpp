@@ -67,7 +67,7 @@ TEST_F(PathTest, refusesUnknownMembers) {
 
 TEST_F(PathTest, refusesKeysThatStandForNothing) {
     const std::string maps = "qos/status/cmapTypeStatus/";
-    EXPECT_EQ(faultOf(maps + "1"), R"("1" goes by its name "mapQos" (in the path))");
+    EXPECT_EQ(faultOf(maps + "1"), R"("1" must be written by its name "mapQos" (in the path))");
     EXPECT_EQ(faultOf(maps + "03"),
               R"(expected a number without leading zeros, found "03" (in the path))");
     EXPECT_EQ(faultOf(maps + "mapQos/cmapStatus/"), "a name must not be empty (in the path)");

@@ -68,11 +68,11 @@ TEST_F(OperationsTest, refusesPathsAtTheirBeginning) {
                   R"(no subtree is mounted at the path "acl")");
     expectRefused(R"({"delete":@7})", "expected a path, found a number");
     expectRefused(R"({"touch":@"qos/status/cmapTypeStatus/1"})",
-                  R"("1" goes by its name "mapQos" (in the path))");
+                  R"("1" must be written by its name "mapQos" (in the path))");
 }
 
 TEST_F(OperationsTest, refusesTheStateTree) {
-    const std::string refused = "the state tree is the plug-in's, and is not changed by text";
+    const std::string refused = "only the plug-in may change the state tree";
     const std::string tree = "qos/openconfig/state/classifiers";
     expectRefused(R"({"update":@")" + tree + R"(","value":{}})", refused);
     expectRefused(R"({"replace":@")" + tree + R"(/classifier/C","value":{}})", refused);
