@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "agent/explain/Question.h"
-#include "agent/options/OutputFormat.h"
 #include "agent/options/ServiceOptions.h"
 #include "agent/output/FollowOutput.h"
+#include "agent/output/OutputFormat.h"
 
 namespace QosAgent {
 

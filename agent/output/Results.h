@@ -3,7 +3,7 @@
 #include <string>
 
 #include "agent/database/Database.h"
-#include "agent/options/OutputFormat.h"
+#include "agent/output/OutputFormat.h"
 #include "agent/output/Terminal.h"
 
 namespace QosAgent {
