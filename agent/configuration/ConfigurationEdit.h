@@ -10,12 +10,12 @@
 
 namespace QosAgent {
 
-/// One change of the configuration at one place.
+/// One edit of the configuration at one place.
 struct ConfigurationEdit {
     enum class Operation {
-        remove,   ///< what is at the path is removed; no error if nothing is
-        replace,  ///< the value takes the place of what is at the path
-        update,   ///< the value is merged in; a leaf-list gets the elements that it does not have
+        remove,   ///< removes the node at the path; no-op if absent
+        replace,  ///< replaces the node at the path by the value
+        update,   ///< merges the value; adds missing elements to a leaf-list
     };
     Operation operation;
     ModelPath path;
@@ -25,12 +25,12 @@ struct ConfigurationEdit {
 };
 
 /// Reads `[{"delete": PATH}, {"replace": PATH, "value": V}, {"update": PATH, "value": V}, ...]`.
-/// Paths may lead to any node, and must name each entry of a list by its key. The edits refer to
-/// the tree of `edits`.
+/// A path may lead to any node, and must contain the key of each list entry. The edits refer to the
+/// tree of `edits`, which must outlive them.
 std::variant<std::vector<ConfigurationEdit>, Fault> readEdits(const JsonValue& edits);
 
-/// The configuration with the edit applied; both share what the edit does not touch. What the edit
-/// says belongs to the change with that number. Does not check whether the model allows it.
+/// Returns the configuration with the edit applied. The two trees share all nodes that the edit
+/// does not touch. New nodes get the number `change`. Does not check the value against the model.
 std::variant<ConfigurationTree, Fault> edited(const ConfigurationTree& tree,
                                               const ConfigurationEdit& edit, std::uint64_t change);
 

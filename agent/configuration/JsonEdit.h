@@ -8,17 +8,17 @@
 
 namespace QosAgent {
 
-/// Applies one edit within a value, which is copied but for what the edit says.
+/// Applies one edit within a value: makes a copy of the value with the edit.
 class JsonEdit {
 public:
-    /// `steps`: the rest of the edit's path, from the value on. All must outlive this.
+    /// `steps` is the part of the edit's path below the value. All arguments must outlive this.
     JsonEdit(const ConfigurationEdit& edit, std::span<const PathElement> steps)
         : edit_(edit), steps_(steps) {}
 
     /// The value after the edit. `held` is nothing where there was no value. Its places are kept if
     /// `isOfChange`: the change that makes the edit said it; else they are the edit's.
     Json apply(std::optional<JsonValue> held, bool isOfChange, const ModelSchema* schema);
-    /// Two values merged, the second into the first.
+    /// Returns the first value with the second merged into it.
     Json merge(const JsonValue& held, bool isOfChange, const JsonValue& value,
                const ModelSchema* schema);
 

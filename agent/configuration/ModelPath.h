@@ -8,7 +8,7 @@
 
 namespace QosAgent {
 
-/// One element of a path: the name of a node, and for an entry of a list its keys.
+/// One element of a path: the name of a node, and the keys of a list entry.
 struct PathElement {
     struct Key {
         std::string name;
@@ -24,22 +24,22 @@ struct PathElement {
 /// A place in the OpenConfig model, from its root: `/qos/classifiers/classifier[name=edge]`.
 using ModelPath = std::vector<PathElement>;
 
-/// What is wrong with the text of a path, and at which byte of it.
+/// The reason why the text of a path is refused, and the byte of the fault.
 struct PathFault {
     std::size_t offset;
     std::string message;
 };
 
-/// Reads the string form of a gNMI path, which must be absolute; `/` is the root. A module's prefix
-/// of a name (`openconfig-qos:qos`) is left out. In the value of a key, `\` comes before `]` and
-/// `\`, `\n` and `\r` stand for line ends, `\uXXXX` and `\UXXXX` for a character.
+/// Parses the string form of a gNMI path, which must be absolute; `/` is the root. Drops the
+/// module's prefix of a name (`openconfig-qos:qos`). In the value of a key, `\` escapes `]` and
+/// `\`; `\n` and `\r` are line ends, `\uXXXX` and `\UXXXX` a character.
 std::variant<ModelPath, PathFault> parseModelPath(std::string_view text);
 
-/// The string form, which `parseModelPath` reads back.
+/// Returns the string form, which `parseModelPath` can parse.
 std::string textOf(const ModelPath& path);
 
-/// A member's name in the model openconfig-qos, without the module's prefix. The prefix of another
-/// module stays.
+/// Returns a member's name without the prefix of the module openconfig-qos. Keeps the prefix of any
+/// other module.
 std::string_view localName(std::string_view name);
 
 }  // namespace QosAgent

@@ -5,25 +5,25 @@
 
 namespace QosAgent {
 
-/// What the configuration must know of the module openconfig-qos to walk it: which nodes are lists,
-/// and what their entries are called by. Everything else is a container or a leaf.
+/// The part of the model openconfig-qos that is needed to walk a configuration: which nodes are
+/// lists, and the keys of their entries. All other nodes are containers or leaves.
 struct ModelSchema {
     std::string_view name;
-    std::string_view key = {};  ///< of a list: the leaf that tells its entries apart; else empty
-    /// Nodes below it, or below an entry, that are lists or have lists below them.
+    std::string_view key = {};  ///< of a list: the leaf that is the key; otherwise empty
+    /// The nodes below it, or below an entry, that are or contain lists.
     std::span<const ModelSchema> children = {};
-    /// The configuration keeps each node of this kind apart, so that an edit of one copies no
-    /// other.
+    /// If true, the configuration stores each node of this kind separately, so that an edit of one
+    /// copies no other.
     bool isKeptApart = false;
 
     bool isList() const { return !key.empty(); }
-    /// Null if nothing of that name is known to have lists. `name` has no prefix.
+    /// Returns the child of this name, which has no prefix; null if it contains no lists.
     const ModelSchema* child(std::string_view name) const;
-    /// The root of a configuration.
+    /// Returns the schema of the root.
     static const ModelSchema& root();
 };
 
-/// The child of a schema that may be null.
+/// Returns the child of a schema, which may be null.
 inline const ModelSchema* childOf(const ModelSchema* schema, std::string_view name) {
     return schema == nullptr ? nullptr : schema->child(name);
 }

@@ -24,22 +24,22 @@ public:
 
     std::size_t size() const;
     bool isEmpty() const { return root_ == nullptr; }
-    /// The value at exactly this path; null if there is none.
+    /// Returns the value at exactly this path; null if absent.
     StateValuePtr find(std::string_view path) const;
-    /// The first entry whose path is `path` or stands behind it in byte order; null if there is
-    /// none. Walks with this can stop and go on later: an entry lives as long as the map.
+    /// Returns the first entry whose path is not less than `path` in byte order; null if there is
+    /// none. So a walk can be continued later. An entry is valid as long as the map.
     const Entry* firstFrom(std::string_view path) const;
-    /// The first entry whose path stands behind `path` in byte order; null if there is none.
+    /// Returns the first entry whose path is greater than `path`; null if there is none.
     const Entry* firstAfter(std::string_view path) const;
-    /// Whether there is an entry at the path or below it.
+    /// Returns true if there is an entry at the path or below it.
     bool holds(std::string_view path) const;
 
-    /// The map with this entry, in place of one with the same path.
+    /// Returns a map with this entry, which replaces one with the same path.
     StateMap with(std::string path, StateValuePtr value) const;
-    /// The map without the entry at the path and all below it.
+    /// Returns a map without the entry at the path and all entries below it.
     StateMap without(std::string_view path) const;
 
-    /// Whether both are the same copy; equal maps with different histories may differ.
+    /// Returns true if both are copies of one map. Equal maps need not be.
     bool isSame(const StateMap& other) const { return root_ == other.root_; }
 
 private:
@@ -51,7 +51,7 @@ private:
     Link root_;
 };
 
-/// Whether `path` is `ancestor` or lies below it.
+/// Returns true if `path` is `ancestor` or below it.
 bool isAtOrBelow(std::string_view path, std::string_view ancestor);
 
 }  // namespace QosAgent

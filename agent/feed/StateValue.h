@@ -20,23 +20,23 @@ struct StateConditions {
 struct StateTerm {
     std::string id;
     std::string stateId;
-    /// Absent where no condition was ever published; then both families are empty.
+    /// False if no condition was ever published; both families are empty then.
     bool hasConditions = false;
     StateConditions ipv4;
     StateConditions ipv6;
-    /// Absent where no action was ever published; an empty text is no group.
+    /// Absent if no action was ever published; an empty text means no group.
     std::optional<std::string> targetGroup;
 
     friend bool operator==(const StateTerm&, const StateTerm&) = default;
 };
 
-/// What the state tree holds at one path, as plain data that any thread may read: a classifier's
-/// name and type, or one of its terms.
+/// A value of the state tree as plain data that any thread may read: the name and type of a
+/// classifier, or one of its terms.
 struct StateValue {
     std::string classifier;
     std::string type;               ///< `IPV4` or `IPV6`; empty for a term
     std::optional<StateTerm> term;  ///< absent for a classifier's own state
-    std::string json;               ///< the same as one compact line, as `print` `state` writes it
+    std::string json;               ///< the value as compact JSON, as in `print` `state`
 
     friend bool operator==(const StateValue&, const StateValue&) = default;
 };

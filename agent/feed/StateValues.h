@@ -7,7 +7,7 @@
 
 namespace QosAgent {
 
-/// The plain data of an update of the state tree. `path` is below the tree's root, of the form
+/// Converts an update of the state tree to plain data. `path` is below the tree's root:
 /// `classifier/C/state` or `classifier/C/terms/term/T`.
 StateValuePtr stateValue(std::string_view path, const Change& update);
 

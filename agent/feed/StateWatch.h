@@ -13,7 +13,7 @@ class WatchedEntity;
 /// with the whole value, or a delete.
 class StateWatch {
 public:
-    /// Whether the constructor notifies the listener of everything that the subtree holds.
+    /// Whether the constructor notifies the listener of the present contents of the subtree.
     enum class Beginning { silent, notified };
 
     /// The listener must outlive the watch.

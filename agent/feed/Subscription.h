@@ -9,16 +9,16 @@ namespace QosAgent {
 /// One reader of the published state. It starts with a snapshot and then receives every later
 /// change exactly once: there is no gap and no overlap between the two.
 ///
-/// Any one thread at a time may use it. To destroy it ends the subscription: its `wake` is not
-/// called afterwards, and is not running any more when the destructor returns.
+/// One thread at a time may use it, whichever it is. The destructor ends the subscription: when it
+/// returns, `wake` is not running and will not be called again.
 class Subscription {
 public:
     virtual ~Subscription() = default;
 
     /// The state with which the subscription started.
     virtual const Snapshot& start() const = 0;
-    /// Takes the change sets that wait, oldest first; empty if none wait. Those of a reader that
-    /// falls behind are merged, so that what waits is bounded by the size of the state.
+    /// Removes and returns the waiting change sets, oldest first. If the reader falls behind they
+    /// are merged, so that their size is bounded by the size of the state.
     virtual std::vector<ChangeSetPtr> take() = 0;
 };
 

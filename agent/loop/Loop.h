@@ -8,13 +8,13 @@
 namespace QosAgent {
 
 /// An event loop: runs handlers on one thread as descriptors become ready, signals arrive, timers
-/// elapse, or tasks are posted. An idle loop makes no wake-ups. Handlers may create and destroy
-/// anything of the loop, themselves included.
+/// elapse, or tasks are posted. An idle loop makes no wake-ups. Handlers may create and destroy any
+/// source of the loop, including their own.
 class Loop {
 public:
     using Task = std::function<void()>;
 
-    /// Something that the loop waits for; to destroy it ends the waiting.
+    /// An event source. The loop waits for it until it is destroyed.
     class Source {
     public:
         virtual ~Source() = default;
@@ -22,7 +22,7 @@ public:
     /// A watched descriptor.
     class Watch : public Source {
     public:
-        /// Which readiness the handler is called for. With neither, only errors are reported.
+        /// Selects the events that call the handler. With neither, only errors do.
         virtual void interestIs(bool readable, bool writable) = 0;
     };
     using SourcePtr = std::unique_ptr<Source>;
@@ -30,9 +30,9 @@ public:
 
     virtual ~Loop() = default;
 
-    /// Calls the handler whenever the descriptor is ready, has failed, or was hung up. A file that
-    /// cannot be waited for, such as a regular one, is always ready. Borrows the descriptor: the
-    /// watch must be destroyed before the descriptor is closed.
+    /// Calls the handler whenever the descriptor is ready, has an error, or was hung up. A file
+    /// that cannot be polled, such as a regular one, is always ready. Borrows the descriptor: the
+    /// caller must destroy the watch before it closes the descriptor.
     virtual WatchPtr watch(int fd, bool readable, bool writable, Task handler) = 0;
     /// Calls the handler when the process receives the signal. The caller must have blocked the
     /// signal in all threads.
@@ -46,7 +46,7 @@ public:
     virtual void run() = 0;
     virtual void stop() = 0;
 
-    /// Tells the service manager, if there is one: `READY=1`, and so on.
+    /// Sends a notice such as `READY=1` to the service manager, if there is one.
     virtual void notify(const std::string& state) = 0;
     /// Sends `WATCHDOG=1` regularly if the service manager asked for it.
     virtual void feedWatchdog() = 0;

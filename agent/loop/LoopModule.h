@@ -6,10 +6,10 @@
 
 namespace QosAgent {
 
-/// What the loop's library exports. Program and library must agree on `version`.
+/// The export of the loop's library. Program and library must have the same `version`.
 struct LoopModule {
     unsigned version;
-    /// Throws `std::system_error` if the system refuses a loop.
+    /// Creates a loop. Throws `std::system_error` on failure.
     std::unique_ptr<Loop> (*make)();
 };
 

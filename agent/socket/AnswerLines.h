@@ -5,12 +5,12 @@
 
 #include "agent/service/Service.h"
 
-/// What a client on a socket is told of its lines, besides what they print.
+/// The answers to the lines of a client on a socket, besides their output.
 namespace QosAgent {
 
-/// `{"refused":{"line":N,"column":C,"message":"…"}}` and a line end.
+/// Returns `{"refused":{"line":N,"column":C,"message":"…"}}` and a line end.
 std::string refusedLine(std::size_t line, const Remark& refused);
-/// The same for a warning.
+/// Returns the line for a warning.
 std::string warningLine(std::size_t line, const Remark& warning);
 
 }  // namespace QosAgent

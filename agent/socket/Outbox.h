@@ -11,24 +11,24 @@
 
 namespace QosAgent {
 
-/// What a client has yet to be sent: answers and followed changes, in the order in which they
-/// arose. While the client does not keep up, changes are merged by path: the last value of a path
-/// stays, in its place, and a delete supersedes what waits below it. Answers are never dropped and
-/// keep their places.
+/// The answers and followed changes that wait for a client, in the order of their creation. While
+/// the client does not keep up, changes are merged by path: the last value of a path is kept, in
+/// its place, and a delete replaces waiting changes below it. Answers are never dropped and keep
+/// their places.
 class Outbox {
 public:
-    /// A client that leaves more than this of its answers, and gets one more, is to be closed. The
-    /// answer that is being sent does not count, so that one answer may have any size.
+    /// The most bytes of answers that may wait. The answer that is being sent does not count, so
+    /// that one answer may have any size.
     static constexpr std::size_t kMostAnswerBytes = std::size_t{16} << 20;
 
-    /// Writes to the descriptor, which must not block. The caller owns it.
+    /// Writes to the descriptor, which must be non-blocking. The caller owns it.
     explicit Outbox(int fd) : fd_(fd) {}
 
     /// Adds text, with its line end. Returns false if too much waits already.
     bool addAnswer(std::string text);
-    /// `isCreation`: nothing was at the path before.
+    /// Adds a change. `isCreation`: the path was absent before.
     void addChange(const ChangeLinePtr& change, bool isCreation);
-    /// Writes what the client takes now. Returns false if it can be written to no more.
+    /// Writes as much as the client takes now. Returns false if writing failed for good.
     bool flush();
     bool isEmpty() const { return entries_.empty(); }
 
@@ -56,7 +56,7 @@ private:
     std::deque<std::size_t> answerSizes_;  ///< of the answers that wait
     std::size_t answerBytes_ = 0;          ///< their sum
     std::size_t unflushedBytes_ = 0;
-    /// The client takes nothing now: what it gets next is merged until it has taken everything.
+    /// The client does not keep up: merge changes until it has received everything.
     bool isMerging_ = false;
     Index updates_;  ///< while merging: those that wait, by path
     Index deletes_;
