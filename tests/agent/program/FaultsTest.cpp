@@ -1,17 +1,10 @@
+#include "tests/agent/program/FaultsTest.h"
+
 #include <gtest/gtest.h>
-#include <sys/ioctl.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
-
-#include <chrono>
-#include <thread>
-
-#include "tests/agent/support/Program.h"
 
 namespace QosAgent {
 namespace {
-
-namespace fs = std::filesystem;
 
 /// Files that this process writes, and those it starts meanwhile, have at most so many bytes.
 class FileSizeLimit {
@@ -27,74 +20,6 @@ public:
 
 private:
     rlimit before_{};
-};
-
-/// What is around the program fails it: files, streams, signals.
-class FaultsTest : public ProgramTest {
-protected:
-    static constexpr const char* kToggleFile = "QosOpenConfig.json";
-
-    std::string pipe(const std::string& name) {
-        EXPECT_EQ(::mkfifo(path(name).c_str(), 0600), 0);
-        return path(name);
-    }
-    std::string link(const std::string& name, const std::string& target) {
-        fs::create_symlink(target, path(name));
-        return path(name);
-    }
-    /// A pipe in the place of standard output. Nobody reads from it.
-    int readerOfOutput() {
-        outFileIs(pipe("pipe"));
-        return ::open(path("pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    }
-    std::string builtPlugin() const {
-        return fs::path(program()).parent_path() / "libQosOpenConfig.so";
-    }
-    Ended runWithToggles() { return run({"--toggle-dir", path("")}); }
-    std::string refusedToggles(const std::string& fault) const {
-        return path("") + '/' + kToggleFile + fault + '\n';
-    }
-    template <class Condition>
-    static bool comesTrue(Condition condition) {
-        for (int i = 0; i < 1000 && !condition(); ++i)
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        return condition();
-    }
-    /// Prints to a pipe whose reader has gone.
-    Ended endWithoutReader(const std::vector<std::string>& options) {
-        const int reader = readerOfOutput();
-        std::vector<std::string> arguments = options;
-        arguments.push_back(pipe("endless.jsonl"));
-        const pid_t child = start(arguments, STDIN_FILENO);
-        const int writer = ::open(arguments.back().c_str(), O_WRONLY | O_CLOEXEC);
-        ::close(reader);
-        const std::string line = "{\"print\":\"state\"}\n";
-        EXPECT_EQ(::write(writer, line.data(), line.size()), static_cast<ssize_t>(line.size()));
-        const Ended ended = end(child);
-        ::close(writer);
-        return ended;
-    }
-    static bool isFull(int pipeReader) {
-        int bytes = 0;
-        ::ioctl(pipeReader, FIONREAD, &bytes);
-        return bytes == ::fcntl(pipeReader, F_GETPIPE_SZ);
-    }
-    /// Whether the process has the file open, and sleeps.
-    static bool isWaitingFor(pid_t child, const std::string& file) {
-        const fs::path process = "/proc/" + std::to_string(child);
-        std::error_code ignored;
-        bool isOpen = false;
-        for (const auto& entry : fs::directory_iterator(process / "fd", ignored))
-            isOpen = isOpen || fs::read_symlink(entry.path(), ignored) == file;
-        std::string stat;
-        std::getline(std::ifstream(process / "stat"), stat);
-        return isOpen && stat.find(") S ") != std::string::npos;
-    }
-    static bool isRunning(pid_t child) {
-        siginfo_t info{};
-        ::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOHANG | WNOWAIT);
-        return info.si_pid == 0;
-    }
 };
 
 TEST_F(FaultsTest, keepTheResultOutOfTheTraceFileWhenStandardOutputIsClosed) {
@@ -194,66 +119,6 @@ TEST_F(FaultsTest, refuseATraceFileThatIsReadAsWell) {
     EXPECT_EQ(read("d.json"), text);
     EXPECT_EQ(run({"--trace-file", "/dev/null", link("null.jsonl", "/dev/null")}),
               (Ended{0, "{}\n", ""}));
-}
-
-TEST_F(FaultsTest, refuseAPluginThatOthersMayWrite) {
-    const std::string plugin = path("p.so");
-    fs::copy_file(builtPlugin(), plugin);
-    EXPECT_EQ(run({"--plugin", plugin}), (Ended{0, "{}\n", ""}));
-    fs::permissions(plugin, fs::perms::others_write, fs::perm_options::add);
-    EXPECT_EQ(run({"--plugin", plugin}),
-              (Ended{2, "", plugin + ": cannot be loaded: others may write to it (chmod go-w)\n"}));
-}
-
-TEST_F(FaultsTest, refuseAPluginThatIsCutOff) {
-    const std::string cut = path("cut.so");
-    fs::copy_file(builtPlugin(), cut);
-    const auto size = fs::file_size(cut);
-    // What is loaded comes first; debug information, the larger part, is not missed.
-    for (const auto rest : {size / 8, std::uintmax_t{4096}, std::uintmax_t{100}}) {
-        fs::resize_file(cut, rest);
-        EXPECT_EQ(run({"--plugin", cut}),
-                  (Ended{2, "", cut + ": cannot be loaded: file truncated\n"}))
-            << rest << " bytes";
-    }
-    fs::resize_file(cut, 0);
-    EXPECT_EQ(run({"--plugin", cut}), (Ended{2, "", cut + ": cannot be loaded: file too short\n"}));
-}
-
-TEST_F(FaultsTest, refusePluginsThatAreNoFiles) {
-    EXPECT_EQ(run({"--plugin", pipe("p.so")}),
-              (Ended{2, "", path("p.so") + ": cannot be loaded: not a regular file\n"}));
-    EXPECT_EQ(run({"--plugin", path("")}),
-              (Ended{2, "", path("") + ": cannot be loaded: not a regular file\n"}));
-}
-
-TEST_F(FaultsTest, refuseAPluginBelowAFolderThatIsNotThere) {
-    EXPECT_EQ(run({"--plugin", "nowhere/p.so"}),
-              (Ended{2, "", "nowhere/p.so: cannot be loaded: No such file or directory\n"}));
-    EXPECT_EQ(run({"--plugin", "p.so"}).err, "p.so: cannot be loaded: No such file or directory\n");
-}
-
-TEST_F(FaultsTest, refuseToggleFilesThatCannotBeRead) {
-    link(kToggleFile, "/proc/self/mem");  // its first page cannot be read
-    EXPECT_EQ(runWithToggles(), (Ended{2, "", refusedToggles(": Input/output error")}));
-    fs::remove(path(kToggleFile));
-    link(kToggleFile, kToggleFile);
-    EXPECT_EQ(runWithToggles(),
-              (Ended{2, "", refusedToggles(": Too many levels of symbolic links")}));
-}
-
-TEST_F(FaultsTest, refuseAPipeInPlaceOfTheToggleFile) {
-    pipe(kToggleFile);
-    EXPECT_EQ(runWithToggles(), (Ended{2, "", refusedToggles(": not a regular file")}));
-}
-
-TEST_F(FaultsTest, refuseAToggleFileOfMoreThanAMebibyte) {
-    const std::string most = std::string((std::size_t{1} << 20) - 2, ' ') + "{}";
-    file(kToggleFile, most);
-    EXPECT_EQ(runWithToggles(), (Ended{0, "{}\n", ""}));
-    file(kToggleFile, ' ' + most);
-    EXPECT_EQ(runWithToggles(),
-              (Ended{2, "", refusedToggles(":1:1: text longer than 1048576 bytes")}));
 }
 
 TEST_F(FaultsTest, endFollowingAtASignalWithTheResults) {
