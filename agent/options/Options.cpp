@@ -12,8 +12,8 @@
 
 #include "agent/host/InstalledFiles.h"
 #include "agent/json/Excerpt.h"
-#include "agent/json/Suggestion.h"
 #include "agent/options/ExitCodes.h"
+#include "agent/options/ParseMessage.h"
 #include "agent/options/ServiceArguments.h"
 #include "agent/output/Diagnostics.h"
 #include "agent/output/Output.h"
@@ -250,38 +250,6 @@ void complete(Options& options, const Given& given) {
     options.traceFile = given.traceFile;
 }
 
-std::string unknownOption(const CLI::App& app, const std::string& given) {
-    std::vector<std::string> names;
-    for (const CLI::Option* option : app.get_options())
-        for (const std::string& name : option->get_lnames())
-            names.push_back("--" + name);
-    const std::string name = given.substr(0, given.find('='));
-    return "unknown option " + excerpt(name) +
-           suggestion(name, std::vector<std::string_view>(names.begin(), names.end()));
-}
-
-/// The message for an option with too few or too many values. The library names a flag without its
-/// dashes.
-std::string wrongCount(const CLI::App& app, const std::string& name) {
-    if (!name.starts_with("--")) return excerpt("--" + name) + " takes no value";
-    const CLI::Option* option = app.get_option(name);
-    if (option->results().size() > 1) return excerpt(name) + " is given more than once";
-    const std::string value = option->get_type_name();
-    const bool beginsWithVowel = std::string_view("AEIOU").find(value.front()) != std::string::npos;
-    return excerpt(name) + (beginsWithVowel ? " needs an " : " needs a ") + value;
-}
-
-/// The library's messages begin with the option's name.
-std::string wordsFor(const CLI::ParseError& refused, const CLI::App& app) {
-    const std::string account = refused.what();
-    const std::string remaining = app.remaining().empty() ? "" : app.remaining().front();
-    if (dynamic_cast<const CLI::ExtrasError*>(&refused) != nullptr)
-        return unknownOption(app, remaining);
-    if (dynamic_cast<const CLI::ArgumentMismatch*>(&refused) != nullptr)
-        return wrongCount(app, account.substr(0, account.find_first_of(": ")));
-    return account;
-}
-
 /// Prints the help or the version.
 int print(const CLI::App& app, const CLI::ParseError& asked) {
     std::ostringstream text;
@@ -310,7 +278,7 @@ std::variant<Options, ExitStatus> parseOptions(int argc, const char* const* argv
             throw CLI::ValidationError("--check", "no document is given");
     } catch (const CLI::ParseError& answer) {
         if (answer.get_exit_code() == 0) return ExitStatus{print(app, answer)};
-        report(refusal(kProgram, wordsFor(answer, app)));
+        report(refusal(kProgram, messageOf(answer, app)));
         return ExitStatus{kUnusable};
     }
     complete(options, given);
