@@ -3,6 +3,7 @@
 
 import tempfile
 import unittest
+import unittest.mock
 from pathlib import Path
 
 import check_tree
@@ -123,11 +124,30 @@ class CheckTreeTest(unittest.TestCase):
         long = "\n" * 151
         self.assertEqual(
             self.faults({"agent/A.h": long}),
-            ["agent/A.h:151: a header of over 150 lines without a comment `// long: REASON`"])
+            ["agent/A.h:151: a header of over 150 lines without a comment `long: REASON`"])
         self.assertEqual(self.faults({"agent/A.h": "// long: one table" + long}), [])
         self.assertEqual(len(self.faults({"agent/A.h": "// long: " + long})), 1)
 
-    def test_refuses_long_functions(self):
+    def test_refuses_a_long_file_without_a_reason(self):
+        long = "\n" * 301
+        for path, before in [("agent/A.cpp", ""), ("tests/model/A.cpp", ""),
+                             ("scripts/a", "#!/usr/bin/env bash\n"), ("tests/shape/a.py", "")]:
+            with self.subTest(path=path):
+                lines = (before + long).count("\n")
+                self.assertEqual(
+                    self.faults({path: before + long}),
+                    [f"{path}:{lines}: a file of over 300 lines without a comment `long: REASON`"])
+                sign = "//" if path.endswith(".cpp") else "#"
+                self.assertEqual(self.faults({path: f"{before}\n{sign} long: a table{long}"}), [])
+                self.assertEqual(len(self.faults({path: f"{before}\n  {sign} long: a{long}"})), 1)
+
+    def test_refuses_a_listed_test_that_is_short(self):
+        with unittest.mock.patch.object(check_tree, "LONG_FILES", {"tests/model/A.cpp"}):
+            self.assertEqual(self.faults({"tests/model/A.cpp": "\n" * 301}), [])
+            self.assertEqual(self.faults({"tests/model/A.cpp": "\n"}),
+                             ["tests/model/A.cpp:1: is not long any more: remove it from LONG_FILES"])
+
+    def test_refuses_a_long_function_without_a_reason(self):
         for path, before, first, line, last in [
             ("agent/A.cpp", "", "void f(int a,\n       int b) {\n", "    a();\n", "}\n"),
             ("bench/A.h", "class A {\n", "    int f() {\n", "        a();\n\n", "    }\n"),
@@ -136,14 +156,18 @@ class CheckTreeTest(unittest.TestCase):
             ("tests/shape/a.py", "", "def f():\n", "    a()\n", ""),
         ]:
             with self.subTest(path=path):
-                inner = (50 - (first + last).count("\n")) // line.count("\n")
+                inner = (40 - (first + last).count("\n")) // line.count("\n")
                 self.assertEqual(self.faults({path: before + first + inner * line + last}), [])
-                [fault] = self.faults({path: before + first + (inner + 1) * line + last})
+                long = (inner + 1) * line
+                [fault] = self.faults({path: before + first + long + last})
                 place = f"{path}:{before.count(chr(10)) + 1}"
-                self.assertTrue(fault.startswith(f"{place}: a function of over 50 lines: "), fault)
+                self.assertTrue(fault.startswith(f"{place}: a function of over 40 lines without a "
+                                                 "comment `long: REASON`: "), fault)
+                reason = f"    {'//' if path.endswith(('.cpp', '.h')) else '#'} long: a table\n"
+                self.assertEqual(self.faults({path: before + first + reason + long + last}), [])
 
-    def test_passes_a_long_source_and_a_full_header(self):
-        self.assertEqual(self.faults({"agent/A.cpp": "\n" * 400, "agent/A.h": "\n" * 150}), [])
+    def test_passes_a_full_file_and_a_full_header(self):
+        self.assertEqual(self.faults({"agent/A.cpp": "\n" * 300, "agent/A.h": "\n" * 150}), [])
 
 
 if __name__ == "__main__":
