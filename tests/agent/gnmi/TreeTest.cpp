@@ -9,7 +9,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* kConfiguration = R"({"openconfig-qos:qos": {
+constexpr const char* kConfigured = R"({"openconfig-qos:qos": {
     "queues": {"queue": [
         {"name": "b", "config": {"name": "b", "queue-id": 2}},
         {"name": "a", "config": {"name": "a"}}]},
@@ -46,7 +46,7 @@ TEST(TreeTest, leavesOutAnEmptyTargetGroup) {
 
 TEST(TreeTest, joinsConfigurationAndStateEntryByEntry) {
     const auto tree = TreeBuilder()
-                          .configuration(kConfiguration)
+                          .configuration(kConfigured)
                           .classifier("edge")
                           .term("edge", term("voice", 46))
                           .term("edge", term("extra", 1))
@@ -70,7 +70,7 @@ TEST(TreeTest, joinsConfigurationAndStateEntryByEntry) {
 }
 
 TEST(TreeTest, keepsTheOrderOfConfiguredEntries) {
-    const auto tree = TreeBuilder().configuration(kConfiguration).build();
+    const auto tree = TreeBuilder().configuration(kConfigured).build();
     EXPECT_THAT(values(*tree, query({"/qos/queues/queue/config/name"})),
                 ElementsAre("/qos/queues/queue[name=b]/config/name=\"b\"",
                             "/qos/queues/queue[name=a]/config/name=\"a\""));
@@ -138,14 +138,14 @@ TEST(TreeTest, showsKeysWhenTheyAreWanted) {
     Query keys = query({"/qos/classifiers/classifier"});
     keys.wantsKeys = true;
     keys.wantsState = false;
-    const auto tree = TreeBuilder().configuration(kConfiguration).build();
+    const auto tree = TreeBuilder().configuration(kConfigured).build();
     EXPECT_THAT(values(*tree, keys),
                 testing::Contains("/qos/classifiers/classifier[name=edge]/name=\"edge\""));
 }
 
 TEST(TreeTest, knowsWhereSomethingIsLeft) {
     const auto tree =
-        TreeBuilder().configuration(kConfiguration).classifier("c").term("c", term("t", 1)).build();
+        TreeBuilder().configuration(kConfigured).classifier("c").term("c", term("t", 1)).build();
     const auto holds = [&](std::string_view node, std::vector<std::string> keys) {
         return tree->holds({&schemaNode(node), std::move(keys)});
     };
