@@ -107,8 +107,23 @@ void ClassifierStateSmMounter::createSm() {
         return;
     }
     Vex::traceOf(*this, mounterTraceHandle, kCreateSm, ": Instantiating QosOc::ClassifierStateSm");
-    classifierStateSmIs(qosStatus_, aclCliConfig_, qosCliConfig_, classifierConfigDir_,
-                        classifierStateDir_);
+    createSmOverInputs();
+}
+
+void ClassifierStateSmMounter::createSmOverInputs() {
+    do {
+        const auto made = classifierStateSmIs(qosStatus_, aclCliConfig_, qosCliConfig_,
+                                              classifierConfigDir_, classifierStateDir_);
+        if (!(classifierStateSm_ == made) || isOverInputs(*made)) return;
+        // A subscriber of the state has changed an input, or made a machine over others.
+        classifierStateSmDel();
+        made->takeStateBack();
+    } while (qosStatus_ && aclCliConfig_ && classifierConfigDir_ && classifierStateDir_);
+}
+
+bool ClassifierStateSmMounter::isOverInputs(const ClassifierStateSm& machine) const {
+    return machine.isMadeFrom(qosStatus_, aclCliConfig_, qosCliConfig_, classifierConfigDir_,
+                              classifierStateDir_);
 }
 
 void ClassifierStateSmMounter::qosStatusIs(const QosStatus& qosStatus) {
@@ -138,8 +153,11 @@ Orin::Ptr<ClassifierStateSm> ClassifierStateSmMounter::classifierStateSmIs(
         classifierStateSm_->isMadeFrom(qosStatus, aclCliConfig, qosCliConfig, classifierConfigDir,
                                        classifierStateDir))
         return classifierStateSm_;
+    const auto before = classifierStateSm_;
     const auto made = ClassifierStateSm::ClassifierStateSmIs(
         qosStatus, aclCliConfig, qosCliConfig, classifierConfigDir, classifierStateDir);
+    // A subscriber of the state may have asked for a root machine meanwhile: the later one stays.
+    if (classifierStateSm_ && !(classifierStateSm_ == before)) return classifierStateSm_;
     const auto old = std::exchange(classifierStateSm_, made);
     publishChange(kClassifierStateSm.id, &old);
     made->hasNotificationActiveIs(true);

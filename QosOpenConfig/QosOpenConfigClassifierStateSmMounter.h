@@ -60,7 +60,8 @@ public:
         return classifierStateSm_;
     }
     /// Returns the root machine over these inputs; creates it if absent. A root machine over other
-    /// inputs is destroyed once the new one is active.
+    /// inputs is destroyed once the new one is active. If a subscriber of the state calls this
+    /// meanwhile, the machine of that later call stays and is returned.
     Orin::Ptr<ClassifierStateSm> classifierStateSmIs(const QosStatus& qosStatus,
                                                      const AclConfig& aclCliConfig,
                                                      const QosConfig& qosCliConfig,
@@ -70,6 +71,12 @@ public:
     Orin::Ptr<ClassifierStateSm> classifierStateSmDel();
 
 private:
+    /// Makes the root machine over the five inputs. If the machine that is there afterwards is not
+    /// over the inputs as they are then, it takes its state back and is removed; a new one follows
+    /// if all inputs are present.
+    void createSmOverInputs();
+    bool isOverInputs(const ClassifierStateSm& machine) const;
+
     QosStatus qosStatus_;
     AclConfig aclCliConfig_;
     QosConfig qosCliConfig_;

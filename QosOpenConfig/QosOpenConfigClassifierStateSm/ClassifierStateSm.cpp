@@ -191,6 +191,17 @@ void ClassifierStateSm::handleClassifierConfig(const String& name) {
         });
 }
 
+void ClassifierStateSm::takeStateBack() {
+    const auto takeBack = [](auto& children) {
+        for (const auto& member : children.members())
+            children.prepareAndRemove(member.key);
+    };
+    takeBack(pmapTypeStatusSm_);
+    takeBack(cmapTypeStatusSm_);
+    takeBack(aclTypeStateSm_);
+    takeBack(classifierConfigSm_);
+}
+
 }  // namespace QosOc
 
 template class Vex::Reactor<QosOc::ClassifierStateSm>;

@@ -74,6 +74,9 @@ public:
     void handleCmapTypeStatus(Qos::MapType mapType);
     void handleAclTypeConfig(Acl::AclType aclType);
     void handleClassifierConfig(const Orin::String& name);
+    /// Lets each child take its state back and removes it, policy maps first. The caller must have
+    /// turned notifications off, or changes of the inputs create children again.
+    void takeStateBack();
 
     static constexpr Orin::Dispatch qosStatusDispatch = Vex::dispatchTo<
         ClassifierStateSm,
