@@ -284,6 +284,7 @@ TEST(NamingTest, makesANameWithOneAllocation) {
     const std::size_t before = TestSupport::allocations();
     const std::string name = configObjName(classifier, term);
     EXPECT_EQ(TestSupport::allocations() - before, 1u);
+    EXPECT_EQ(name.capacity(), name.size()) << "no room is left over";
     EXPECT_EQ(name, "openconfig:" + classifier + ':' + term);
 }
 

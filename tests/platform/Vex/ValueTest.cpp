@@ -88,6 +88,10 @@ TEST(ValueTraitsTest, carryWholeRecordsThereAndBack) {
     EXPECT_EQ(fromValue<Cargo>(value), cargo);
 }
 
+TEST(ValueTraitsTest, makeRoomForTheFieldsOfARecordOnce) {
+    EXPECT_EQ(toValue(Cargo()).as<RecordValue>().fields.capacity(), 6u);
+}
+
 TEST(ValueTraitsTest, refuseRecordsWithFieldsTooFewOrTooMany) {
     auto record = toValue(Cargo()).as<RecordValue>();
     record.fields.emplace_back();
