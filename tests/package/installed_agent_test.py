@@ -1,11 +1,14 @@
 #!/usr/bin/env python3
 """Runs the installed qos-agent.
 
-    installed_agent_test.py PREFIX CENSUS_PLUG_IN
+    installed_agent_test.py PREFIX CENSUS_PLUG_IN [--shipped]
+
+With --shipped it is built as it is shipped; sanitizers want more address space than can be given.
 """
 
 import json
 import re
+import resource
 import subprocess
 import sys
 import tempfile
@@ -27,6 +30,8 @@ CHANGES = [
     {"delete": "qos/status/cmapTypeStatus/mapPbr/cmapStatus/detour"},
     {"update": "qos/status/cmapTypeStatus/mapCopp/cmapStatus/control", "value": {}},
 ]
+#: Bytes: enough to start, and less than a document of 200,000 class maps takes.
+MEMORY_LIMIT = 64 << 20
 TRACE_LINE = re.compile(
     r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{6}Z ClassMapCensus/8 CensusSm\.cpp:\d+ (.*)")
 
@@ -81,6 +86,21 @@ class InstalledAgentTest(unittest.TestCase):
                          [f'{TOGGLES}: warning: the toggle "OCQosClassifierStatePath" is off: '
                           'what it enables does not run'])
         self.assertEqual(json.loads("\n".join(output))[STATE], {})
+
+    @unittest.skipUnless("--shipped" in sys.argv, "not built as it is shipped")
+    def test_ends_with_one_line_where_the_memory_is_limited(self):
+        """At the limit of the unit, MemoryMax, the kernel ends it: that takes a service manager."""
+        class_maps = {f"class-{number}": {} for number in range(200_000)}
+        with tempfile.TemporaryDirectory() as folder:
+            document = Path(folder) / "maps.json"
+            document.write_text(json.dumps({"qos/status": {"cmapTypeStatus": {
+                "mapQos": {"cmapStatus": class_maps}}}}), encoding="utf-8")
+            done = subprocess.run(
+                [PREFIX / "bin/qos-agent", "--output", "none", document], capture_output=True,
+                text=True, timeout=60, check=False, preexec_fn=lambda: resource.setrlimit(
+                    resource.RLIMIT_AS, (MEMORY_LIMIT, MEMORY_LIMIT)))
+        self.assertEqual((done.returncode, done.stdout, done.stderr),
+                         (2, "", "qos-agent: out of memory\n"))
 
 
 if __name__ == "__main__":
