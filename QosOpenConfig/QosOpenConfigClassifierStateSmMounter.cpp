@@ -13,11 +13,11 @@ constinit Vex::TraceHandle mounterTraceHandle("QosOpenConfigClassifierStateSmMou
 
 namespace {
 
-constexpr const char* kSource = "QosOpenConfig/QosOpenConfigClassifierStateSmMounter";
+constexpr const char* kMounterSource = "QosOpenConfig/QosOpenConfigClassifierStateSmMounter";
 
 consteval Vex::TracePoint mounterTracePoint(const char* function, const char* signature,
                                             unsigned line = __builtin_LINE()) {
-    return {kSource, line, function, signature};
+    return {kMounterSource, line, function, signature};
 }
 
 constexpr auto kDoPluginSpecificMounts = mounterTracePoint(
@@ -74,7 +74,7 @@ void ClassifierStateSmMounter::handleParent() {}
 void ClassifierStateSmMounter::doPluginSpecificMounts(
     const Orin::Ptr<Strata::MountGroup>& mountGroup) {
     Vex::traceOf(*this, mounterTraceHandle, kDoPluginSpecificMounts);
-    Vex::assertThat(static_cast<bool>(mountGroup), "mg", kSource, __LINE__,
+    Vex::assertThat(static_cast<bool>(mountGroup), "mg", kMounterSource, __LINE__,
                     kDoPluginSpecificMounts.signature);
     mount(*mountGroup, kQosStatusPath, "Qos::Status", "r");
     mount(*mountGroup, kAclCliConfigPath, "Acl::Input::Config", "r");
@@ -87,7 +87,7 @@ void ClassifierStateSmMounter::doPluginSpecificMountsComplete(
     Strata::MountStatus mountStatus, const Orin::Ptr<Strata::EntityManager>& entityManager) {
     Vex::traceOf(*this, mounterTraceHandle, kDoPluginSpecificMountsComplete);
     Vex::assertThat(mountStatus == Strata::mountSuccess_, "mountStatus == Strata::mountSuccess_",
-                    kSource, __LINE__, kDoPluginSpecificMountsComplete.signature);
+                    kMounterSource, __LINE__, kDoPluginSpecificMountsComplete.signature);
     qosStatusIs(Vex::entityCast<const Qos::Status>(entityManager->getEntity(kQosStatusPath)));
     aclCliConfigIs(
         Vex::entityCast<const Acl::Input::Config>(entityManager->getEntity(kAclCliConfigPath)));
