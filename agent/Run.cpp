@@ -23,6 +23,7 @@
 #include "agent/host/ToggleFolder.h"
 #include "agent/json/Excerpt.h"
 #include "agent/openconfig/Configuration.h"
+#include "agent/openconfig/PolicyMapWatch.h"
 #include "agent/options/ExitCodes.h"
 #include "agent/output/Diagnostics.h"
 #include "agent/output/ExplanationText.h"
@@ -155,10 +156,14 @@ private:
     /// False when the program cannot go on.
     bool serve() {
         feed_.configurationSourceIs([this] { return configuration_.tree(); });
-        return ServiceRun(options_, *applier_, feed_,
-                          {[this](const AnsweredLine& line) { return print(line); },
-                           [this] { reopenFiles(); }})
-            .run();
+        PolicyMapWatch policyMaps(database_);
+        feed_.policyMapsSourceIs([&policyMaps] { return policyMaps.names(); });
+        const bool isServed = ServiceRun(options_, *applier_, feed_,
+                                         {[this](const AnsweredLine& line) { return print(line); },
+                                          [this] { reopenFiles(); }})
+                                  .run();
+        feed_.policyMapsSourceIs([] { return PolicyMapNames(); });
+        return isServed;
     }
     bool print(const AnsweredLine& line) {
         for (const std::string& text : line.answer.lines)

@@ -38,7 +38,8 @@ struct ChangeSet {
 
     bool isEmpty() const {
         return deletes.empty() && updates.empty() && steps.empty() &&
-               before.configuration == after.configuration;
+               before.configuration == after.configuration &&
+               before.policyMaps.isSame(after.policyMaps);
     }
 };
 

@@ -89,7 +89,7 @@ void Feed::endRequest() {
         const std::lock_guard lock(mutex_);
         Snapshot next{latest_.sequence + 1,
                       std::max(latest_.time, std::chrono::system_clock::now()), state_,
-                      configurationSource_()};
+                      configurationSource_(), policyMapsSource_()};
         changes = collector_.take(latest_, next);
         latest_ = std::move(next);
         readers = mailboxes();

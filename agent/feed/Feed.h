@@ -44,6 +44,10 @@ public:
     void configurationSourceIs(std::function<ConfigurationTree()> source) {
         configurationSource_ = std::move(source);
     }
+    /// Where snapshots have the names of policy maps from; without a source there are none.
+    void policyMapsSourceIs(std::function<PolicyMapNames()> source) {
+        policyMapsSource_ = std::move(source);
+    }
     /// A request has been applied: makes its outcome the latest snapshot and tells subscribers.
     void endRequest();
     FeedStatistics statistics() const;
@@ -66,6 +70,7 @@ private:
     unsigned stateKeepers_ = 0;
     StateMap state_;
     std::function<ConfigurationTree()> configurationSource_ = [] { return ConfigurationTree(); };
+    std::function<PolicyMapNames()> policyMapsSource_ = [] { return PolicyMapNames(); };
     ChangeCollector collector_;
     FeedStatistics statistics_;
     std::optional<StateWatch> watch_;

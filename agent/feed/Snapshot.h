@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "agent/configuration/ConfigurationTree.h"
+#include "agent/feed/PolicyMapNames.h"
 #include "agent/feed/StateMap.h"
 
 namespace QosAgent {
@@ -18,6 +19,8 @@ struct Snapshot {
     StateMap state;
     /// The OpenConfig configuration as it was given.
     ConfigurationTree configuration = {};
+    /// Those of type `mapQos`.
+    PolicyMapNames policyMaps = {};
 };
 
 }  // namespace QosAgent

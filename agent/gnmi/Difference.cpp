@@ -155,6 +155,10 @@ void addTouched(Touched& touched, const ChangeSet& changes) {
                    [&](const ModelPath& path, const auto&, const auto&) {
                        touched.subtrees.insert(dataPathOf(path));
                    });
+    // A policy map that comes or goes is the state of all attachments that it applies.
+    static const SchemaNode& interfaces = schemaNode("/qos/interfaces");
+    if (!changes.before.policyMaps.isSame(changes.after.policyMaps))
+        touched.subtrees.insert({&interfaces, {}});
 }
 
 std::vector<Notice> difference(const Tree& before, const Tree& after, const Touched& touched) {

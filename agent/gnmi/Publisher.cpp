@@ -30,8 +30,8 @@ TreePtr Publisher::treeOf(const Snapshot& snapshot) {
     using std::chrono::duration_cast;
     using std::chrono::nanoseconds;
     const auto time = duration_cast<nanoseconds>(snapshot.time.time_since_epoch()).count();
-    return std::make_shared<const Tree>(
-        Tree{time, ConfigView(snapshot.configuration.view()), StateSource(snapshot.state)});
+    return std::make_shared<const Tree>(Tree{time, ConfigView(snapshot.configuration.view()),
+                                             StateSource(snapshot.state), snapshot.policyMaps});
 }
 
 void Publisher::wake() {

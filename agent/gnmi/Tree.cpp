@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "agent/gnmi/Notice.h"
+#include "agent/gnmi/Values.h"
 
 namespace QosAgent::Gnmi {
 
@@ -41,15 +42,31 @@ const SchemaNode& attachmentList() {
     return list;
 }
 
-/// An attached classifier has its state as soon as it is configured, because the policy map that
-/// applies it is made with it.
-std::vector<LeafValue> attachmentLeaves(const DataPath& entry, const ConfigView& attachment) {
+/// The configured name of the classifier of that type, of an interface's attachments; none if there
+/// is no such attachment.
+ConfigView attachedName(const ConfigView& attachments, std::string_view type) {
     static const SchemaNode* const name = attachmentList().child("config")->child("name");
+    return attachments.entry(type).child(*name->parent()).child(*name);
+}
+
+std::string textOf(const ConfigView& name) {
+    static const SchemaNode* const leaf = attachmentList().child("config")->child("name");
+    return name ? std::get<std::string>(scalarOf(name.json(), *leaf)) : std::string();
+}
+
+/// An attached classifier has a state while the policy map exists that applies the interface's
+/// attachments. `attachments` is the interface's list of them.
+std::vector<LeafValue> attachmentLeaves(std::string_view type, const ConfigView& attachments,
+                                        const PolicyMapNames& policyMaps) {
     static const SchemaNode& state = *attachmentList().child("state");
-    const std::string& type = entry.keys.back();
-    const ConfigView config = attachment.child(*name->parent()).child(*name);
-    if (!config || (type != "IPV4" && type != "IPV6")) return {};
-    return {{state.child("name"), config.json()}, {state.child("type"), '"' + type + '"'}};
+    if (type != "IPV4" && type != "IPV6") return {};
+    const ConfigView name = attachedName(attachments, type);
+    if (!name) return {};
+    const std::string ipv4 = textOf(attachedName(attachments, "IPV4"));
+    const std::string ipv6 = textOf(attachedName(attachments, "IPV6"));
+    if (!policyMaps.containsOfPair(ipv4, ipv6)) return {};
+    return {{state.child("name"), name.json()},
+            {state.child("type"), '"' + std::string(type) + '"'}};
 }
 
 bool stateHolds(const Tree& tree, const DataPath& node) {
@@ -78,8 +95,11 @@ ConfigView Tree::configOf(const DataPath& node) const {
 }
 
 std::vector<LeafValue> Tree::stateLeaves(const DataPath& entry) const {
-    if (entry.node == &attachmentList()) return attachmentLeaves(entry, configOf(entry));
-    return state.leaves(entry);
+    if (entry.node != &attachmentList()) return state.leaves(entry);
+    const std::vector<std::string> interface(entry.keys.begin(), entry.keys.end() - 1);
+    const ConfigView attachments =
+        configOf({attachmentList().parent(), interface}).child(attachmentList());
+    return attachmentLeaves(entry.keys.back(), attachments, policyMaps);
 }
 
 bool Tree::holds(const DataPath& node) const {

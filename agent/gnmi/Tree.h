@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "agent/feed/PolicyMapNames.h"
 #include "agent/gnmi/ConfigView.h"
 #include "agent/gnmi/Query.h"
 #include "agent/gnmi/StateSource.h"
@@ -16,6 +17,7 @@ struct Tree {
     std::int64_t timestamp = 0;  ///< of the last change, in nanoseconds since 1970
     ConfigView config;           ///< its root
     StateSource state;
+    PolicyMapNames policyMaps = {};
 
     ConfigView configOf(const DataPath& node) const;
     /// The leaves of a list entry's state, without those of the lists within it.

@@ -258,6 +258,16 @@ class LeavesOfState(rules.Case):
         self.assertEqual({text for text, _ in leaves},
                          {text for text, _, _ in self.LEAVES} | others)
 
+    def test_those_of_an_attachment_are_there_while_its_policy_map_is(self):
+        with self.client.subscribe(self.ATTACHED, encoding="PROTO") as stream:
+            stream.until_sync()
+            self.assertIn(self.ATTACHED + "/state/name", stream.tree)
+            self.do(device.line(
+                "delete", "qos/status/pmapTypeStatus/mapQos/pmapStatus/openconfig:c:"))
+            stream.until(lambda tree: self.ATTACHED + "/state/name" not in tree)
+        with self.fails(Code.NOT_FOUND):
+            self.client.get(self.ATTACHED + "/state")
+
     def test_keys_are_for_get_only(self):
         self.assertEqual(self.client.get(T + "/id"), [[(T + "/id", "t")]])
         with self.client.subscribe("/qos", mode="ONCE") as stream:

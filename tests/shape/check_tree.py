@@ -18,8 +18,8 @@ SERVICES = ("platform/Strata/", "platform/Plugin/", "platform/Agent/")
 # All that a door, which is a library of its own, sees of the program.
 SEEN_BY_DOORS = ("agent/service/Service.h", "agent/service/Door.h", "agent/feed/StateMap.h",
                  "agent/feed/StateValue.h", "agent/feed/Snapshot.h", "agent/feed/ChangeSet.h",
-                 "agent/feed/Subscription.h", "agent/feed/FeedStatistics.h",
-                 "agent/service/Statistics.h", "agent/configuration/", "agent/json/",
+                 "agent/feed/PolicyMapNames.h", "agent/feed/Subscription.h",
+                 "agent/feed/FeedStatistics.h", "agent/service/Statistics.h", "agent/configuration/", "agent/json/",
                  "agent/host/ListeningSocket.h")
 
 # The rooms of the program that know no door, and what they know of loop and service.

@@ -76,16 +76,17 @@ TEST(TreeTest, keepsTheOrderOfConfiguredEntries) {
                             "/qos/queues/queue[name=a]/config/name=\"a\""));
 }
 
-TEST(TreeTest, showsAttachedClassifiersAsState) {
-    const auto tree = TreeBuilder()
-                          .configuration(R"({"qos": {"interfaces": {"interface": [{
+TEST(TreeTest, showsAttachedClassifiersAsStateWhileTheirPolicyMapExists) {
+    TreeBuilder builder;
+    builder.configuration(R"({"qos": {"interfaces": {"interface": [{
         "interface-id": "e1", "config": {"interface-id": "e1"}, "input": {"classifiers": {
         "classifier": [{"type": "IPV4", "config": {"type": "IPV4", "name": "edge"}},
-                       {"type": "MPLS", "config": {"type": "MPLS", "name": "core"}}]}}}]}}})")
-                          .build();
+                       {"type": "MPLS", "config": {"type": "MPLS", "name": "core"}}]}}}]}}})");
     Query state = query({"/qos/interfaces"});
     state.wantsConfig = false;
-    EXPECT_THAT(values(*tree, state),
+    EXPECT_THAT(values(*builder.build(), state), IsEmpty());
+    EXPECT_THAT(values(*builder.policyMap("openconfig:edge:other").build(), state), IsEmpty());
+    EXPECT_THAT(values(*builder.policyMap("openconfig:edge:").build(), state),
                 ElementsAre("/qos/interfaces/interface[interface-id=e1]/input/classifiers/"
                             "classifier[type=IPV4]/state/name=\"edge\"",
                             "/qos/interfaces/interface[interface-id=e1]/input/classifiers/"

@@ -72,11 +72,15 @@ public:
         state_ = state_.without(path);
         return *this;
     }
+    TreeBuilder& policyMap(const std::string& name) {
+        policyMaps_.insert(name);
+        return *this;
+    }
     const StateMap& state() const { return state_; }
     const ConfigurationTree& configuration() const { return configuration_; }
     TreePtr build() const {
         return std::make_shared<const Tree>(
-            Tree{timestamp_, ConfigView(configuration_.view()), StateSource(state_)});
+            Tree{timestamp_, ConfigView(configuration_.view()), StateSource(state_), policyMaps_});
     }
 
 private:
@@ -87,6 +91,7 @@ private:
     std::int64_t timestamp_ = 0;
     ConfigurationTree configuration_;
     StateMap state_;
+    PolicyMapNames policyMaps_;
 };
 
 /// A term with one DSCP value and a group.
