@@ -58,7 +58,11 @@ std::string toText(const RequestPath& path) {
 }
 
 std::string shown(const RequestPath& path) {
-    std::string text = excerpt(toText(path), 200);
+    return shown(toText(path));
+}
+
+std::string shown(std::string_view path) {
+    std::string text = excerpt(path, 200);
     text.erase(text.rfind('"'), 1);
     return text.substr(1);
 }

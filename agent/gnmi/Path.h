@@ -51,5 +51,6 @@ std::string toText(const DataPath& path);
 
 /// A path for a message of one line: at most its first 200 bytes, with control characters escaped.
 std::string shown(const RequestPath& path);
+std::string shown(std::string_view path);
 
 }  // namespace QosAgent::Gnmi

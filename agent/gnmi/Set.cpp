@@ -44,6 +44,12 @@ bool isState(const SchemaNode& node) {
     return false;
 }
 
+/// Whether a path that may have wildcards names `state` itself, and so nothing that can be set.
+bool namesState(const RequestPath& path) {
+    return std::any_of(path.elements.begin(), path.elements.end(),
+                       [](const PathElement& element) { return element.name == "state"; });
+}
+
 /// Collects the edits of one Set.
 class Translation {
 public:
@@ -62,7 +68,8 @@ public:
     }
 
     Edits take() {
-        if (!edits_.paths.empty()) edits_.line = "{\"configure\":[" + edits_.line + "]}";
+        if (!edits_.paths.empty() || edits_.hasWildcards)
+            edits_.line = "{\"configure\":[" + edits_.line + "]}";
         return std::move(edits_);
     }
 
@@ -91,11 +98,12 @@ private:
         auto pattern = patternOf(path);
         if (auto* wrong = std::get_if<Refusal>(&pattern)) return std::move(*wrong);
         Pattern& meant = std::get<Pattern>(pattern);
+        if (namesState(meant.path())) return refuseState(meant.path());
         if (meant.hasWildcards()) {
+            edits_.hasWildcards = true;
             addDeletesOf(std::move(meant));
             return std::nullopt;
         }
-        if (isState(nodeOf(meant.path()))) return refuseState(meant.path());
         add("delete", toText(meant.path()), {});
         return std::nullopt;
     }

@@ -21,6 +21,8 @@ namespace QosAgent::Gnmi {
 struct Edits {
     /// The line of a `configure` operation; empty if there is nothing to edit.
     std::string line;
+    /// A `delete` has wildcards: the edits are those of the configuration that was given.
+    bool hasWildcards = false;
     /// The path of each edit, in order, for messages.
     std::vector<std::string> paths;
     /// What the extension asks for.

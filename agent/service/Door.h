@@ -38,7 +38,7 @@ struct DoorModule {
 };
 
 /// Increased whenever anything that doors see changes.
-inline constexpr unsigned kDoorVersion = 3;
+inline constexpr unsigned kDoorVersion = 4;
 
 /// The name of the one symbol that a door's library exports, `extern "C" const DoorModule*`.
 inline constexpr const char* kDoorSymbol = "qosAgentDoor";

@@ -52,6 +52,7 @@ void RequestQueue::runSome() {
 }
 
 Answer RequestQueue::applyOne(Request request) {
+    if (request.compose) request.line = request.compose(feed_.snapshot());
     if (isPassedOver(request.line)) return apply_(std::move(request));
     const auto begin = std::chrono::steady_clock::now();
     // Entries of the map stay where they are.

@@ -39,6 +39,10 @@ struct Request {
     /// input, or the name of a file.
     std::string door;
     std::optional<CommitAction> commit = {};
+    /// Composes the line when the request's turn comes, from the snapshot of that moment, for what
+    /// cannot be said before. Called on the event thread, once; must not wait. If it is empty, the
+    /// line is as it stands.
+    std::function<std::string(const Snapshot&)> compose = {};
 };
 
 /// A remark about the text of a request.
@@ -78,10 +82,10 @@ public:
 
     virtual ~Service() = default;
 
-    /// Applies the request on the event thread, whole, after those submitted before it. Calls `done`
-    /// there exactly once, when the request is applied or refused. `done` must not wait. A request
-    /// that is not accepted is answered as busy before `submit` returns, on the calling thread; one
-    /// that was not begun when the service stops is answered as busy, too.
+    /// Applies the request on the event thread, whole, after those submitted before it. Calls
+    /// `done` there exactly once, when the request is applied or refused. `done` must not wait. A
+    /// request that is not accepted is answered as busy before `submit` returns, on the calling
+    /// thread; one that was not begun when the service stops is answered as busy, too.
     virtual void submit(Request request, Done done) = 0;
 
     /// The published state as it is after some request, no earlier than the last one answered.

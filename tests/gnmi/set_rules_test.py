@@ -97,6 +97,8 @@ class Set(Case):
     def test_a_path_below_state_is_invalid(self):
         with self.fails(Code.INVALID_ARGUMENT, C + "/state"):
             self.client.set(delete=[C + "/state"])
+        with self.fails(Code.INVALID_ARGUMENT, "state"):
+            self.client.set(delete=["/qos/.../state"])
         with self.fails(Code.INVALID_ARGUMENT, DSCP):
             self.client.set(update=[(DSCP, "1")])
 

@@ -79,7 +79,7 @@ std::int64_t now() {
 Refusal refusalOf(const Remark& remark, bool isConflict, const Edits& edits) {
     std::string message = remark.message;
     if (remark.edit && *remark.edit < edits.paths.size())
-        message = edits.paths[*remark.edit] + ": " + message;
+        message = shown(edits.paths[*remark.edit]) + ": " + message;
     return {isConflict ? Code::failedPrecondition : Code::invalidArgument, std::move(message)};
 }
 
@@ -95,6 +95,14 @@ void finishSet(const PendingSet& set, const Answer& applied) {
     }
 }
 
+/// What the Set says when its turn comes: wildcards mean what is configured then.
+std::string compose(PendingSet& set, const Snapshot& snapshot) {
+    auto edits = editsOf(set.request, *Publisher::treeOf(snapshot));
+    // What makes a Set wrong has been looked for before, and does not depend on the configuration.
+    set.edits = std::get<Edits>(std::move(edits));
+    return std::exchange(set.edits.line, {});
+}
+
 void runSet(const CallContext& server, const grpc::ByteBuffer& bytes, const UnaryCallPtr& call) {
     auto set = std::make_shared<PendingSet>();
     set->call = call;
@@ -104,6 +112,8 @@ void runSet(const CallContext& server, const grpc::ByteBuffer& bytes, const Unar
     set->edits = std::get<Edits>(std::move(edits));
     if (set->edits.line.empty() && !set->edits.commit) return finishSet(*set, {});
     Request request{std::exchange(set->edits.line, {}), "gnmi", set->edits.commit};
+    if (set->edits.hasWildcards)
+        request.compose = [set](const Snapshot& snapshot) { return compose(*set, snapshot); };
     server.service.submit(std::move(request),
                           [set](const Answer& applied) { finishSet(*set, applied); });
 }

@@ -98,7 +98,8 @@ TEST(SetTest, expandsWildcardsOfDeletesOverTheConfiguration) {
               R"({"delete":"/qos/queues/queue[name=b]"}]})");
     EXPECT_EQ(lineOf("delete { " + elements("/.../queue-id") + "}", *tree),
               R"({"configure":[{"delete":"/qos/queues/queue[name=a]/config/queue-id"}]})");
-    EXPECT_EQ(lineOf("delete { " + elements("/qos/classifiers/classifier") + "}", *tree), "");
+    EXPECT_EQ(lineOf("delete { " + elements("/qos/classifiers/classifier") + "}", *tree),
+              R"({"configure":[]})");
 }
 
 TEST(SetTest, putsTheUnionOfAllValuesInThePlaceOfTheConfiguration) {

@@ -91,6 +91,19 @@ TEST(TimeHistogramTest, countsATimeInTheFirstBucketThatHoldsIt) {
     EXPECT_EQ(histogram.sum, 11'000'020'001ns);
 }
 
+TEST_F(RequestQueueTest, composesALineWhenItsTurnComes) {
+    feed.keepState();
+    const std::uint64_t first = feed.snapshot().sequence;
+    queue.submit({"a", "door"}, [this](const Answer&) { feed.endRequest(); });
+    Request later{"", "door"};
+    later.compose = [first](const Snapshot& snapshot) {
+        return "after " + std::to_string(snapshot.sequence - first);
+    };
+    queue.submit(std::move(later), [this](const Answer&) { loop->stop(); });
+    loop->run();
+    EXPECT_EQ(applied, (Texts{"door:a", "door:after 1"}));
+}
+
 TEST_F(RequestQueueTest, takesRequestsFromWithinAnAnswer) {
     queue.submit({"a", "door"}, [this](const Answer&) { submit("b"); });
     awaited = 1;
