@@ -34,17 +34,19 @@ Answer ConfirmedCommits::apply(Request request) {
             case CommitAction::Kind::begin:
                 return begin(std::move(request));
             case CommitAction::Kind::confirm:
-                waiting_.reset();
+                settle();
                 return {};
             case CommitAction::Kind::cancel:
                 return takeBack();
             case CommitAction::Kind::postpone:
                 startTimer(action.time);
+                keep();
                 return {};
         }
     }
     if (waiting_ && isEdit(request.line))
-        return refused("commit " + excerpt(waiting_->id) + " waits for its confirmation", true);
+        return refused("commit " + excerpt(waiting_->commit.id) + " waits for its confirmation",
+                       true);
     return apply_(std::move(request));
 }
 
@@ -52,12 +54,14 @@ Answer ConfirmedCommits::apply(Request request) {
 std::optional<Answer> ConfirmedCommits::refusal(const CommitAction& action) const {
     if (action.kind == CommitAction::Kind::begin) {
         if (!waiting_) return std::nullopt;
-        return refused("commit " + excerpt(waiting_->id) + " waits for its confirmation", true);
+        return refused("commit " + excerpt(waiting_->commit.id) + " waits for its confirmation",
+                       true);
     }
     if (!waiting_) return refused("no commit waits for its confirmation", true);
-    if (waiting_->id == action.id) return std::nullopt;
-    return refused(
-        "the commit that waits is " + excerpt(waiting_->id) + ", not " + excerpt(action.id), false);
+    const std::string& id = waiting_->commit.id;
+    if (id == action.id) return std::nullopt;
+    return refused("the commit that waits is " + excerpt(id) + ", not " + excerpt(action.id),
+                   false);
 }
 
 Answer ConfirmedCommits::begin(Request request) {
@@ -66,19 +70,44 @@ Answer ConfirmedCommits::begin(Request request) {
     if (before.refused || before.lines.size() != 1) return before;
     Answer answer = request.line.empty() ? Answer{} : apply_(std::move(request));
     if (answer.refused || answer.isBusy) return answer;
-    waiting_.emplace(Waiting{action.id, std::move(before.lines.front()), nullptr});
+    waiting_.emplace(Waiting{{action.id, std::move(before.lines.front()), {}}, nullptr});
     startTimer(action.time);
+    keep();
     return answer;
 }
 
+void ConfirmedCommits::resume(WaitingCommit commit) {
+    using std::chrono::milliseconds;
+    const auto left =
+        std::chrono::ceil<milliseconds>(commit.end - std::chrono::system_clock::now());
+    waiting_.emplace(Waiting{std::move(commit), nullptr});
+    if (left.count() > 0)
+        startTimer(left);
+    else
+        takeBack();
+}
+
 void ConfirmedCommits::startTimer(std::chrono::milliseconds time) {
+    waiting_->commit.end = std::chrono::system_clock::now() + time;
     waiting_->timer = loop_.after(time, [this] { takeBack(); });
 }
 
 Answer ConfirmedCommits::takeBack() {
     // The timer may be the caller: it goes last.
     const Waiting waiting = std::move(*std::exchange(waiting_, std::nullopt));
-    return apply_({R"({"configure":[{"replace":"/","value":)" + waiting.before + "}]}", kDoor});
+    Answer answer =
+        apply_({R"({"configure":[{"replace":"/","value":)" + waiting.commit.before + "}]}", kDoor});
+    keep();
+    return answer;
+}
+
+void ConfirmedCommits::settle() {
+    waiting_.reset();
+    keep();
+}
+
+void ConfirmedCommits::keep() const {
+    if (keep_) keep_(waiting_ ? &waiting_->commit : nullptr);
 }
 
 }  // namespace QosAgent

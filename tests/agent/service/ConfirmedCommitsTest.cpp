@@ -135,5 +135,35 @@ TEST_F(ConfirmedCommitsTest, waitsForNothingWhenTheCommitItselfIsRefused) {
     EXPECT_THAT(applied, IsEmpty());
 }
 
+TEST_F(ConfirmedCommitsTest, tellTheirKeeperWhatWaits) {
+    std::vector<std::string> kept;
+    commits.keeperIs([&](const WaitingCommit* waiting) {
+        kept.push_back(waiting == nullptr ? "nothing" : waiting->id + ' ' + waiting->before);
+    });
+    begin();
+    commit(Kind::postpone, "a", milliseconds(9));
+    commit(Kind::confirm, "a");
+    EXPECT_THAT(kept, ElementsAre("a {\"old\":1}", "a {\"old\":1}", "nothing"));
+    kept.clear();
+    begin();
+    loop.elapse();
+    EXPECT_THAT(kept, ElementsAre("a {\"old\":1}", "nothing"));
+}
+
+TEST_F(ConfirmedCommitsTest, goOnAfterARestart) {
+    commits.resume({"a", "{\"old\":1}", std::chrono::system_clock::now() + std::chrono::hours(1)});
+    EXPECT_THAT(applied, IsEmpty());
+    EXPECT_NE(refusalOf(R"({"configure":[]})"), "");
+    EXPECT_TRUE(loop.isWaiting());
+    loop.elapse();
+    EXPECT_THAT(applied, ElementsAre(back));
+}
+
+TEST_F(ConfirmedCommitsTest, areTakenBackAtARestartPastTheirTime) {
+    commits.resume({"a", "{\"old\":1}", std::chrono::system_clock::now()});
+    EXPECT_THAT(applied, ElementsAre(back));
+    EXPECT_EQ(refusalOf(R"({"configure":[]})"), "");
+}
+
 }  // namespace
 }  // namespace QosAgent
