@@ -6,7 +6,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include "agent/configuration/ModelSchema.h"
 #include "agent/gnmi/Schema.h"
+#include "tests/agent/gnmi/Trees.h"
 #include "tests/agent/support/TemporaryFolder.h"
 
 namespace QosAgent::Gnmi {
@@ -32,6 +34,20 @@ TEST(SchemaTest, repeatsConfigInStateAndKnowsWhatIsServed) {
     EXPECT_FALSE(ipv4.child("state")->child("protocol")->isServed());
     EXPECT_EQ(ipv4.child("state")->child("protocol")->side(), Side::state);
     EXPECT_TRUE(ipv4.child("config")->child("protocol")->isServed());
+}
+
+/// The lists at or below a node that the configuration knows otherwise, or not at all.
+void addDiffering(const SchemaNode& node, const ModelSchema* known, Lines& found) {
+    const std::string_view key = known == nullptr ? "" : known->key;
+    if (node.isList() && key != node.key()) found.emplace_back(node.name());
+    for (const auto& child : node.children())
+        if (!child->isLeaf()) addDiffering(*child, childOf(known, child->name()), found);
+}
+
+TEST(SchemaTest, hasTheListsThatTheConfigurationHas) {
+    Lines differing;
+    addDiffering(schemaRoot(), &ModelSchema::root(), differing);
+    EXPECT_THAT(differing, testing::IsEmpty());
 }
 
 TEST(SchemaTest, knowsWhatIsBelowWhat) {
