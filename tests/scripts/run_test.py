@@ -18,7 +18,9 @@ class RunTest(Toy):
 
     def setUp(self):
         super().setUp()
-        (self.root / "build/release/bin").mkdir(parents=True)
+        for folder in ("build/release/bin", "agent/gnmi", "agent/http", "agent/lmdb",
+                       "agent/redis"):
+            (self.root / folder).mkdir(parents=True)
         for name in ("scripts/setup", "scripts/build", "build/release/bin/qos-agent"):
             program = self.root / name
             program.write_text(TELL)
@@ -54,6 +56,10 @@ class RunTest(Toy):
     def test_builds_several_if_asked_to(self):
         self.expect_libraries(["--http", ":1", "--store", "lmdb:d", "--gnmi", ":2"],
                               "http", "lmdb", "gnmi")
+
+    def test_leaves_a_library_that_there_is_not_to_the_program(self):
+        (self.root / "agent/redis").rmdir()
+        self.expect_libraries(["--store", "redis://localhost/0?name=a"])
 
     def test_tells_the_stories_without_arguments(self):
         (self.root / "examples").mkdir()
