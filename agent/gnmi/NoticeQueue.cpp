@@ -37,7 +37,7 @@ std::size_t NoticeQueue::sizeOf(const Value& value) {
 }
 
 void NoticeQueue::account(std::size_t bytes) {
-    total_ += bytes - bytes_;
+    counters_.waitingBytes += bytes - bytes_;
     bytes_ = bytes;
 }
 
@@ -96,6 +96,7 @@ void NoticeQueue::mergeUpdate(const NodeUpdate& update, std::int64_t timestamp,
         account(bytes_ + bytesOf(update.path) + sizeOf(value));
         return;
     }
+    ++counters_.merged;
     account(bytes_ + update.json.size() - value.json.size());
     value.json = update.json;
     value.timestamp = timestamp;

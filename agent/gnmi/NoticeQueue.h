@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <cstddef>
 #include <deque>
 #include <map>
@@ -10,6 +9,7 @@
 
 #include "agent/gnmi/Notice.h"
 #include "agent/gnmi/Tree.h"
+#include "agent/service/Statistics.h"
 
 namespace QosAgent::Gnmi {
 
@@ -29,8 +29,8 @@ public:
     static constexpr std::size_t kMostSeparateBytes = std::size_t{1} << 20;
     static constexpr std::size_t kMostBytes = std::size_t{16} << 20;
 
-    /// `total` counts the bytes that wait in all queues; it must outlive the queue.
-    explicit NoticeQueue(std::atomic<std::size_t>& total) : total_(total) {}
+    /// `counters` are of all queues; they must outlive the queue.
+    explicit NoticeQueue(StreamCounters& counters) : counters_(counters) {}
     ~NoticeQueue() { account(0); }
     NoticeQueue(const NoticeQueue&) = delete;
     NoticeQueue& operator=(const NoticeQueue&) = delete;
@@ -62,7 +62,7 @@ private:
     void takeFirstUpdate(Notice& notice);
     void account(std::size_t bytes);
 
-    std::atomic<std::size_t>& total_;
+    StreamCounters& counters_;
     std::size_t bytes_ = 0;
     std::deque<DeliveryPtr> separate_;
     /// Sent before the updates: where something was removed and created again, both wait.

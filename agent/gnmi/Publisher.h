@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <map>
@@ -39,8 +38,8 @@ public:
     TreePtr tree() const { return treeOf(service_.snapshot()); }
     static TreePtr treeOf(const Snapshot& snapshot);
 
-    /// Counts the bytes that wait in all streams.
-    std::atomic<std::size_t>& waitingBytes() { return waitingBytes_; }
+    /// Those of all streams.
+    StreamCounters& counters() { return service_.grpcCounters(); }
 
 private:
     /// The streams that asked for the same changes in the same encoding.
@@ -57,7 +56,6 @@ private:
     void tick();
 
     Service& service_;
-    std::atomic<std::size_t> waitingBytes_ = 0;
 
     std::mutex mutex_;  ///< guards the next three
     std::condition_variable condition_;

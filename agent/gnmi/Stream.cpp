@@ -17,10 +17,11 @@ const Refusal kAllTooSlow{Code::resourceExhausted,
 
 }  // namespace
 
-Stream::Stream(SubscriptionList list, std::atomic<std::size_t>& total)
-    : list_(std::move(list)), total_(total), queue_(total) {
+Stream::Stream(SubscriptionList list, StreamCounters& counters)
+    : list_(std::move(list)), counters_(counters), queue_(counters) {
+    ++counters_.streams;
     for (const Repetition& repetition : list_.repetitions)
-        repeated_.emplace_back(total).repetition = &repetition;
+        repeated_.emplace_back(counters).repetition = &repetition;
 }
 
 Bytes Stream::bytesOf(const Notice& notice) const {
@@ -74,7 +75,7 @@ void Stream::checkMemory() {
     for (const Repeated& repeated : repeated_)
         bytes += repeated.changed.bytes();
     if (bytes > NoticeQueue::kMostBytes) failure_ = kTooSlow;
-    if (total_ > kMostBytesOfAll) failure_ = kAllTooSlow;
+    if (counters_.waitingBytes > kMostBytesOfAll) failure_ = kAllTooSlow;
 }
 
 void Stream::tick(const TreePtr& tree, Clock::time_point now) {

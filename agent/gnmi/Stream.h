@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <deque>
@@ -28,8 +27,11 @@ public:
     using Clock = std::chrono::steady_clock;
     static constexpr std::size_t kMostBytesOfAll = std::size_t{256} << 20;
 
-    /// `total` counts the bytes that wait in all streams, and outlives the stream.
-    Stream(SubscriptionList list, std::atomic<std::size_t>& total);
+    /// `counters` are of all streams, and outlive the stream.
+    Stream(SubscriptionList list, StreamCounters& counters);
+    ~Stream() { --counters_.streams; }
+    Stream(const Stream&) = delete;
+    Stream& operator=(const Stream&) = delete;
 
     const SubscriptionList& list() const { return list_; }
     /// Called, from any thread, whenever `next` may have something again. Set before `begin`.
@@ -61,7 +63,7 @@ private:
         bool endsWithSync;
     };
     struct Repeated {
-        explicit Repeated(std::atomic<std::size_t>& total) : changed(total) {}
+        explicit Repeated(StreamCounters& counters) : changed(counters) {}
         const Repetition* repetition = nullptr;
         Clock::time_point due;
         NoticeQueue changed;      ///< since the last sample, where only those are told
@@ -78,7 +80,7 @@ private:
     Bytes bytesOf(const Notice& notice) const;
 
     const SubscriptionList list_;
-    std::atomic<std::size_t>& total_;
+    StreamCounters& counters_;
     std::function<void()> wake_;
 
     mutable std::mutex mutex_;  ///< guards what follows

@@ -60,6 +60,12 @@ Values publishedChanges(const Readings& readings) {
             counter(feed.deletes, {{"kind", "delete"}})};
 }
 
+Values mergedValues(const Readings& readings) {
+    const Statistics& statistics = readings.statistics;
+    return {counter(statistics.feed.merged, {{"reader", "subscriber"}}),
+            counter(statistics.grpc.merged, {{"reader", "grpc"}})};
+}
+
 Values machines(const Readings& readings) {
     Values values;
     for (const auto& [type, live] : readings.statistics.machines)
@@ -120,10 +126,16 @@ constexpr MetricRow kTable[] = {
      "Change sets, one for each request, that subscribers have not taken.",
      "it stays above 0 for minutes",
      [](const Readings& r) -> Values { return {gauge(r.statistics.feed.waiting)}; }},
-    {"qos_agent_merged_values_total", MetricType::Counter, "",
-     "Published changes that a subscriber did not get one by one because it fell behind.",
-     "it increases",
-     [](const Readings& r) -> Values { return {counter(r.statistics.feed.merged)}; }},
+    {"qos_agent_merged_values_total", MetricType::Counter, "reader",
+     "Values that were merged into later ones: of a subscriber that fell behind, or of a gRPC "
+     "stream whose client fell behind or asked for samples.",
+     "those of subscriber increase", mergedValues},
+    {"qos_agent_grpc_streams", MetricType::Gauge, "", "Streams of gNMI Subscribe that are open.",
+     "", [](const Readings& r) -> Values { return {gauge(r.statistics.grpc.streams)}; }},
+    {"qos_agent_grpc_waiting_bytes", MetricType::Gauge, "",
+     "Bytes of changes that the clients of gRPC streams have not taken, all together.",
+     "it comes near 268435456, where streams are ended",
+     [](const Readings& r) -> Values { return {gauge(r.statistics.grpc.waitingBytes)}; }},
     {"qos_agent_socket_connections", MetricType::Gauge, "",
      "Connections to the Unix socket of --listen. At most 256 are open.", "it comes near 256",
      [](const Readings& r) -> Values { return {gauge(r.statistics.socketConnections)}; }},

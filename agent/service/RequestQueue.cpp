@@ -73,6 +73,7 @@ void RequestQueue::statistics(std::function<void(Statistics)> done) {
             statistics.requests.turnedAway = turnedAway_;
         }
         statistics.feed = feed_.statistics();
+        statistics.grpc = {grpcCounters_.streams, grpcCounters_.waitingBytes, grpcCounters_.merged};
         statisticsSource_(statistics);
         done(std::move(statistics));
     });

@@ -30,6 +30,7 @@ public:
     }
 
     void statistics(std::function<void(Statistics)> done) override;
+    StreamCounters& grpcCounters() override { return grpcCounters_; }
     /// Adds to the figures what others than this queue and the feed know.
     void statisticsSourceIs(std::function<void(Statistics&)> source) {
         statisticsSource_ = std::move(source);
@@ -52,6 +53,7 @@ private:
     Feed& feed_;
     Apply apply_;
     RequestStatistics statistics_;
+    StreamCounters grpcCounters_;
     std::function<void(Statistics&)> statisticsSource_ = [](Statistics&) {};
     std::mutex mutex_;  ///< guards what follows
     std::uint64_t turnedAway_ = 0;

@@ -99,6 +99,10 @@ public:
     /// Calls `done` on the event thread, between two requests, with the latest figures. `done` must
     /// not wait; it is dropped if the service ends before.
     virtual void statistics(std::function<void(Statistics)> done) = 0;
+
+    /// Where the gNMI door counts its streams, so that `statistics` has them. They live as long as
+    /// the service.
+    virtual StreamCounters& grpcCounters() = 0;
 };
 
 }  // namespace QosAgent

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -49,6 +50,23 @@ struct RequestStatistics {
     friend bool operator==(const RequestStatistics&, const RequestStatistics&) = default;
 };
 
+/// What a door counts that has streams of its own clients. Any thread may add and read.
+struct StreamCounters {
+    std::atomic<std::size_t> streams{0};       ///< open now
+    std::atomic<std::size_t> waitingBytes{0};  ///< that their clients have not taken
+    /// Values that a client does not get one by one, because it fell behind.
+    std::atomic<std::uint64_t> merged{0};
+};
+
+/// The same at one moment.
+struct StreamStatistics {
+    std::size_t streams = 0;
+    std::size_t waitingBytes = 0;
+    std::uint64_t merged = 0;
+
+    friend bool operator==(const StreamStatistics&, const StreamStatistics&) = default;
+};
+
 /// What a store counts.
 struct StoreStatistics {
     bool isAway = false;        ///< it cannot be reached now
@@ -71,6 +89,7 @@ struct Statistics {
     FeedStatistics feed;
     std::vector<Objects> machines;  ///< those of which there is at least one
     std::size_t socketConnections = 0;
+    StreamStatistics grpc;                 ///< of the gNMI door
     std::optional<StoreStatistics> store;  ///< absent without a store
 
     friend bool operator==(const Statistics&, const Statistics&) = default;

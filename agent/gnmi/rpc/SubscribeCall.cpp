@@ -49,7 +49,7 @@ std::optional<Refusal> SubscribeCall::open(const gnmi::SubscribeRequest& request
     auto list = subscriptionsOf(request);
     if (auto* refusal = std::get_if<Refusal>(&list)) return std::move(*refusal);
     stream_ = std::make_shared<Stream>(std::get<SubscriptionList>(std::move(list)),
-                                       publisher_.waitingBytes());
+                                       publisher_.counters());
     stream_->setWake([weak = weak_from_this()] {
         if (const auto call = weak.lock()) call->pump();
     });

@@ -44,8 +44,8 @@ protected:
         return all;
     }
 
-    std::atomic<std::size_t> total = 0;
-    NoticeQueue queue{total};
+    StreamCounters counters;
+    NoticeQueue queue{counters};
     const std::string dscpOf = "/qos/classifiers/classifier[name=c]/terms/term[id=";
 };
 
@@ -56,7 +56,7 @@ TEST_F(NoticeQueueTest, givesNoticesOutOneByOneWhileTheReaderKeepsUp) {
     EXPECT_EQ(lines(queue.takeSeparate()->notice), lines(dscp(2, "t", 2)));
     EXPECT_EQ(queue.takeSeparate(), nullptr);
     EXPECT_EQ(queue.takeMerged(), std::nullopt);
-    EXPECT_EQ(total, 0u);
+    EXPECT_EQ(counters.waitingBytes, 0u);
 }
 
 TEST_F(NoticeQueueTest, keepsTheLastValueAndCountsTheOthersWhenTheReaderFallsBehind) {
@@ -66,7 +66,7 @@ TEST_F(NoticeQueueTest, keepsTheLastValueAndCountsTheOthersWhenTheReaderFallsBeh
     EXPECT_EQ(queue.takeSeparate(), nullptr);
     EXPECT_THAT(merged(), ElementsAre("@5", dscpOf + "t]/conditions/ipv4/state/dscp=5 +4"));
     EXPECT_TRUE(queue.isEmpty());
-    EXPECT_EQ(total, 0u);
+    EXPECT_EQ(counters.waitingBytes, 0u);
 }
 
 TEST_F(NoticeQueueTest, countsEveryChangeOnceInUpdatesAndDuplicates) {
@@ -129,16 +129,16 @@ TEST_F(NoticeQueueTest, takesMemoryForLeavesAndNotForChanges) {
     for (int value = 0; value < 100'000; ++value)
         put(dscp(value, std::to_string(value % 10), value));
     EXPECT_LT(queue.bytes(), 8192u);
-    EXPECT_EQ(total, queue.bytes());
+    EXPECT_EQ(counters.waitingBytes, queue.bytes());
 }
 
 TEST_F(NoticeQueueTest, givesItsMemoryBackAtItsEnd) {
     {
-        NoticeQueue other(total);
+        NoticeQueue other(counters);
         other.put(std::make_shared<const Delivery>(Delivery{dscp(1, "t", 1), "bytes"}));
-        EXPECT_EQ(total, 5u);
+        EXPECT_EQ(counters.waitingBytes, 5u);
     }
-    EXPECT_EQ(total, 0u);
+    EXPECT_EQ(counters.waitingBytes, 0u);
 }
 
 }  // namespace

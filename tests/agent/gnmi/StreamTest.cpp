@@ -81,7 +81,7 @@ protected:
     using Clock = Stream::Clock;
 
     void open(const std::string& list) {
-        stream.emplace(std::get<SubscriptionList>(listOf("subscribe { " + list + " }")), total);
+        stream.emplace(std::get<SubscriptionList>(listOf("subscribe { " + list + " }")), counters);
         stream->setWake([] {});
         stream->begin(tree.build(), start);
     }
@@ -125,7 +125,7 @@ protected:
     std::int64_t timestamp = 1;
     TreeBuilder tree = TreeBuilder().at(1).classifier("c");
     Clock::time_point start = Clock::time_point(seconds(100));
-    std::atomic<std::size_t> total = 0;
+    StreamCounters counters;
     std::optional<Stream> stream;
 };
 
@@ -219,7 +219,7 @@ TEST_F(StreamTest, takesAValueForRedundantThatIsTheSameAgain) {
     change("IPV4");
     tick(seconds(1));
     EXPECT_THAT(take(), IsEmpty());
-    EXPECT_EQ(total, 0u);
+    EXPECT_EQ(counters.waitingBytes, 0u);
     change("IPV6");
     tick(seconds(2));
     EXPECT_THAT(take(), ElementsAre("type=\"IPV6\""));
@@ -251,10 +251,10 @@ TEST_F(StreamTest, endsWhenTooMuchWaits) {
 
 TEST_F(StreamTest, endsWhenTooMuchWaitsInAllStreams) {
     open(subscription("/qos"));
-    total = Stream::kMostBytesOfAll;
+    counters.waitingBytes = Stream::kMostBytesOfAll;
     change("IPV6");
     EXPECT_EQ(stream->end()->code, Code::resourceExhausted);
-    total = 0;
+    counters.waitingBytes = 0;
 }
 
 }  // namespace

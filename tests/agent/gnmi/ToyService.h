@@ -42,6 +42,7 @@ public:
     }
 
     void statistics(std::function<void(Statistics)> done) override { done({}); }
+    StreamCounters& grpcCounters() override { return counters_; }
 
     /// Changes the state as one request would.
     void update(const TreeBuilder& tree, const std::vector<std::string>& paths) {
@@ -96,6 +97,7 @@ private:
     mutable std::mutex mutex_;
     Snapshot now_;
     std::vector<std::string> lines_;
+    StreamCounters counters_;
     std::set<Mailbox*> mailboxes_;
 };
 

@@ -24,6 +24,7 @@ Readings allReadings() {
     statistics.feed = {6, 7, 8, 9, 10};
     statistics.machines = {{"QosOc::AclStateSm", 11}};
     statistics.socketConnections = 12;
+    statistics.grpc = {19, 20, 21};
     statistics.store.emplace().isAway = true;
     readings.classifiers = 13;
     readings.terms = 14;
@@ -56,6 +57,12 @@ TEST(MetricsTest, writesOneValueForEachCombinationOfLabels) {
               "qos_agent_http_answers_total{code=\"200\"} 15\n"
               "qos_agent_http_event_streams 17\n"
               "qos_agent_http_waiting_events 18\n");
+    EXPECT_EQ(valuesOf("grpc", text),
+              "qos_agent_grpc_streams 19\n"
+              "qos_agent_grpc_waiting_bytes 20\n");
+    EXPECT_EQ(valuesOf("merged", text),
+              "qos_agent_merged_values_total{reader=\"subscriber\"} 10\n"
+              "qos_agent_merged_values_total{reader=\"grpc\"} 21\n");
     EXPECT_EQ(valuesOf("build", text), "qos_agent_build_info{version=\"1.2\"} 1\n");
     EXPECT_EQ(valuesOf("machines", text), "qos_agent_machines{type=\"QosOc::AclStateSm\"} 11\n");
     EXPECT_EQ(valuesOf("store", text), "qos_agent_store_away 1\n");
