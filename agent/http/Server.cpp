@@ -12,15 +12,8 @@
 namespace QosAgent::Http {
 namespace {
 
-using namespace std::chrono_literals;
-
-/// Until a connection has sent its next request, whole.
-constexpr auto kRequestTime = 30s;
-/// Until a client has taken an answer, whole. Events are no answer.
-constexpr auto kAnswerTime = 300s;
 /// After so long without any byte in either direction a connection is closed.
 constexpr unsigned kIdleSeconds = 30;
-constexpr auto kPing = 15s;
 /// For the head of a request and of its answer.
 constexpr std::size_t kConnectionMemory = 32 * 1024;
 /// So many connections beyond those that are served are told so.
@@ -37,16 +30,17 @@ std::variant<std::unique_ptr<Server>, std::string> Server::open(Service& service
     auto& socket = std::get<ListeningSocket>(opened);
     if (socket.reach() == ListeningSocket::Reach::network && !options.isOpen)
         return options.address + ": other addresses than loopback and unix: need --http-open";
-    std::unique_ptr<Server> server(new Server(service, std::move(socket)));
+    std::unique_ptr<Server> server(new Server(service, std::move(socket), options.times));
     if (std::string why = server->start(); !why.empty()) return options.address + ": " + why;
     return server;
 }
 
-Server::Server(Service& service, ListeningSocket socket)
+Server::Server(Service& service, ListeningSocket socket, const ServerTimes& times)
     : socket_(std::move(socket)),
+      times_(times),
       inbox_(std::make_shared<Inbox>()),
       site_(service, inbox_, socket_.reach() == ListeningSocket::Reach::loopback),
-      nextPing_(Clock::now() + kPing) {}
+      nextPing_(Clock::now() + times_.ping) {}
 
 std::string Server::start() {
     // The library closes the one that it gets.
@@ -75,7 +69,7 @@ void Server::run() {
         inbox_->run();
         if (Clock::now() >= nextPing_) {
             site_.events().ping();
-            nextPing_ = Clock::now() + kPing;
+            nextPing_ = Clock::now() + times_.ping;
         }
         closeLate();
         MHD_run(daemon_);
@@ -150,7 +144,7 @@ void Server::noteConnection(void* cls, MHD_Connection* connection, void** contex
         const auto* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD);
         const bool isTooMany = server.connections_.size() >= kMostConnections;
         server.connections_.push_back(
-            {info->connect_fd, isTooMany, Clock::now() + kRequestTime, nullptr, {}});
+            {info->connect_fd, isTooMany, Clock::now() + server.times_.request, nullptr, {}});
         server.connections_.back().place = std::prev(server.connections_.end());
         *context = &server.connections_.back();
     } else {
@@ -204,7 +198,7 @@ MHD_Result Server::send(MHD_Connection* connection, Reply reply) {
     Connection& state = of(connection);
     state.deadline.reset();
     state.source = reply.source.get();
-    if (state.source == nullptr) state.deadline = Clock::now() + kAnswerTime;
+    if (state.source == nullptr) state.deadline = Clock::now() + times_.answer;
     if (state.isTooMany) reply.headers.emplace_back("Connection", "close");
     ++site_.readings().answers[reply.status];
     return queue(connection, std::move(reply), waitingBytes_);
@@ -217,7 +211,7 @@ void Server::noteEnd(void* cls, MHD_Connection* connection, void** context,
     *context = nullptr;
     if (exchange) server.waiting_.erase(*exchange);
     of(connection).source = nullptr;
-    of(connection).deadline = Clock::now() + kRequestTime;
+    of(connection).deadline = Clock::now() + server.times_.request;
 }
 
 }  // namespace QosAgent::Http

@@ -22,9 +22,20 @@
 
 namespace QosAgent::Http {
 
+/// How long clients may take.
+struct ServerTimes {
+    /// Until a connection has sent its next request, whole.
+    std::chrono::milliseconds request = std::chrono::seconds(30);
+    /// Until a client has taken an answer, whole. Events are no answer.
+    std::chrono::milliseconds answer = std::chrono::seconds(300);
+    /// Between two comments to readers of events, for whom there is nothing else.
+    std::chrono::milliseconds ping = std::chrono::seconds(15);
+};
+
 struct ServerOptions {
     std::string address;  ///< `HOST:PORT`, `[IPV6]:PORT`, `:PORT` (loopback) or `unix:PATH`
     bool isOpen = false;  ///< may be another address than loopback or `unix:`
+    ServerTimes times = {};
 };
 
 /// Serves the site over HTTP, on one thread of its own.
@@ -55,7 +66,7 @@ private:
         std::list<Connection>::iterator place;
     };
 
-    Server(Service& service, ListeningSocket socket);
+    Server(Service& service, ListeningSocket socket, const ServerTimes& times);
     std::string start();
 
     static void noteConnection(void* cls, MHD_Connection* connection, void** context,
@@ -78,6 +89,7 @@ private:
     MHD_Result send(MHD_Connection* connection, Reply reply);
 
     ListeningSocket socket_;
+    const ServerTimes times_;
     std::shared_ptr<Inbox> inbox_;
     Site site_;
     std::list<Connection> connections_;
