@@ -8,40 +8,11 @@ Pictures of the page are kept in the folder that QOS_SCREENSHOTS names, else in 
 
 import json
 import os
-import sys
 import time
-import unittest
-from urllib.parse import urlsplit
 
-import browser
-from agent import Agent
+from page import GROUPS, Case, classifier, configuration, main
 
-PROGRAM = sys.argv.pop(1)
 PICTURES = os.environ.get("QOS_SCREENSHOTS", ".")
-GROUPS = ["voice", "video", "gold", "silver", "bulk", "control", "scavenger", "bronze", "default"]
-STRANGE = ["<img src=x onerror=alert(1)>", "\"'&quot;</script>", "tab\there\u0000\u0007",
-           "safe\u202egnp.exe", "\u05d0\u05d1\u05d2", "a/b~c%:", " ", "__proto__", "constructor"]
-
-
-def classifier(name, terms, family="IPV4"):
-    key = family.lower()
-    return {"name": name, "config": {"name": name, "type": family}, "terms": {"term": [
-        {"id": term, "config": {"id": term},
-         "conditions": {key: {"config": {"dscp-set": values}}} if values else {},
-         "actions": {"config": {"target-group": group}} if group else {}}
-        for term, values, group in terms]}}
-
-
-def configuration(classifiers, attached=()):
-    return {"openconfig-qos:qos": {
-        "forwarding-groups": {"forwarding-group": [
-            {"name": name, "config": {"name": name}} for name in GROUPS]},
-        "classifiers": {"classifier": classifiers},
-        "interfaces": {"interface": [
-            {"interface-id": name, "config": {"interface-id": name},
-             "input": {"classifiers": {"classifier": [
-                 {"type": "IPV4", "config": {"type": "IPV4", "name": name}}]}}}
-            for name in attached]}}}
 
 
 def example():
@@ -56,78 +27,6 @@ def example():
                                ("gold", [18, 20, 22], "gold"), ("silver", [10, 12, 14], "silver"),
                                ("bulk", [8], "bulk"), ("control", [48, 56], "control")])
     return configuration([edge, shared, *many], attached=["edge"])
-
-
-class Case(unittest.TestCase):
-    """An agent with a page that is open in a browser, for all tests of a class."""
-
-    DOCUMENT = None
-    SIZE = (1400, 900)
-
-    @classmethod
-    def setUpClass(cls):
-        cls.agent = Agent(PROGRAM)
-        cls.addClassCleanup(cls.agent.__exit__)
-        cls.agent.lines.do(json.dumps({"openconfig": cls.DOCUMENT}))
-        cls.browser = browser.Browser(*cls.SIZE)
-        cls.addClassCleanup(cls.browser.__exit__)
-        cls.browser.open(f"http://{cls.agent.address}/")
-        cls.browser.until("window.app && app.feed.classifiers.size > 0")
-
-    def tearDown(self):
-        self.assertEqual(self.browser.complaints(), [])
-        hosts = {urlsplit(url).netloc for url in self.browser.requests()
-                 if not url.startswith("data:")}
-        self.assertEqual(hosts, {self.agent.address})
-
-    def state(self):
-        return json.loads(self.agent.print("state")).get("classifier", {})
-
-    def settled(self):
-        """Lets the page draw."""
-        self.browser.run("new Promise((go) => requestAnimationFrame(() => requestAnimationFrame(go)))")
-
-    def choose(self, name):
-        self.browser.run(f"app.open('classifiers'), app.choose({json.dumps(name)})")
-        self.settled()
-
-    def shown(self):
-        """What the page shows of the chosen classifier."""
-        return self.browser.run("""({
-            name: document.getElementById("detail-name").textContent,
-            type: document.getElementById("detail-type").textContent,
-            cells: [...document.querySelectorAll("#grid .cell")].map((cell) =>
-                ({value: cell.querySelector(".value").textContent,
-                  claims: JSON.parse(cell.dataset.claims),
-                  mark: cell.querySelector(".mark").textContent,
-                  label: cell.getAttribute("aria-label")})),
-            terms: [...document.querySelectorAll("#terms .row")]
-                .sort((a, b) => a.ariaPosInSet - b.ariaPosInSet)
-                .map((row) => [row.dataset.term, JSON.parse(row.dataset.dscp), row.dataset.group,
-                               row.textContent]),
-        })""")
-
-    def expect_as_printed(self, name):
-        entry = self.state()[name]
-        terms = entry.get("terms", {}).get("term", {})
-        self.choose(name)
-        shown = self.shown()
-        self.assertTrue(shown["type"].startswith(entry["state"]["type"] + " · "))
-        wanted = []
-        for identity, term in sorted(terms.items()):
-            values = []
-            for family in term.get("conditions", {}).values():
-                values += [family["dscp"]] if "dscp" in family else []
-                values += family.get("dscpSet", [])
-            wanted.append([identity, values, term.get("actions", {}).get("targetGroup", "")])
-        self.assertEqual([row[:3] for row in shown["terms"]], wanted)
-        for value, cell in enumerate(shown["cells"]):
-            self.assertEqual(cell["value"], str(value))
-            self.assertEqual(cell["claims"], [{"term": identity, "group": group}
-                                              for identity, values, group in wanted
-                                              if value in values])
-            self.assertEqual(bool(cell["mark"]), bool(cell["claims"]))
-        return shown
 
 
 class Page(Case):
@@ -296,56 +195,5 @@ class Page(Case):
         self.browser.resize(*self.SIZE)
 
 
-class HostileNames(Case):
-    DOCUMENT = configuration([classifier(name, [(name, [46], "voice")]) for name in STRANGE])
-
-    def test_stay_text(self):
-        self.assertEqual(sorted(self.state()), sorted(STRANGE))
-        for name in STRANGE:
-            shown = self.expect_as_printed(name)
-            self.assertNotRegex(shown["name"], "[\u0000-\u001f\u202a-\u202e]")
-            if name.isprintable():
-                self.assertEqual(shown["name"], name)
-        self.assertEqual(self.browser.run("document.querySelectorAll('img').length"), 0)
-        self.choose("safe\u202egnp.exe")
-        self.assertEqual(self.shown()["name"], "safe\\u202egnp.exe")
-
-
-class ManyClassifiers(Case):
-    COUNT = 10_000
-    DOCUMENT = configuration([classifier(f"customer-{at:05}", [("t", [at % 64], GROUPS[at % 9])])
-                              for at in range(COUNT)])
-
-    def test_are_drawn_only_as_far_as_they_are_seen(self):
-        self.browser.until(f"app.feed.classifiers.size === {self.COUNT}")
-        self.settled()
-        self.assertLess(self.browser.run("document.querySelectorAll('#classifier-list .row').length"),
-                        40)
-        self.browser.run("document.getElementById('classifier-list').focus()")
-        self.browser.press("End")
-        self.settled()
-        self.assertEqual(self.shown()["name"], f"customer-{self.COUNT - 1:05}")
-        self.assertLess(self.browser.run("document.querySelectorAll('*').length"), 1500)
-
-    def test_do_not_make_the_page_stall(self):
-        longest = self.browser.run("""new Promise((done) => {
-            const box = document.getElementById("classifier-list");
-            let longest = 0, last = performance.now(), left = 60;
-            const step = (now) => {
-                longest = Math.max(longest, now - last);
-                last = now;
-                box.scrollTop += 4000;
-                if (--left) requestAnimationFrame(step);
-                else done(longest);
-            };
-            requestAnimationFrame(step);
-        })""")
-        # On a busy machine, too, somebody who scrolls must not wait for a second.
-        self.assertLess(longest, 1000)
-
-
 if __name__ == "__main__":
-    if browser.program() is None:
-        print("no browser: chromium is not installed")
-        sys.exit(77)
-    unittest.main()
+    main()
