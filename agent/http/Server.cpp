@@ -14,6 +14,8 @@ namespace {
 
 /// After so long without any byte in either direction a connection is closed.
 constexpr unsigned kIdleSeconds = 30;
+/// So often the library runs once more in the end.
+constexpr int kLastTurns = 4;
 /// For the head of a request and of its answer.
 constexpr std::size_t kConnectionMemory = 32 * 1024;
 /// So many connections beyond those that are served are told so.
@@ -128,12 +130,12 @@ void Server::closeLate() {
 }
 
 void Server::close() {
-    for (const ExchangePtr& exchange : std::exchange(waiting_, {}))
+    for (const ExchangePtr& exchange : waiting_)
         exchange->answer(busyReply("the service is stopping"));
     site_.events().end();
     // Whoever was resting has to be resumed, and has a chance to be told.
-    MHD_run(daemon_);
-    MHD_run(daemon_);
+    for (int turn = 0; turn < kLastTurns; ++turn)
+        MHD_run(daemon_);
     MHD_stop_daemon(daemon_);
 }
 
