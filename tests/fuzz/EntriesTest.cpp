@@ -6,6 +6,9 @@
 
 #include "platform/Qos/Status.h"
 #include "tests/fuzz/Corpus.h"
+#ifdef QOS_FUZZ_GNMI
+#include "tests/fuzz/GnmiEntries.h"
+#endif
 #include "tests/fuzz/Property.h"
 
 namespace QosAgent {
@@ -79,6 +82,11 @@ TEST_P(EntriesTest, holdForEveryByteThatIsWrong) {
 
 INSTANTIATE_TEST_SUITE_P(All, EntriesTest, ::testing::ValuesIn(kFuzzEntries),
                          [](const auto& entry) { return std::string(entry.param.name); });
+
+#ifdef QOS_FUZZ_GNMI
+INSTANTIATE_TEST_SUITE_P(Gnmi, EntriesTest, ::testing::ValuesIn(kGnmiFuzzEntries),
+                         [](const auto& entry) { return std::string(entry.param.name); });
+#endif
 
 TEST(ByteEditsTest, areAllThatDifferInOneByte) {
     std::vector<std::string> edits;

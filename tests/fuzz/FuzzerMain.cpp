@@ -4,6 +4,9 @@
 #include <string_view>
 
 #include "tests/fuzz/Entries.h"
+#ifdef QOS_FUZZ_GNMI
+#include "tests/fuzz/GnmiEntries.h"
+#endif
 
 namespace {
 
