@@ -1,9 +1,12 @@
-# What a device gets, and what somebody needs who builds a plug-in against it: three components, of
-# which each can be installed alone.
+# What a device gets, and what somebody needs who builds a plug-in against it: components of which
+# each can be installed alone.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS qos-agent DESTINATION bin COMPONENT agent)
 install(TARGETS QosOpenConfig qos-agent-loop DESTINATION lib/qos-agent COMPONENT agent)
+if(TARGET qos-agent-gnmi)
+    install(TARGETS qos-agent-gnmi DESTINATION lib/qos-agent COMPONENT gnmi OPTIONAL)
+endif()
 install(TARGETS platform EXPORT QosPlatformTargets
     LIBRARY DESTINATION ${QOS_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
     FILE_SET HEADERS DESTINATION include/qos-agent COMPONENT development)

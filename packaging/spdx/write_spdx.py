@@ -4,7 +4,8 @@
     write_spdx.py VERSION COMPILER FILE
 
 VERSION is the program's, COMPILER the major version of GCC. parts.json lists the parts; their
-versions are those of this machine's packages. What is used for tests and benches alone, and is not
+versions are those of this machine's packages. Where each release of the distribution names a package
+otherwise, a pattern stands for its name. What is used for tests and benches alone, and is not
 installed, was not used. The document's date is that of the package's changelog, so that equal builds
 give equal documents.
 """
@@ -22,13 +23,16 @@ SELF = "SPDXRef-qos-agent"
 MAY_LACK = ("TEST_DEPENDENCY_OF", "DEV_DEPENDENCY_OF", "OPTIONAL_DEPENDENCY_OF")
 
 
-def installed_version(package):
+def installed(pattern):
+    """The first installed package whose name fits, and its version; without one, ""."""
     try:
-        asked = subprocess.run(["dpkg-query", "-W", "-f=${source:Upstream-Version}", package],
-                               capture_output=True, text=True, check=False)
+        asked = subprocess.run(
+            ["dpkg-query", "-W", "-f=${db:Status-Status} ${Package} ${source:Upstream-Version}\n",
+             pattern], capture_output=True, text=True, check=False)
     except FileNotFoundError:
-        return ""
-    return asked.stdout if asked.returncode == 0 else ""
+        return pattern, ""
+    found = [line.split() for line in asked.stdout.splitlines() if line.startswith("installed ")]
+    return (found[0][1], found[0][2]) if found else (pattern, "")
 
 
 def changelog_date():
@@ -63,8 +67,7 @@ def relation_of(package, relation):
 def parts_of_build(compiler):
     parts = json.loads((HERE / "parts.json").read_text(encoding="utf-8"))
     for part in parts:
-        part["package"] = part["package"].format(compiler=compiler)
-        part["version"] = installed_version(part["package"])
+        part["package"], part["version"] = installed(part["package"].format(compiler=compiler))
     return [part for part in parts if part["version"] or part["relation"] not in MAY_LACK]
 
 

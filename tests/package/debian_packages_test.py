@@ -20,7 +20,7 @@ BUILD = Path(sys.argv[1])
 SOURCE = Path(sys.argv[2])
 PACKAGES = BUILD / "tests/packages"
 DATE = 1_000_000_000
-NAMES = {"qos-agent", "libqosplatform0", "libqosplatform-dev"}
+NAMES = {"qos-agent", "qos-agent-gnmi", "libqosplatform0", "libqosplatform-dev"}
 CONFIGURATION = SOURCE / "examples/openconfig/configuration.json"
 ENABLED = "etc/systemd/system/sockets.target.wants/qos-agent.socket"
 CMAPS = "qos/status/cmapTypeStatus/mapQos/cmapStatus"
@@ -96,7 +96,7 @@ class DebianPackagesTest(unittest.TestCase):
         return output_of(self.root / "usr/bin/qos-agent", *arguments, stdin=subprocess.DEVNULL,
                          env=self.environment)
 
-    def test_are_three_that_can_be_installed(self):
+    def test_are_four_that_can_be_installed(self):
         listed = output_of("dpkg-query", f"--admindir={self.root}/var/lib/dpkg", "-W",
                            "-f=${Package} ${db:Status-Abbrev}\n")
         self.assertEqual(set(listed.splitlines()), {f"{name} ii " for name in NAMES})
@@ -108,6 +108,8 @@ class DebianPackagesTest(unittest.TestCase):
         fields = {package.name.split("_")[0]: output_of("dpkg-deb", "-f", package, "Depends")
                   for package in packages()}
         self.assertRegex(fields["qos-agent"], r"libqosplatform0 \(= [\d.]+\), libc6 .*libstdc\+\+6")
+        self.assertRegex(fields["qos-agent-gnmi"],
+                         r"^qos-agent \(= [\d.]+\),.*libgrpc\+\+.*libqosplatform0")
         self.assertRegex(fields["libqosplatform-dev"], r"^libqosplatform0 \(= [\d.]+\)$")
         self.assertRegex(fields["libqosplatform0"], r"libc6 .*libstdc\+\+6")
 
@@ -118,7 +120,8 @@ class DebianPackagesTest(unittest.TestCase):
 
     def test_have_stripped_binaries_that_look_nowhere_else_for_libraries(self):
         for binary in (self.root / "usr/bin/qos-agent", self.library,
-                       self.root / "usr/lib/qos-agent/libQosOpenConfig.so"):
+                       self.root / "usr/lib/qos-agent/libQosOpenConfig.so",
+                       self.root / "usr/lib/qos-agent/libqos-agent-gnmi.so"):
             with self.subTest(name=binary.name):
                 self.assertNotRegex(output_of("readelf", "-SdW", binary),
                                     r"RUNPATH|RPATH|\.symtab|\.debug_")
@@ -126,7 +129,8 @@ class DebianPackagesTest(unittest.TestCase):
     def test_have_the_debugging_information_in_packages_of_their_own(self):
         listed = {package.name.split("_")[0]: output_of("dpkg-deb", "-c", package)
                   for package in PACKAGES.glob("*-dbgsym_*.deb")}
-        self.assertEqual(set(listed), {"qos-agent-dbgsym", "libqosplatform0-dbgsym"})
+        self.assertEqual(set(listed), {"qos-agent-dbgsym", "qos-agent-gnmi-dbgsym",
+                                       "libqosplatform0-dbgsym"})
         for name, binary in (("qos-agent-dbgsym", self.root / "usr/bin/qos-agent"),
                              ("libqosplatform0-dbgsym", self.library)):
             identity = re.search(r"Build ID: (\w+)", output_of("readelf", "-n", binary))[1]
@@ -137,8 +141,8 @@ class DebianPackagesTest(unittest.TestCase):
         self.assertEqual(self.library.parent.name, architecture)
         said = {package.name.split("_")[0]: output_of("dpkg-deb", "-f", package, "Multi-Arch")
                 for package in packages()}
-        self.assertEqual(said, {"qos-agent": "foreign\n", "libqosplatform0": "same\n",
-                                "libqosplatform-dev": "same\n"})
+        self.assertEqual(said, {"qos-agent": "foreign\n", "qos-agent-gnmi": "no\n",
+                                "libqosplatform0": "same\n", "libqosplatform-dev": "same\n"})
 
     def test_carry_the_pages_and_the_examples_that_they_speak_of(self):
         documents = self.root / "usr/share/doc/qos-agent"
@@ -166,6 +170,24 @@ class DebianPackagesTest(unittest.TestCase):
     def test_run(self):
         table = self.agent("--output", "table", CONFIGURATION)
         self.assertRegex(table, r"(?m)^edge-in-4 +IPV4 +voice +dscp 46\(EF\) +voice$")
+
+    def test_serve_gnmi_once_its_package_is_installed_and_until_it_is_removed(self):
+        serve = [self.root / "usr/bin/qos-agent", "--gnmi", "127.0.0.1:0", "--gnmi-insecure"]
+        options = {"stdin": subprocess.DEVNULL, "stderr": subprocess.PIPE, "text": True,
+                   "env": self.environment}
+        with subprocess.Popen(serve, **options) as agent:
+            self.assertRegex(agent.stderr.readline(), r"^qos-agent: gnmi on 127\.0\.0\.1:\d+$")
+            agent.send_signal(signal.SIGTERM)
+            self.assertEqual(agent.wait(60), 0)
+        dpkg(self.root, "--remove", "qos-agent-gnmi")
+        self.addCleanup(dpkg, self.root, "-i", *packages())
+        refused = subprocess.run(serve, check=False, timeout=60, **options)
+        self.assertEqual((refused.returncode, refused.stderr), (
+            2, "qos-agent: --gnmi needs the package qos-agent-gnmi, which is not installed\n"))
+
+    def test_do_not_listen_unasked(self):
+        for unit in self.root.rglob("systemd/system/qos-agent.*"):
+            self.assertNotIn("--gnmi", unit.read_text())
 
     def test_heed_the_toggles_in_etc(self):
         toggles = self.root / "etc/qos-agent/QosOpenConfig.json"

@@ -21,6 +21,7 @@ ROOT = Path(__file__).resolve().parents[2]
 AGENT = PREFIX / "bin/qos-agent"
 PLATFORM = next((PREFIX / "lib").rglob("libqosplatform.so"))
 PLUG_IN = PREFIX / "lib/qos-agent/libQosOpenConfig.so"
+GNMI = PREFIX / "lib/qos-agent/libqos-agent-gnmi.so"  # where there is what it is built with
 
 # What of its own each may offer. Types and counters of the platform are one thing in all of them, as
 # are templates of the language's library. Nothing needs to find a name in the plug-in.
@@ -30,6 +31,7 @@ OFFERS = {
     AGENT: f"(?:{COUNTERS}|{OWN}.*kTypeName$|std::)",
     PLATFORM: f"(?:{OWN}|getToggleState[(]|std::)",
     PLUG_IN: COUNTERS,
+    **({GNMI: "qosAgentDoor$"} if GNMI.exists() else {}),
 }
 # The plug-in's copies are of sizes known when it is compiled, or of none that a compiler knows.
 MAY_LACK = {PLUG_IN: {"no call is fortified"}}
@@ -61,6 +63,11 @@ class InstalledFilesTest(unittest.TestCase):
         self.assertEqual(dynamic(AGENT, "RUNPATH"), [f"$ORIGIN:$ORIGIN/../{libraries}"])
         self.assertEqual(dynamic(PLUG_IN, "RUNPATH"), [f"$ORIGIN:$ORIGIN/../../{libraries}"])
         self.assertEqual(dynamic(PLATFORM, "RUNPATH"), [])
+
+    @unittest.skipUnless(GNMI.exists(), "the door is not built on this machine")
+    def test_looks_for_the_libraries_of_a_door_beside_it(self):
+        libraries = PLATFORM.parent.relative_to(PREFIX)
+        self.assertEqual(dynamic(GNMI, "RUNPATH"), [f"$ORIGIN:$ORIGIN/../../{libraries}"])
 
     def test_offers_nothing_that_keeps_the_plug_in_loaded(self):
         self.assertEqual(list(faults_of_symbols(PLUG_IN, OFFERS[PLUG_IN])), [])

@@ -12,7 +12,7 @@ from toy import Toy
 
 TESTS = """
 enable_testing()
-foreach(name platform qos-agent QosOpenConfig qos_count)
+foreach(name platform qos-agent QosOpenConfig qos_count doors)
     add_custom_target(${name})
 endforeach()
 get_filename_component(preset "${CMAKE_BINARY_DIR}" NAME)
