@@ -1,6 +1,7 @@
 #include "agent/configuration/ConfigurationEdit.h"
 
 #include <string>
+#include <unordered_map>
 #include <utility>
 
 #include "agent/configuration/JsonEdit.h"
@@ -83,15 +84,12 @@ private:
         if (after == nullptr)
             members.erase(member);
         else if (before == nullptr)
-            members.push_back({memberName(step.name, at), after});
+            members.push_back({keptName(step.name, schema), after});
         else
             member->node = after;
         // What an edit emptied is not there any more; an entry has its key at least.
         if (members.empty()) return {};
         return made(std::move(members));
-    }
-    static std::string memberName(const std::string& name, std::size_t at) {
-        return at == 0 ? "openconfig-qos:" + name : name;
     }
     Node::Container newMembers(bool isEntry, std::size_t at) const {
         Node::Container members;
@@ -177,19 +175,22 @@ private:
         return nodeOf(edit.merge(held->value()->json, isOf(*held, change_), value, schema), schema,
                       isEntry);
     }
-    NodePtr mergedContainer(Node::Container members, const JsonValue& value,
+    NodePtr mergedContainer(const Node::Container& held, const JsonValue& value,
                             const ModelSchema* schema) {
+        Node::Container members = held;
+        std::unordered_map<std::string_view, std::size_t> places;
+        for (const Node::Member& member : held)
+            places.emplace(localName(member.name), places.size());
         for (const JsonMember& given : value.members()) {
             const std::string_view name = localName(given.key);
             const ModelSchema* inner = childOf(schema, name);
-            auto member = members.begin();
-            while (member != members.end() && localName(member->name) != name)
-                ++member;
-            if (member == members.end())
+            const auto [at, isNew] = places.emplace(name, members.size());
+            if (isNew)
                 members.push_back(
-                    {std::string(given.key), nodeOf(copyOf(given.value), inner, false)});
+                    {keptName(given.key, schema), nodeOf(copyOf(given.value), inner, false)});
             else
-                member->node = merged(member->node, given.value, inner, false);
+                members[at->second].node =
+                    merged(members[at->second].node, given.value, inner, false);
         }
         return made(std::move(members));
     }

@@ -8,7 +8,6 @@
 namespace QosAgent {
 namespace {
 
-/// The top member has its prefix, however an edit gave it.
 constexpr std::string_view kTopMember = "openconfig-qos:qos";
 
 bool hasPartsApart(const ModelSchema& schema) {
@@ -48,9 +47,7 @@ ConfigurationNodePtr ConfigurationNodes::containerOf(const JsonValue& json,
             return localName(other.name) == name;
         };
         if (inner != nullptr && std::any_of(container.begin(), container.end(), hasName)) return {};
-        const bool isTop = inner != nullptr && &schema == &ModelSchema::root();
-        container.push_back({isTop ? std::string(kTopMember) : std::string(member.key),
-                             nodeOf(member.value, inner)});
+        container.push_back({keptName(member.key, &schema), nodeOf(member.value, inner)});
     }
     return made(std::move(container), json);
 }
@@ -74,6 +71,11 @@ ConfigurationNodePtr ConfigurationNodes::made(ConfigurationNode::Content content
                                               const JsonValue& json) const {
     return std::make_shared<const ConfigurationNode>(
         std::move(content), ConfigurationNode::Origin{change_, json.offset()});
+}
+
+std::string keptName(std::string_view given, const ModelSchema* container) {
+    const bool isTop = container == &ModelSchema::root() && localName(given) == "qos";
+    return std::string(isTop ? kTopMember : given);
 }
 
 std::optional<std::string_view> keyOf(const JsonValue& entry, const ModelSchema& list) {

@@ -82,6 +82,9 @@ private:
     std::uint64_t change_;
 };
 
+/// The name under which a container keeps a member: the top one has its prefix, however it was
+/// given. `container` may be null.
+std::string keptName(std::string_view given, const ModelSchema* container);
 /// The text of the key of a list entry; nothing if it has none that is a string or a number.
 std::optional<std::string_view> keyOf(const JsonValue& entry, const ModelSchema& list);
 /// The member of that name without prefix; nothing if there is none.

@@ -1,5 +1,7 @@
 #include "agent/configuration/ConfigurationTree.h"
 
+#include <span>
+#include <unordered_map>
 #include <utility>
 
 namespace QosAgent {
@@ -15,41 +17,9 @@ bool isListOfEntries(const JsonValue& array, const ModelSchema* schema) {
     return (*array.elements().begin()).is(JsonKind::object);
 }
 
-class JsonOfTree {
-public:
-    explicit JsonOfTree(std::uint64_t change) : change_(change) {}
-
-    void add(const Node& node) {
-        if (const Node::Value* value = node.value()) {
-            if (isOfChange(node))
-                builder_.copy(value->json);
-            else
-                builder_.copy(value->json, JsonBuilder::kNoOffset);
-        } else if (const Node::Container* container = node.container()) {
-            builder_.beginObject(offsetOf(node));
-            for (const Node::Member& member : *container) {
-                builder_.key(member.name, offsetOf(*member.node));
-                add(*member.node);
-            }
-            builder_.end();
-        } else {
-            builder_.beginArray(offsetOf(node));
-            for (const auto& entry : node.list()->inOrder())
-                add(*entry->node);
-            builder_.end();
-        }
-    }
-    Json take() { return builder_.take(); }
-
-private:
-    bool isOfChange(const Node& node) const { return node.origin().change == change_; }
-    std::size_t offsetOf(const Node& node) const {
-        return isOfChange(node) ? node.origin().offset : JsonBuilder::kNoOffset;
-    }
-
-    std::uint64_t change_;
-    JsonBuilder builder_;
-};
+std::size_t offsetIn(const Node& node, std::uint64_t change) {
+    return node.origin().change == change ? node.origin().offset : JsonBuilder::kNoOffset;
+}
 
 class Differences {
 public:
@@ -76,14 +46,23 @@ private:
         return ConfigurationView(node, schema, isEntry);
     }
     void compareMembers(const Node& before, const Node& after, const ModelSchema* schema) {
-        for (const Node::Member& member : *before.container()) {
-            const Node::Member* other = after.member(localName(member.name));
-            compareMember(member.name, member.node, other == nullptr ? nullptr : other->node,
-                          schema);
+        // An edit leaves most members in their places.
+        std::span<const Node::Member> left(*before.container());
+        std::span<const Node::Member> right(*after.container());
+        while (!left.empty() && !right.empty() && left[0].name == right[0].name) {
+            compareMember(left[0].name, left[0].node, right[0].node, schema);
+            left = left.subspan(1);
+            right = right.subspan(1);
         }
-        for (const Node::Member& member : *after.container())
-            if (before.member(localName(member.name)) == nullptr)
-                compareMember(member.name, nullptr, member.node, schema);
+        std::unordered_map<std::string_view, NodePtr> later;
+        for (const Node::Member& member : right)
+            later.emplace(localName(member.name), member.node);
+        for (const Node::Member& member : left) {
+            const auto other = later.extract(localName(member.name));
+            compareMember(member.name, member.node, other ? other.mapped() : nullptr, schema);
+        }
+        for (const auto& [name, node] : later)
+            compareMember(name, nullptr, node, schema);
     }
     void compareMember(std::string_view name, const NodePtr& before, const NodePtr& after,
                        const ModelSchema* schema) {
@@ -224,9 +203,42 @@ void ConfigurationTree::write(JsonWriter& writer) const {
 
 Json ConfigurationTree::json(std::uint64_t change) const {
     if (root_ == nullptr) return JsonBuilder().beginObject(JsonBuilder::kNoOffset).end().take();
-    JsonOfTree json(change);
-    json.add(*root_);
-    return json.take();
+    JsonBuilder builder;
+    addJson(builder, *root_, change);
+    return builder.take();
+}
+
+ConfigurationNodePtr ConfigurationTree::nodeAt(const ModelPath& path) const {
+    ConfigurationNodePtr node = root_;
+    for (const PathElement& element : path) {
+        const Node::Member* member = node == nullptr ? nullptr : node->member(element.name);
+        node = member == nullptr ? nullptr : member->node;
+        if (element.keys.empty() || node == nullptr) continue;
+        const auto* entry =
+            node->list() == nullptr ? nullptr : node->list()->find(element.keys.front().value);
+        node = entry == nullptr ? nullptr : (*entry)->node;
+    }
+    return node;
+}
+
+void addJson(JsonBuilder& builder, const ConfigurationNode& node, std::uint64_t change) {
+    if (const Node::Value* value = node.value()) {
+        if (node.origin().change == change)
+            builder.copy(value->json);
+        else
+            builder.copy(value->json, JsonBuilder::kNoOffset);
+        return;
+    }
+    if (const Node::Container* container = node.container()) {
+        builder.beginObject(offsetIn(node, change));
+        for (const Node::Member& member : *container)
+            addJson(builder.key(member.name, offsetIn(*member.node, change)), *member.node, change);
+    } else {
+        builder.beginArray(offsetIn(node, change));
+        for (const auto& entry : node.list()->inOrder())
+            addJson(builder, *entry->node, change);
+    }
+    builder.end();
 }
 
 void eachDifference(

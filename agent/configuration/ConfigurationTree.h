@@ -74,6 +74,8 @@ public:
     std::optional<ConfigurationView> view() const;
     /// What is at the path; nothing if nothing is.
     std::optional<ConfigurationView> at(const ModelPath& path) const;
+    /// The node at the path, as far as nodes are kept apart; null if there is none.
+    ConfigurationNodePtr nodeAt(const ModelPath& path) const;
     /// The document, `{}` where nothing is configured.
     void write(JsonWriter& writer) const;
     /// The same as a tree. What the change with that number brought has its place there, the rest
@@ -85,6 +87,10 @@ public:
 private:
     ConfigurationNodePtr root_;
 };
+
+/// Adds a node with all it holds to a tree that is built. What the change with that number brought
+/// keeps its places, the rest has none.
+void addJson(JsonBuilder& builder, const ConfigurationNode& node, std::uint64_t change);
 
 /// Calls `visit` with the path of each node that one of two trees has otherwise than the other, as
 /// far as nodes are kept apart, and with both views, nothing where it is absent. Does not look at

@@ -1,5 +1,6 @@
 #pragma once
 // long: a map and the walks over its nodes are one thing
+
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
@@ -36,11 +37,12 @@ public:
         const Node* at = nodeOf(key);
         return at == nullptr ? 0 : at->order;
     }
-    /// Puts the entry under its key: in the place of the one there, else behind all others.
-    void set(EntryPtr entry) {
-        const auto& key = entry->key();
-        const Node* held = nodeOf(key);
-        const std::uint64_t order = held == nullptr ? ++lastOrder_ : held->order;
+    /// Puts the entry under its key: in the place of the one there, else behind all others. An
+    /// `order` that is given is its place instead; it must be above 0, and no other entry's.
+    void set(EntryPtr entry, std::uint64_t order = 0) {
+        const Node* held = nodeOf(entry->key());
+        if (order == 0) order = held == nullptr ? lastOrder_ + 1 : held->order;
+        lastOrder_ = std::max(lastOrder_, order);
         if (held != nullptr) {
             root_ = replaced(std::move(root_), std::move(entry), order);
             return;
@@ -58,6 +60,13 @@ public:
     template <class Visit>
     void each(Visit visit) const {
         eachNode(root_, [&](const Node& node) { visit(node.entry); });
+    }
+    /// The entry with the least key; null if there is none.
+    const EntryPtr* first() const {
+        const Node* at = root_.get();
+        while (at != nullptr && at->left != nullptr)
+            at = at->left.get();
+        return at == nullptr ? nullptr : &at->entry;
     }
     /// The entries in the order in which they came.
     std::vector<EntryPtr> inOrder() const {
@@ -120,12 +129,14 @@ private:
     }
     static NodePtr replaced(NodePtr at, EntryPtr entry, std::uint64_t order) {
         at = own(std::move(at));
-        if (at->order == order)
+        if (entry->key() == at->entry->key()) {
             at->entry = std::move(entry);
-        else if (entry->key() < at->entry->key())
+            at->order = order;
+        } else if (entry->key() < at->entry->key()) {
             at->left = replaced(std::move(at->left), std::move(entry), order);
-        else
+        } else {
             at->right = replaced(std::move(at->right), std::move(entry), order);
+        }
         return at;
     }
     static NodePtr inserted(NodePtr at, NodePtr node) {
