@@ -97,10 +97,9 @@ AccessListWriter::AccessListWriter(Orin::Ptr<Acl::Input::Config> config, Ownersh
     : config_(std::move(config)), ownership_(ownership) {}
 
 void AccessListWriter::removeGoing(const Difference& difference) {
-    eachTerm(difference.earlier, [&](const TermOfClassifier& earlier) {
-        if (earlier.term->conditions.empty()) return;
-        const auto later = counterpart(difference.later, earlier);
-        if (valuesFor(aclTypeOf(earlier), later).empty()) remove(earlier);
+    difference.eachEarlierTerm([&](const TermChange& term) {
+        if (term.earlier->term->conditions.empty()) return;
+        if (valuesFor(aclTypeOf(*term.earlier), term.later).empty()) remove(*term.earlier);
     });
 }
 
@@ -148,9 +147,9 @@ void AccessListWriter::writeComing(const Difference& difference) {
 void AccessListWriter::writeLists(AclType type, const Difference& difference) {
     const auto* held = config_->aclTypeConfig().find(type);
     const auto lists = held != nullptr ? *held : AclTypeConfig::create(type);
-    eachTerm(difference.later, [&](const TermOfClassifier& later) {
-        if (aclTypeOf(later) != type || later.term->conditions.empty()) return;
-        write(*lists, later, valuesFor(type, counterpart(difference.earlier, later)));
+    difference.eachLaterTerm([&](const TermChange& term) {
+        if (aclTypeOf(*term.later) != type || term.later->term->conditions.empty()) return;
+        write(*lists, *term.later, valuesFor(type, term.earlier));
     });
     if (!lists->aclConfig().empty()) config_->aclTypeConfigIs(lists);
 }

@@ -34,9 +34,8 @@ ClassMapWriter::ClassMapWriter(Orin::Ptr<Qos::Status> status, Ownership& ownersh
 void ClassMapWriter::writeComing(const Difference& difference) {
     const auto* held = status_->cmapTypeStatus().find(MapType::mapQos);
     const auto classMaps = held != nullptr ? *held : ClassMapTypeStatus::create(MapType::mapQos);
-    eachTerm(difference.later, [&](const TermOfClassifier& later) {
-        write(*classMaps, later, counterpart(difference.earlier, later));
-    });
+    difference.eachLaterTerm(
+        [&](const TermChange& term) { write(*classMaps, *term.later, term.earlier); });
     if (!classMaps->cmapStatus().empty()) status_->cmapTypeStatusIs(classMaps);
 }
 
@@ -71,8 +70,8 @@ void ClassMapWriter::removeGoing(const Difference& difference) {
     const auto* held = status_->cmapTypeStatus().find(MapType::mapQos);
     if (held == nullptr) return;
     const Orin::Ptr<ClassMapTypeStatus> classMaps = *held;
-    eachTerm(difference.earlier, [&](const TermOfClassifier& earlier) {
-        if (!counterpart(difference.later, earlier)) remove(*classMaps, earlier);
+    difference.eachEarlierTerm([&](const TermChange& term) {
+        if (!term.later) remove(*classMaps, *term.earlier);
     });
 }
 

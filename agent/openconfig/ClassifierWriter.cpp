@@ -18,8 +18,8 @@ const KeyedList<ConfiguredTerm>& termsOf(const ConfiguredClassifier* classifier)
 
 Orin::Ptr<Terms> newTerms(const ConfiguredClassifier& configured) {
     auto terms = Terms::create();
-    for (const ConfiguredTerm& term : configured.terms)
-        terms->termIs(configuredTerm({&configured, &term}));
+    for (const auto& term : configured.terms.inOrder())
+        terms->termIs(configuredTerm({&configured, term.get()}));
     return terms;
 }
 
@@ -37,17 +37,17 @@ ClassifierWriter::ClassifierWriter(Orin::Ptr<ClassifiersDir> classifiers, Owners
     : classifiers_(std::move(classifiers)), ownership_(ownership) {}
 
 void ClassifierWriter::write(const Difference& difference) {
-    for (const ConfiguredClassifier& later : difference.later.classifiers)
-        write(later, difference.earlier.classifiers.find(later.name));
-    for (const ConfiguredClassifier& earlier : difference.earlier.classifiers)
-        if (!difference.later.classifiers.contains(earlier.name)) remove(earlier);
+    for (const ClassifierChange* change : difference.comingClassifiers())
+        write(*change);
+    for (const ClassifierChange* change : difference.earlierClassifiers())
+        if (change->later == nullptr) remove(*change);
 }
 
-void ClassifierWriter::write(const ConfiguredClassifier& later,
-                             const ConfiguredClassifier* earlier) {
+void ClassifierWriter::write(const ClassifierChange& difference) {
+    const ConfiguredClassifier& later = *difference.later;
     if (const auto* held = classifiers_->classifier().find(later.name)) {
-        ownership_.describe(placeOf(later.name), earlier != nullptr);
-        change(*Orin::Ptr<Classifier>(*held), later, earlier);
+        ownership_.describe(placeOf(later.name), difference.earlier != nullptr);
+        change(*Orin::Ptr<Classifier>(*held), later, difference);
         return;
     }
     const auto classifier = Classifier::create(later.name);
@@ -58,7 +58,8 @@ void ClassifierWriter::write(const ConfiguredClassifier& later,
 }
 
 void ClassifierWriter::change(Classifier& classifier, const ConfiguredClassifier& later,
-                              const ConfiguredClassifier* earlier) {
+                              const ClassifierChange& difference) {
+    const ConfiguredClassifier* earlier = difference.earlier;
     const Type family = classifier.config().type.value_or(Type::IPV4);
     changeType(classifier, later, earlier);
     const auto terms = classifier.terms();
@@ -71,7 +72,7 @@ void ClassifierWriter::change(Classifier& classifier, const ConfiguredClassifier
     }
     const bool hadTerms = !termsOf(earlier).empty();
     if (!later.terms.empty()) ownership_.describe(place, hadTerms);
-    changeTerms(*terms, later, earlier);
+    changeTerms(*terms, difference);
     if (later.terms.empty() && hadTerms && ownership_.leave(place))
         classifier.termsIs(nullptr);
     else if (family != classifier.config().type.value_or(Type::IPV4))
@@ -91,15 +92,15 @@ void ClassifierWriter::changeType(Classifier& classifier, const ConfiguredClassi
     classifier.configIs({later.name, later.type});
 }
 
-void ClassifierWriter::changeTerms(Terms& terms, const ConfiguredClassifier& later,
-                                   const ConfiguredClassifier* earlier) {
-    for (const ConfiguredTerm& term : later.terms)
-        termWriter_.write(terms, {&later, &term}, termsOf(earlier).contains(term.id));
-    for (const ConfiguredTerm& term : termsOf(earlier))
-        if (!later.terms.contains(term.id)) termWriter_.remove(terms, {earlier, &term});
+void ClassifierWriter::changeTerms(Terms& terms, const ClassifierChange& difference) {
+    for (const TermChange& term : difference.laterTerms)
+        termWriter_.write(terms, *term.later, term.earlier.has_value());
+    for (const TermChange& term : difference.earlierTerms)
+        if (!term.later) termWriter_.remove(terms, *term.earlier);
 }
 
-void ClassifierWriter::remove(const ConfiguredClassifier& earlier) {
+void ClassifierWriter::remove(const ClassifierChange& difference) {
+    const ConfiguredClassifier& earlier = *difference.earlier;
     const auto* held = classifiers_->classifier().find(earlier.name);
     if (held == nullptr) return;
     const Orin::Ptr<Classifier> classifier = *held;
@@ -113,30 +114,25 @@ void ClassifierWriter::remove(const ConfiguredClassifier& earlier) {
     const bool isTypeOwn =
         earlier.type && bare.type && ownership_.leave(placeOf(earlier.name).part("config/type"));
     if (isTypeOwn) bare.type.reset();
-    change(*classifier, bare, &earlier);
+    change(*classifier, bare, difference);
 }
 
 void ClassifierWriter::tellTermsOfGonePairs(const Difference& difference) {
-    for (const AttachedPair& pair : difference.earlier.attachedPairs) {
-        if (difference.later.attachedPairs.contains(pair.pmapName)) continue;
-        for (const Orin::String& name : {pair.ipv4ClassifierName, pair.ipv6ClassifierName}) {
-            const auto* earlier = difference.earlier.classifiers.find(name);
-            const auto* later = difference.later.classifiers.find(name);
-            if (earlier != nullptr && later != nullptr) tellLostTargetGroups(*earlier, *later);
-        }
-    }
+    for (const AttachedPair* pair : difference.goingPairs())
+        for (const Orin::String& name : {pair->ipv4ClassifierName, pair->ipv6ClassifierName})
+            if (const ClassifierChange* change = difference.find(name))
+                tellLostTargetGroups(*change);
 }
 
-void ClassifierWriter::tellLostTargetGroups(const ConfiguredClassifier& earlier,
-                                            const ConfiguredClassifier& later) {
-    const auto* classifier = classifiers_->classifier().find(later.name);
+void ClassifierWriter::tellLostTargetGroups(const ClassifierChange& change) {
+    if (change.later == nullptr) return;
+    const auto* classifier = classifiers_->classifier().find(change.later->name);
     if (classifier == nullptr || !(*classifier)->terms()) return;
     const Orin::Ptr<Terms> terms = (*classifier)->terms();
-    for (const ConfiguredTerm& term : later.terms) {
-        const ConfiguredTerm* before = earlier.terms.find(term.id);
-        if (term.targetGroup.empty() && before != nullptr && !before->targetGroup.empty())
-            terms->publishChange(Terms::kTerm.id, &term.id);
-    }
+    for (const TermChange& term : change.laterTerms)
+        if (term.earlier && !term.earlier->term->targetGroup.empty() &&
+            term.later->term->targetGroup.empty())
+            terms->publishChange(Terms::kTerm.id, &term.later->term->id);
 }
 
 }  // namespace QosAgent

@@ -19,16 +19,14 @@ public:
     void tellTermsOfGonePairs(const Difference& difference);
 
 private:
-    void write(const ConfiguredClassifier& later, const ConfiguredClassifier* earlier);
+    void write(const ClassifierChange& difference);
     void change(QosOc::Config::Classifier& classifier, const ConfiguredClassifier& later,
-                const ConfiguredClassifier* earlier);
+                const ClassifierChange& difference);
     void changeType(QosOc::Config::Classifier& classifier, const ConfiguredClassifier& later,
                     const ConfiguredClassifier* earlier);
-    void changeTerms(QosOc::Config::Terms& terms, const ConfiguredClassifier& later,
-                     const ConfiguredClassifier* earlier);
-    void remove(const ConfiguredClassifier& earlier);
-    void tellLostTargetGroups(const ConfiguredClassifier& earlier,
-                              const ConfiguredClassifier& later);
+    void changeTerms(QosOc::Config::Terms& terms, const ClassifierChange& difference);
+    void remove(const ClassifierChange& difference);
+    void tellLostTargetGroups(const ClassifierChange& change);
 
     Orin::Ptr<QosOc::Config::ClassifiersDir> classifiers_;
     Ownership& ownership_;

@@ -23,11 +23,14 @@ Configuration::Configuration(Database& database, Strictness strictness)
     : interner_(database.interner()), strictness_(strictness), translator_(database) {}
 
 std::variant<std::vector<Warning>, Fault> Configuration::apply(const JsonValue& document) {
+    const auto copy = std::make_shared<const Json>(copyOf(document));
+    ConfigurationTree tree = ConfigurationTree::of(copy, copy->root(), change_);
     OpenConfigReader reader(interner_, strictness_);
+    reader.placesAre(tree);
     auto read = reader.read(document);
     if (auto* fault = std::get_if<Fault>(&read)) return std::move(*fault);
-    const auto copy = std::make_shared<const Json>(copyOf(document));
-    tree_ = ConfigurationTree::of(copy, copy->root(), change_++);
+    ++change_;
+    tree_ = std::move(tree);
     translator_.apply(std::get<OpenConfigDocument>(std::move(read)));
     return reader.warnings();
 }
@@ -72,8 +75,12 @@ std::variant<Configuration::Trees, Configuration::Refusal> Configuration::treesO
 
 Configuration::Reading Configuration::read(const ConfigurationTree& tree) const {
     OpenConfigReader reader(interner_, strictness_);
-    const Json json = tree.json(change_);
-    Reading reading{reader.read(json.root()), reader.warnings()};
+    reader.placesAre(tree);
+    const ConfigurationPart part(tree_, tree, change_);
+    Reading reading{part.isWhole() ? reader.read(tree.json(change_).root())
+                                   : reader.readPart(part, translator_.document()),
+                    {}};
+    reading.warnings = reader.warnings();
     std::erase_if(reading.warnings,
                   [](const Warning& warning) { return warning.offset == JsonBuilder::kNoOffset; });
     return reading;

@@ -1,38 +1,90 @@
 #pragma once
 
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
 #include "agent/openconfig/OpenConfigDocument.h"
+#include "agent/openconfig/Touched.h"
 
 namespace QosAgent {
 
-/// Two documents, one of which takes the place of the other.
-struct Difference {
-    const OpenConfigDocument& earlier;
-    const OpenConfigDocument& later;
+/// A term that two documents have otherwise; at least one of them has it.
+struct TermChange {
+    std::optional<TermOfClassifier> earlier;
+    std::optional<TermOfClassifier> later;
 };
 
-/// The same term in another document; nothing if it has none.
-inline std::optional<TermOfClassifier> counterpart(const OpenConfigDocument& document,
-                                                   const TermOfClassifier& of) {
-    return termOf(document, of.classifier->name, of.term->id);
-}
+/// A classifier that two documents have otherwise, or whose terms they do.
+struct ClassifierChange {
+    const ConfiguredClassifier* earlier;   ///< null: the earlier document does not have it
+    const ConfiguredClassifier* later;     ///< null: the later document does not have it
+    std::vector<TermChange> earlierTerms;  ///< those that the earlier document has, in its order
+    std::vector<TermChange> laterTerms;    ///< those that the later document has, in its order
+};
 
-/// Calls `visit` with each term of a document, in its order.
-template <class Visit>
-void eachTerm(const OpenConfigDocument& document, Visit visit) {
-    for (const ConfiguredClassifier& classifier : document.classifiers)
-        for (const ConfiguredTerm& term : classifier.terms)
-            visit(TermOfClassifier{&classifier, &term});
-}
+/// Where two documents, one of which takes the place of the other, differ, and what of them others
+/// touched meanwhile. Whatever documents share is not looked at.
+class Difference {
+public:
+    /// The documents must outlive the difference.
+    Difference(const OpenConfigDocument& earlier, const OpenConfigDocument& later,
+               const Touched& touched);
 
-/// Calls `visit` with each term of the classifiers of a pair, IPv4 first.
-template <class Visit>
-void eachTermOf(const OpenConfigDocument& document, const AttachedPair& pair, Visit visit) {
-    for (const Orin::String& name : {pair.ipv4ClassifierName, pair.ipv6ClassifierName}) {
-        const ConfiguredClassifier* classifier = document.classifiers.find(name);
-        if (classifier == nullptr) continue;
-        for (const ConfiguredTerm& term : classifier->terms)
-            visit(TermOfClassifier{classifier, &term});
+    const OpenConfigDocument& earlier() const { return earlier_; }
+    const OpenConfigDocument& later() const { return later_; }
+
+    /// Of the later document, in its order.
+    const std::vector<const ForwardingGroup*>& comingGroups() const { return comingGroups_; }
+    /// Those of the earlier document that the later does not have.
+    const std::vector<const ForwardingGroup*>& goingGroups() const { return goingGroups_; }
+    const std::vector<const ClassifierChange*>& comingClassifiers() const {
+        return comingClassifiers_;
     }
-}
+    const std::vector<const ClassifierChange*>& earlierClassifiers() const {
+        return earlierClassifiers_;
+    }
+    /// Null if the documents have it alike.
+    const ClassifierChange* find(const Orin::String& classifierName) const;
+    const std::vector<const AttachedPair*>& comingPairs() const { return comingPairs_; }
+    const std::vector<const AttachedPair*>& goingPairs() const { return goingPairs_; }
+    /// All terms of the pair must be compared, not only those that differ.
+    bool isWhole(const AttachedPair& pair) const;
+
+    /// Calls `visit` with each `TermChange` that has a later term, in the order of the document.
+    template <class Visit>
+    void eachLaterTerm(Visit visit) const {
+        for (const ClassifierChange* classifier : comingClassifiers_)
+            for (const TermChange& term : classifier->laterTerms)
+                visit(term);
+    }
+    template <class Visit>
+    void eachEarlierTerm(Visit visit) const {
+        for (const ClassifierChange* classifier : earlierClassifiers_)
+            for (const TermChange& term : classifier->earlierTerms)
+                visit(term);
+    }
+
+private:
+    void compareGroups();
+    void compareClassifiers();
+    void compareTerms(ClassifierChange& change);
+    void addTouched();
+    void addTouchedTerm(const Touched::TermName& name);
+    ClassifierChange& changeOf(const Orin::String& classifierName);
+    void addTerm(ClassifierChange& change, const ConfiguredTerm* before,
+                 const ConfiguredTerm* after);
+    void addTermsOfBoth(ClassifierChange& change);
+    void comparePairs();
+    void sort();
+
+    const OpenConfigDocument& earlier_;
+    const OpenConfigDocument& later_;
+    const Touched& touched_;
+    std::vector<const ForwardingGroup*> comingGroups_, goingGroups_;
+    std::unordered_map<Orin::String, ClassifierChange> classifiers_;
+    std::vector<const ClassifierChange*> comingClassifiers_, earlierClassifiers_;
+    std::vector<const AttachedPair*> comingPairs_, goingPairs_;
+};
 
 }  // namespace QosAgent

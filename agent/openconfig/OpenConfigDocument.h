@@ -53,14 +53,67 @@ struct AttachedPair {
     Orin::String ipv6ClassifierName;
 
     const Orin::String& key() const { return pmapName; }
+    bool empty() const { return ipv4ClassifierName.empty() && ipv6ClassifierName.empty(); }
 };
 
+struct ConfiguredInterface {
+    Orin::String id;
+    AttachedPair pair;  ///< may be empty
+
+    const Orin::String& key() const { return id; }
+};
+
+/// What refers to something by its name.
+template <class User>
+struct Users {
+    Orin::String name;
+    KeyedList<User> users;
+
+    const Orin::String& key() const { return name; }
+};
+
+/// A name and nothing else.
+struct Named {
+    Orin::String name;
+
+    const Orin::String& key() const { return name; }
+};
+
+/// Copies cost little, and share what they have in common.
 struct OpenConfigDocument {
     KeyedList<ForwardingGroup> groups;
     KeyedList<ConfiguredClassifier> classifiers;
+    KeyedList<ConfiguredInterface> interfaces;
+    /// What the interfaces make of it: each distinct pair.
     KeyedList<AttachedPair> attachedPairs;
+    /// The places of the interfaces that have a pair, as text, so that the first is the least.
+    KeyedList<Users<Named>> placesOfPair;
+    /// The pairs that have a classifier.
+    KeyedList<Users<AttachedPair>> pairsOfClassifier;
+    /// The terms that have a group as their target, by the names of their class maps.
+    KeyedList<Users<Named>> termsOfGroup;
+    /// Classifiers of types that are not carried.
+    KeyedList<Named> otherClassifiers;
 
-    bool empty() const { return groups.empty() && classifiers.empty() && attachedPairs.empty(); }
+    bool empty() const {
+        return groups.empty() && classifiers.empty() && interfaces.empty() &&
+               otherClassifiers.empty();
+    }
+
+    /// Puts a term into a classifier, which need not be in the document. An `order` other than 0 is
+    /// its place.
+    void setTerm(ConfiguredClassifier& classifier, ConfiguredTerm term, std::uint64_t order = 0);
+    void eraseTerm(ConfiguredClassifier& classifier, const Orin::String& id);
+    /// Has no effect if there is none.
+    void eraseClassifier(const Orin::String& name);
+    void setInterface(ConfiguredInterface interface, std::uint64_t order = 0);
+    void eraseInterface(const Orin::String& id);
+    /// The place of a pair in the document: that of the first interface that has it.
+    Orin::String placeOf(const AttachedPair& pair) const;
+
+private:
+    void attach(const ConfiguredInterface& interface);
+    void detach(const ConfiguredInterface& interface);
 };
 
 /// A term together with its classifier.

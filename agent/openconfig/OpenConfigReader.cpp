@@ -50,6 +50,28 @@ Type otherFamily(Type family) {
     return family == Type::IPV6 ? Type::IPV4 : Type::IPV6;
 }
 
+using List = ConfigurationNode::List;
+
+/// The list in a container of that name, below a node; null if there is none.
+const List* listIn(const ConfigurationNode* node, std::string_view holder, std::string_view list) {
+    for (const std::string_view name : {holder, list}) {
+        const auto* member = node == nullptr ? nullptr : node->member(name);
+        node = member == nullptr ? nullptr : member->node.get();
+    }
+    return node == nullptr ? nullptr : node->list();
+}
+
+/// The place of an entry; 0 if it has none of its own.
+std::uint64_t placeIn(const List* list, std::string_view key) {
+    return list == nullptr ? 0 : list->orderOf(key);
+}
+
+/// The terms of a classifier of the list; null if there are none.
+const List* termsIn(const List* classifiers, std::string_view name) {
+    const auto* entry = classifiers == nullptr ? nullptr : classifiers->find(name);
+    return entry == nullptr ? nullptr : listIn((*entry)->node.get(), "terms", "term");
+}
+
 }  // namespace
 
 bool isTopMember(std::string_view name) {
@@ -66,6 +88,28 @@ bool isOpenConfig(const JsonValue& document) {
 
 std::variant<OpenConfigDocument, Fault> OpenConfigReader::read(const JsonValue& document) {
     readTop(document);
+    return result();
+}
+
+std::variant<OpenConfigDocument, Fault> OpenConfigReader::readPart(const ConfigurationPart& part,
+                                                                   OpenConfigDocument before) {
+    part_ = &part;
+    document_ = std::move(before);
+    removeGone(part);
+    const Json changed = part.document();
+    readTop(changed.root());
+    checkReferences(part);
+    return result();
+}
+
+void OpenConfigReader::placesAre(const ConfigurationTree& tree) {
+    const ConfigurationNodePtr qos = tree.nodeAt({{"qos", {}}});
+    places_ = {listIn(qos.get(), "forwarding-groups", "forwarding-group"),
+               listIn(qos.get(), "classifiers", "classifier"),
+               listIn(qos.get(), "interfaces", "interface")};
+}
+
+std::variant<OpenConfigDocument, Fault> OpenConfigReader::result() {
     if (strictness_ == Strictness::refuses) findings_.refuseWarnings();
     if (!findings_.faults().empty()) return findings_.faults().found().front();
     return std::move(document_);
@@ -111,25 +155,49 @@ void OpenConfigReader::readGroup(const ModelNode& entry) {
         config->carries({"name", "output-queue", "unicast-output-queue", "multicast-output-queue"});
     const auto name = entry.listName("name", config);
     if (!name) return;
-    const auto trafficClass = static_cast<std::uint32_t>(document_.groups.size());
-    if (!document_.groups.add({interner_(name->text()), trafficClass}))
+    const String group = interner_(name->text());
+    const ForwardingGroup* held = document_.groups.find(group);
+    if (held != nullptr && part_ == nullptr)
         findings_.refuse(name->offset(), "a second forwarding group " + excerpt(name->text()));
+    const auto next = static_cast<std::uint32_t>(document_.groups.size());
+    document_.groups.set({group, held == nullptr ? next : held->trafficClass},
+                         placeIn(places_.groups, group));
 }
 
 void OpenConfigReader::readClassifier(const ModelNode& entry) {
     const auto config = entry.container("config");
     const auto name = entry.listName("name", config);
     if (!name) return;
-    ConfiguredClassifier classifier;
-    classifier.name = interner_(name->text());
-    if (document_.classifiers.contains(classifier.name) ||
-        otherClassifiers_.contains(classifier.name))
+    const String held = interner_(name->text());
+    if (part_ == nullptr &&
+        (document_.classifiers.contains(held) || document_.otherClassifiers.contains(held)))
         findings_.refuse(name->offset(), "a second classifier " + excerpt(name->text()));
+    ConfiguredClassifier classifier = begunClassifier(held);
     if (config && !readType(*config, classifier)) return;
     entry.carries({"name", "config", "terms"});
     if (config) config->carries({"name", "type"});
-    entry.eachEntry("terms", "term", [&](const ModelNode& term) { readTerm(term, classifier); });
-    document_.classifiers.add(std::move(classifier));
+    const List* places = termsIn(places_.classifiers, classifier.name);
+    entry.eachEntry("terms", "term",
+                    [&](const ModelNode& term) { readTerm(term, classifier, places); });
+    const std::uint64_t place = placeIn(places_.classifiers, classifier.name);
+    document_.classifiers.set(std::move(classifier), place);
+}
+
+/// The classifier with the terms that the document to be read does not have.
+ConfiguredClassifier OpenConfigReader::begunClassifier(const String& name) {
+    ConfiguredClassifier classifier;
+    classifier.name = name;
+    if (part_ == nullptr) return classifier;
+    const ConfiguredClassifier* held = document_.classifiers.find(name);
+    const ConfigurationPart::Classifier& changed = part_->classifiers().at(std::string(name));
+    if (changed.isWhole || held == nullptr) {
+        document_.eraseClassifier(name);
+        return classifier;
+    }
+    classifier.terms = held->terms;
+    for (const std::string& id : changed.removedTerms)
+        document_.eraseTerm(classifier, String(id));
+    return classifier;
 }
 
 bool OpenConfigReader::readType(const ModelNode& config, ConfiguredClassifier& classifier) {
@@ -137,7 +205,8 @@ bool OpenConfigReader::readType(const ModelNode& config, ConfiguredClassifier& c
     if (!type) return true;
     classifier.type = carriedType(type->text());
     if (classifier.type) return true;
-    otherClassifiers_.insert(classifier.name);
+    document_.eraseClassifier(classifier.name);
+    document_.otherClassifiers.set({classifier.name});
     if (std::string fault = typeFault(kClassifierTypes, type->text()); fault.empty()) {
         findings_.passOver(type->offset(), kOtherTypes);
     } else {
@@ -147,7 +216,8 @@ bool OpenConfigReader::readType(const ModelNode& config, ConfiguredClassifier& c
     return false;
 }
 
-void OpenConfigReader::readTerm(const ModelNode& entry, ConfiguredClassifier& classifier) {
+void OpenConfigReader::readTerm(const ModelNode& entry, ConfiguredClassifier& classifier,
+                                const List* places) {
     entry.carries({"id", "config", "conditions", "actions"});
     const auto config = entry.container("config");
     if (config) config->carries({"id"});
@@ -161,8 +231,10 @@ void OpenConfigReader::readTerm(const ModelNode& entry, ConfiguredClassifier& cl
         readConditions(entry, classifier.family(), term.conditions);
     }
     term.targetGroup = readTargetGroup(entry);
-    if (!classifier.terms.add(std::move(term)))
+    if (part_ == nullptr && classifier.terms.contains(term.id))
         findings_.refuse(id->offset(), "a second term " + excerpt(id->text()));
+    const std::uint64_t place = placeIn(places, term.id);
+    document_.setTerm(classifier, std::move(term), place);
 }
 
 void OpenConfigReader::readConditions(const ModelNode& term, Type family,
@@ -227,18 +299,28 @@ void OpenConfigReader::readInterface(const ModelNode& entry) {
     if (config) config->carries({"interface-id"});
     const auto id = entry.listKey("interface-id", config);
     if (!id) return;
-    if (!interfaceIds_.insert(id->text()).second)
+    ConfiguredInterface interface {
+        interner_(id->text()), {}
+    };
+    if (part_ == nullptr && document_.interfaces.contains(interface.id))
         findings_.refuse(id->offset(), "a second interface " + excerpt(id->text()));
-    const auto input = entry.container("input");
-    if (!input) return;
-    input->carries({"classifiers"});
+    interface.pair = readInput(entry);
+    const std::uint64_t place = placeIn(places_.interfaces, interface.id);
+    document_.setInterface(std::move(interface), place);
+}
+
+AttachedPair OpenConfigReader::readInput(const ModelNode& entry) {
     AttachedPair pair;
+    const auto input = entry.container("input");
+    if (!input) return pair;
+    input->carries({"classifiers"});
     std::unordered_set<std::string_view> types;
     input->eachEntry("classifiers", "classifier",
                      [&](const ModelNode& attachment) { readAttachment(attachment, types, pair); });
-    if (pair.ipv4ClassifierName.empty() && pair.ipv6ClassifierName.empty()) return;
-    pair.pmapName = interner_(QosOc::pmapName(pair.ipv4ClassifierName, pair.ipv6ClassifierName));
-    document_.attachedPairs.add(std::move(pair));
+    if (!pair.empty())
+        pair.pmapName =
+            interner_(QosOc::pmapName(pair.ipv4ClassifierName, pair.ipv6ClassifierName));
+    return pair;
 }
 
 void OpenConfigReader::readAttachment(const ModelNode& entry,
@@ -268,15 +350,57 @@ void OpenConfigReader::readAttachment(const ModelNode& entry,
 
 String OpenConfigReader::attachable(const JsonValue& name, Type family) {
     String classifierName = interner_(name.text());
-    const ConfiguredClassifier* classifier = document_.classifiers.find(classifierName);
-    if (classifier != nullptr && classifier->family() == family) return classifierName;
     // The fault of its type says enough.
     if (unreadClassifiers_.contains(classifierName)) return {};
-    const bool isConfigured = classifier != nullptr || otherClassifiers_.contains(classifierName);
-    findings_.refuse(name.offset(), "the classifier " + excerpt(name.text()) +
-                                        (isConfigured ? " is of another type than its attachment"
-                                                      : " is not configured"));
+    std::string fault = attachmentFault(name.text(), family);
+    if (fault.empty()) return classifierName;
+    findings_.refuse(name.offset(), std::move(fault));
     return {};
+}
+
+/// Why a classifier of that name cannot be attached as one of that family; empty if it can be.
+std::string OpenConfigReader::attachmentFault(std::string_view name, Type family) const {
+    const String classifierName(name);
+    const ConfiguredClassifier* classifier = document_.classifiers.find(classifierName);
+    if (classifier != nullptr && classifier->family() == family) return {};
+    const bool isConfigured =
+        classifier != nullptr || document_.otherClassifiers.contains(classifierName);
+    return "the classifier " + excerpt(name) +
+           (isConfigured ? " is of another type than its attachment" : " is not configured");
+}
+
+void OpenConfigReader::removeGone(const ConfigurationPart& part) {
+    for (const std::string& name : part.removedGroups())
+        document_.groups.erase(String(name));
+    for (const std::string& name : part.removedClassifiers())
+        document_.eraseClassifier(String(name));
+    for (const std::string& id : part.removedInterfaces())
+        document_.eraseInterface(String(id));
+}
+
+/// Checks what was not read: whether it refers to something that is there no longer.
+void OpenConfigReader::checkReferences(const ConfigurationPart& part) {
+    for (const std::string& name : part.removedGroups())
+        checkGroup(name);
+    for (const std::string& name : part.removedClassifiers())
+        checkAttachments(name);
+    for (const auto& [name, classifier] : part.classifiers())
+        if (classifier.isWhole) checkAttachments(name);
+}
+
+void OpenConfigReader::checkGroup(const std::string& name) {
+    if (document_.termsOfGroup.contains(String(name)))
+        findings_.refuse(JsonBuilder::kNoOffset,
+                         "no forwarding group " + excerpt(name) + " is configured");
+}
+
+void OpenConfigReader::checkAttachments(const std::string& classifierName) {
+    const Users<AttachedPair>* pairs = document_.pairsOfClassifier.find(String(classifierName));
+    if (pairs == nullptr) return;
+    // All pairs have it in the place of its family, so one tells for all.
+    const bool isIpv4 = pairs->users.first()->ipv4ClassifierName == classifierName;
+    std::string fault = attachmentFault(classifierName, isIpv4 ? Type::IPV4 : Type::IPV6);
+    if (!fault.empty()) findings_.refuse(JsonBuilder::kNoOffset, std::move(fault));
 }
 
 }  // namespace QosAgent

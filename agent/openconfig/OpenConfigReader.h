@@ -5,6 +5,7 @@
 #include <variant>
 
 #include "agent/database/Interner.h"
+#include "agent/openconfig/ConfigurationPart.h"
 #include "agent/openconfig/ModelNode.h"
 #include "agent/openconfig/OpenConfigDocument.h"
 
@@ -32,6 +33,12 @@ public:
     /// Returns what the document says, or the first fault found. The empty object configures
     /// nothing.
     std::variant<OpenConfigDocument, Fault> read(const JsonValue& document);
+    /// Returns what a configuration says whose part changed; it was read as `before` then.
+    std::variant<OpenConfigDocument, Fault> readPart(const ConfigurationPart& part,
+                                                     OpenConfigDocument before);
+    /// Gives entries the places that they have in the tree, which must outlive the reader; without
+    /// a tree they have the order of the document.
+    void placesAre(const ConfigurationTree& tree);
     /// Returns all faults that were kept, in ascending order of place.
     std::vector<Fault> faults() const;
     /// What was passed over; in ascending order of place.
@@ -40,13 +47,24 @@ public:
 private:
     using Type = QosOc::Classifier::Type;
 
+    std::variant<OpenConfigDocument, Fault> result();
+    void removeGone(const ConfigurationPart& part);
+    void checkReferences(const ConfigurationPart& part);
+    void checkGroup(const std::string& name);
+    void checkAttachments(const std::string& classifierName);
+    std::string attachmentFault(std::string_view name, Type family) const;
+
     void readTop(const JsonValue& document);
     void readQos(const ModelNode& qos);
     void readGroup(const ModelNode& entry);
     void readClassifier(const ModelNode& entry);
+    ConfiguredClassifier begunClassifier(const Orin::String& name);
+    AttachedPair readInput(const ModelNode& entry);
     /// Returns false if the classifier is passed over or refused for its type.
     bool readType(const ModelNode& config, ConfiguredClassifier& classifier);
-    void readTerm(const ModelNode& entry, ConfiguredClassifier& classifier);
+    /// `places`: of the classifier's terms; may be null.
+    void readTerm(const ModelNode& entry, ConfiguredClassifier& classifier,
+                  const ConfigurationNode::List* places);
     void readConditions(const ModelNode& term, Type family,
                         QosOc::Config::TermConditionsIpConfig& conditions);
     void readDscpSet(const JsonValue& list, Orin::Vector<std::uint8_t>& dscpSet);
@@ -62,11 +80,16 @@ private:
     Strictness strictness_;
     Findings findings_;
     OpenConfigDocument document_;
-    /// Classifiers of types that are not carried.
-    std::unordered_set<Orin::String> otherClassifiers_;
-    /// Those among them whose type the model does not have.
+    const ConfigurationPart* part_ = nullptr;  ///< null: a whole document is read
+    /// The lists of the tree that tells the places of entries; null without one.
+    struct Places {
+        const ConfigurationNode::List* groups = nullptr;
+        const ConfigurationNode::List* classifiers = nullptr;
+        const ConfigurationNode::List* interfaces = nullptr;
+    };
+    Places places_;
+    /// Classifiers whose type the model does not have.
     std::unordered_set<Orin::String> unreadClassifiers_;
-    std::unordered_set<std::string_view> interfaceIds_;
 };
 
 }  // namespace QosAgent

@@ -27,15 +27,20 @@ OpenConfigTranslator::OpenConfigTranslator(Database& database)
 
 OpenConfigTranslator::~OpenConfigTranslator() {
     database_.inputChanges().listenerDel(ownership_);
+    database_.inputChanges().listenerDel(touched_);
 }
 
 void OpenConfigTranslator::apply(OpenConfigDocument later) {
     // What is reported while nobody listens here is the configuration's own doing.
     database_.inputChanges().listenerDel(ownership_);
-    if (!std::exchange(isFirst_, false)) groups_.number(earlier_, later);
-    write({earlier_, later});
+    database_.inputChanges().listenerDel(touched_);
+    groups_.learn(earlier_, touched_);
+    if (!std::exchange(isFirst_, false)) groups_.number(earlier_, later, touched_);
+    write({earlier_, later, touched_});
     removeHollow();
     earlier_ = std::move(later);
+    touched_.clear();
+    if (!earlier_.empty()) database_.inputChanges().listenerAdd(touched_);
     if (!earlier_.empty() || !ownership_.isEmpty())
         database_.inputChanges().listenerAdd(ownership_);
 }

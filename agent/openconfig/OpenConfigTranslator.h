@@ -23,12 +23,16 @@ public:
     /// configure alike shows another value in between.
     void apply(OpenConfigDocument later);
 
+    /// What was applied last; nothing at first.
+    const OpenConfigDocument& document() const { return earlier_; }
+
 private:
     void write(const Difference& difference);
     void removeHollow();
 
     Database& database_;
     Ownership ownership_;
+    Touched touched_;
     ForwardingGroupWriter groups_;
     AccessListWriter accessLists_;
     ClassMapWriter classMaps_;

@@ -28,6 +28,31 @@ PolicyMapClass classWith(std::optional<std::uint32_t> trafficClass, const Policy
     return result;
 }
 
+/// A term of one of the documents, with what the other has.
+TermChange changeOf(const Difference& difference, const TermOfClassifier& of) {
+    return {termOf(difference.earlier(), of.classifier->name, of.term->id),
+            termOf(difference.later(), of.classifier->name, of.term->id)};
+}
+
+/// Calls `visit` with the terms of the classifiers of a pair, IPv4 first: with all that `document`,
+/// one of the two, has if the pair must be compared whole, else with `changed` ones.
+template <class Visit>
+void eachTermOf(const AttachedPair& pair, const Difference& difference,
+                std::vector<TermChange> ClassifierChange::*changed,
+                const OpenConfigDocument& document, Visit visit) {
+    for (const Orin::String& name : {pair.ipv4ClassifierName, pair.ipv6ClassifierName}) {
+        if (difference.isWhole(pair)) {
+            const ConfiguredClassifier* classifier = document.classifiers.find(name);
+            if (classifier == nullptr) continue;
+            for (const auto& term : classifier->terms.inOrder())
+                visit(changeOf(difference, {classifier, term.get()}));
+        } else if (const ClassifierChange* change = difference.find(name)) {
+            for (const TermChange& term : change->*changed)
+                visit(term);
+        }
+    }
+}
+
 Place placeOf(const Orin::String& pmapName) {
     return {Places::kPolicyMaps, pmapName};
 }
@@ -48,8 +73,8 @@ PolicyMapWriter::PolicyMapWriter(Orin::Ptr<Qos::Status> status, Ownership& owner
 void PolicyMapWriter::writeComing(const Difference& difference) {
     const auto* held = status_->pmapTypeStatus().find(MapType::mapQos);
     const auto pmaps = held != nullptr ? *held : PolicyMapTypeStatus::create(MapType::mapQos);
-    for (const AttachedPair& pair : difference.later.attachedPairs)
-        write(*pmaps, pair, difference);
+    for (const AttachedPair* pair : difference.comingPairs())
+        write(*pmaps, *pair, difference);
     if (!pmaps->pmapStatus().empty()) status_->pmapTypeStatusIs(pmaps);
 }
 
@@ -57,7 +82,7 @@ void PolicyMapWriter::write(PolicyMapTypeStatus& pmaps, const AttachedPair& pair
                             const Difference& difference) {
     if (const auto* held = pmaps.pmapStatus().find(pair.pmapName)) {
         ownership_.describe(placeOf(pair.pmapName),
-                            difference.earlier.attachedPairs.contains(pair.pmapName));
+                            difference.earlier().attachedPairs.contains(pair.pmapName));
         change(*Orin::Ptr<PolicyMapStatus>(*held), pair, difference);
         return;
     }
@@ -71,7 +96,7 @@ void PolicyMapWriter::write(PolicyMapTypeStatus& pmaps, const AttachedPair& pair
 void PolicyMapWriter::change(PolicyMapStatus& pmap, const AttachedPair& pair,
                              const Difference& difference) {
     const bool isWritten = writeClasses(pmap, pair, difference);
-    const bool isRemoved = difference.earlier.attachedPairs.contains(pair.pmapName) &&
+    const bool isRemoved = difference.earlier().attachedPairs.contains(pair.pmapName) &&
                            removeClasses(pmap, pair, difference);
     if (isWritten || isRemoved) raiseVersion(pmap);
 }
@@ -83,11 +108,12 @@ void PolicyMapWriter::raiseVersion(PolicyMapStatus& pmap) {
 
 bool PolicyMapWriter::writeClasses(PolicyMapStatus& pmap, const AttachedPair& pair,
                                    const Difference& difference) {
-    const bool isPairNew = !difference.earlier.attachedPairs.contains(pair.pmapName);
+    const OpenConfigDocument& later = difference.later();
+    const bool isPairNew = !difference.earlier().attachedPairs.contains(pair.pmapName);
     bool isChanged = false;
-    eachTermOf(difference.later, pair, [&](const TermOfClassifier& of) {
-        const auto earlier = isPairNew ? std::nullopt : counterpart(difference.earlier, of);
-        isChanged |= writeClass(pmap, of, trafficClassOf(difference.later, *of.term), earlier);
+    eachTermOf(pair, difference, &ClassifierChange::laterTerms, later, [&](const TermChange& term) {
+        isChanged |= writeClass(pmap, *term.later, trafficClassOf(later, *term.later->term),
+                                isPairNew ? std::nullopt : term.earlier);
     });
     return isChanged;
 }
@@ -119,12 +145,12 @@ bool PolicyMapWriter::writeClass(PolicyMapStatus& pmap, const TermOfClassifier& 
 
 bool PolicyMapWriter::removeClasses(PolicyMapStatus& pmap, const AttachedPair& pair,
                                     const Difference& difference) {
-    const OpenConfigDocument& later = difference.later;
-    const bool isPairGone = !later.attachedPairs.contains(pair.pmapName);
+    const bool isPairGone = !difference.later().attachedPairs.contains(pair.pmapName);
     bool isChanged = false;
-    eachTermOf(difference.earlier, pair, [&](const TermOfClassifier& of) {
-        if (isPairGone || !counterpart(later, of)) isChanged |= removeClass(pmap, of);
-    });
+    eachTermOf(pair, difference, &ClassifierChange::earlierTerms, difference.earlier(),
+               [&](const TermChange& term) {
+                   if (isPairGone || !term.later) isChanged |= removeClass(pmap, *term.earlier);
+               });
     return isChanged;
 }
 
@@ -148,9 +174,8 @@ void PolicyMapWriter::removeGoing(const Difference& difference) {
     const auto* held = status_->pmapTypeStatus().find(MapType::mapQos);
     if (held == nullptr) return;
     const Orin::Ptr<PolicyMapTypeStatus> pmaps = *held;
-    for (const AttachedPair& pair : difference.earlier.attachedPairs)
-        if (!difference.later.attachedPairs.contains(pair.pmapName))
-            remove(*pmaps, pair, difference);
+    for (const AttachedPair* pair : difference.goingPairs())
+        remove(*pmaps, *pair, difference);
 }
 
 void PolicyMapWriter::remove(PolicyMapTypeStatus& pmaps, const AttachedPair& pair,

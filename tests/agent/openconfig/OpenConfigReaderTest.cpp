@@ -187,8 +187,8 @@ TEST_F(OpenConfigReaderTest, listsEachAttachedPairOnce) {
                        "," + interface("5", attachment("IPV4", R"("four")")) + "," +
                        interface("6", entry("type", "IPV4")))));
     Names names;
-    for (const AttachedPair& pair : read.attachedPairs)
-        names.emplace_back(pair.pmapName.view());
+    for (const auto& pair : read.attachedPairs.inOrder())
+        names.emplace_back(pair->pmapName.view());
     EXPECT_EQ(names, (Names{"openconfig:four:six", "openconfig::six", "openconfig:four:"}));
     EXPECT_EQ(read.attachedPairs.find("openconfig::six")->ipv6ClassifierName, "six");
     EXPECT_EQ(warnings_.size(), 0u);
@@ -246,7 +246,8 @@ TEST_F(OpenConfigReaderTest, warnsOnceOfConditionsOfTheOtherFamilyAndDoesNotChec
     const auto text =
         qos(classifiers(classifier("C", "IPV4", term("T", "@" + six) + "," + term("U", six)) + "," +
                         classifier("D", "IPV6", term("T", ipv4(R"("dscp":1)")))));
-    expectPassedOver(text, {"conditions of another family than the classifier's (in 3 terms, " + kFirstIsT});
+    expectPassedOver(
+        text, {"conditions of another family than the classifier's (in 3 terms, " + kFirstIsT});
     const auto read = document(Marked(text).text);
     EXPECT_TRUE(read.classifiers.find("C")->terms.find("T")->conditions.empty());
 }
@@ -442,11 +443,11 @@ TEST_F(OpenConfigReaderTest, sharesEqualTexts) {
     const auto read =
         document(qos(groups(entry("name", "X")) + "," +
                      classifiers(classifier("X", "", term("X", "", targetGroup(R"("X")"))))));
-    const auto* bytes = read.groups.begin()->name.view().data();
-    const ConfiguredClassifier& configured = *read.classifiers.begin();
+    const auto* bytes = read.groups.first()->name.view().data();
+    const ConfiguredClassifier& configured = *read.classifiers.first();
     EXPECT_EQ(configured.name.view().data(), bytes);
-    EXPECT_EQ(configured.terms.begin()->id.view().data(), bytes);
-    EXPECT_EQ(configured.terms.begin()->targetGroup.view().data(), bytes);
+    EXPECT_EQ(configured.terms.first()->id.view().data(), bytes);
+    EXPECT_EQ(configured.terms.first()->targetGroup.view().data(), bytes);
 }
 
 }  // namespace

@@ -262,10 +262,10 @@ protected:
 
 TEST_P(ExampleTest, isShownAsConfigured) {
     std::map<std::string, std::string> expected;
-    for (const ConfiguredClassifier& classifier : given().classifiers)
-        for (const ConfiguredTerm& term : classifier.terms)
-            expected[ConfiguredState::keyOf(classifier.name, term.id)] =
-                expectedText(term, classifier.family());
+    for (const auto& classifier : given().classifiers.inOrder())
+        for (const auto& term : classifier->terms.inOrder())
+            expected[ConfiguredState::keyOf(classifier->name, term->id)] =
+                expectedText(*term, classifier->family());
     EXPECT_EQ(db.terms(), expected);
     StateChecker::check(db.openConfigState());
 }
