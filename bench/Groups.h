@@ -70,6 +70,7 @@ void visitGroups(Visit visit) {
     visit(Group<Primitives>{"primitives", kOurs, made, kPrimitiveEvents<Primitives>});
     visit(Group<LeanPrimitives>{"primitives", kFloor, made, kPrimitiveEvents<LeanPrimitives>});
     visit(Group<Documents>{"documents", kOurs, made, kDocumentEvents, 1, 1});
+    visit(Group<Documents>{"edits", kOurs, made, kEditEvents});
     visit(Group<Documents>{"explain", kOurs, made, kExplainEvents});
 }
 

@@ -88,10 +88,14 @@ QosAgent::Json parsed(const std::string& text) {
     return std::get<QosAgent::Json>(std::move(json));
 }
 
-void translateInto(QosAgent::Database& database, const std::string& configuration) {
-    const QosAgent::Json json = parsed(configuration);
-    const auto result = QosAgent::Configuration(database).apply(json.root());
+void configure(QosAgent::Configuration& configuration, const std::string& text) {
+    const auto result = configuration.apply(parsed(text).root());
     if (std::holds_alternative<QosAgent::Fault>(result)) std::abort();
+}
+
+void translateInto(QosAgent::Database& database, const std::string& configuration) {
+    QosAgent::Configuration written(database);
+    configure(written, configuration);
 }
 
 template <class Root>
@@ -103,7 +107,7 @@ Orin::Ptr<Root> rootAt(const QosAgent::Database& database, std::string_view path
 
 Documents::Documents(std::size_t terms)
     : terms_(terms / kTermsEach * kTermsEach), configuration_(configurationOf(terms / kTermsEach)) {
-    translateInto(printed_, configuration_);
+    configure(edited_, configuration_);
     JsonWriter writer(databaseText_);
     QosAgent::writeDatabase(writer, printed_);
     state_ = rootAt<QosOc::State::ClassifiersDir>(printed_, "qos/openconfig/state/classifiers");
@@ -118,6 +122,48 @@ Documents::Documents(std::size_t terms)
 void Documents::translate() {
     database_ = std::make_unique<QosAgent::Database>();
     translateInto(*database_, configuration_);
+}
+
+void Documents::edit(std::string_view first, std::string_view second) {
+    isEdited_ = !isEdited_;
+    std::string line = R"({"configure":[)";
+    line.append(isEdited_ ? first : second).append("]}");
+    const QosAgent::Json json = parsed(line);
+    const auto edits = json.root().find("configure");
+    const auto applied = edited_.configure(edits->value);
+    if (std::holds_alternative<QosAgent::Configuration::Refusal>(applied)) std::abort();
+}
+
+void Documents::editTerm() {
+    edit(R"({"replace":"/qos/classifiers/classifier[name=classifier-7]/terms/term[id=term-3])"
+         R"(/conditions/ipv4/config/dscp-set","value":[1]})",
+         R"({"replace":"/qos/classifiers/classifier[name=classifier-7]/terms/term[id=term-3])"
+         R"(/conditions/ipv4/config/dscp-set","value":[2]})");
+}
+
+void Documents::editGroup() {
+    edit(R"({"update":"/qos/forwarding-groups/forwarding-group[name=more]/config",)"
+         R"("value":{"name":"more"}})",
+         R"({"delete":"/qos/forwarding-groups/forwarding-group[name=more]"})");
+}
+
+void Documents::editTerms() {
+    static const std::string kTerms = [] {
+        std::string text;
+        JsonWriter writer(text);
+        writer.beginObject().key("term").beginArray();
+        for (std::size_t term = 0; term != kTermsEach; ++term)
+            writeTerm(writer, term);
+        writer.endArray().endObject();
+        return R"({"replace":"/qos/classifiers/classifier[name=classifier-7]/terms","value":)" +
+               text + '}';
+    }();
+    edit(R"({"delete":"/qos/classifiers/classifier[name=classifier-7]/terms"})", kTerms);
+}
+
+void Documents::editWhatIsNotCarried() {
+    edit(R"({"update":"/qos/scheduler-policies","value":{"x":1}})",
+         R"({"delete":"/qos/scheduler-policies"})");
 }
 
 void Documents::load() {

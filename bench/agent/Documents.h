@@ -8,6 +8,7 @@
 #include "QosOpenConfig/QosOpenConfigClassifierStateSm/ClassifierStateSm.h"
 #include "agent/database/Database.h"
 #include "agent/explain/Explainer.h"
+#include "agent/openconfig/Configuration.h"
 #include "bench/Event.h"
 
 namespace QosBench {
@@ -32,18 +33,29 @@ public:
     void printOpenConfig();
     void printTable();
 
+    /// Each edits the configuration, and takes that back the next time, from the text of the line
+    /// to the changes that are published.
+    void editTerm();
+    void editGroup();
+    void editTerms();
+    void editWhatIsNotCarried();
+
     void explainTerm() { explain({"classifier-7", "term-3"}); }
     void explainClassifier() { explain({"classifier-7", {}}); }
     void printDifferences();
 
 private:
     void explain(const QosAgent::Question& question);
+    /// Applies one edit, every other time the second.
+    void edit(std::string_view first, std::string_view second);
 
     std::size_t terms_;
     std::string configuration_;
     QosAgent::Database printed_;
     Orin::Ptr<QosOc::State::ClassifiersDir> state_;
     Orin::Ptr<QosOc::ClassifierStateSm> root_;
+    QosAgent::Configuration edited_{printed_};
+    bool isEdited_ = false;
     QosAgent::Explainer explainer_{printed_};
     std::string databaseText_;
     std::unique_ptr<QosAgent::Database> database_;
@@ -64,6 +76,13 @@ inline constexpr std::array kDocumentEvents{
     documentEvent("table printed, a term", verb<Documents, &Documents::printTable>),
 };
 
+inline constexpr std::array kEditEvents{
+    Event<Documents>{"term edited", verb<Documents, &Documents::editTerm>},
+    Event<Documents>{"forwarding group added or removed", verb<Documents, &Documents::editGroup>},
+    Event<Documents>{"8 terms added or removed", verb<Documents, &Documents::editTerms>},
+    Event<Documents>{"part edited that is not carried",
+                     verb<Documents, &Documents::editWhatIsNotCarried>},
+};
 /// Warmed up, as the first question builds the index.
 inline constexpr std::array kExplainEvents{
     Event<Documents>{"term explained", verb<Documents, &Documents::explainTerm>},

@@ -86,6 +86,8 @@ def derive(figures):
     for side in ("ours", "floor"):
         derive_allocations(figures, side)
         growth(figures, "an event at 10,000 against 1,000, the most", "events", side, 1000, 10000)
+        growth(figures, "an edit at 80,000 against 1,000, the most", "edits", side, 1000,
+               80000)
         growth(figures, "an explanation at 80,000 against 1,000, the most", "explain", side, 1000,
                80000)
         derive_start(figures, side)
