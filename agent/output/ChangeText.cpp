@@ -1,8 +1,6 @@
 #include "agent/output/ChangeText.h"
 
 #include <cstdint>
-#include <cstdio>
-#include <ctime>
 #include <optional>
 #include <utility>
 #include <variant>
@@ -11,6 +9,7 @@
 #include "agent/json/JsonReader.h"
 #include "agent/json/Visible.h"
 #include "agent/output/MatchText.h"
+#include "platform/Vex/UtcTime.h"
 
 namespace QosAgent {
 namespace {
@@ -19,17 +18,11 @@ constexpr std::string_view kClassifiers = "qos/openconfig/state/classifiers/clas
 constexpr std::string_view kAbsent = "absent";
 constexpr std::string_view kArrow = " -> ";
 
+/// `12:31:05.123Z`.
 std::string timeText(ChangeText::Time now) {
-    using std::chrono::duration_cast;
-    using std::chrono::milliseconds;
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-    const auto thousandths = duration_cast<milliseconds>(now.time_since_epoch()).count() % 1000;
-    std::tm utc{};
-    ::gmtime_r(&seconds, &utc);
-    char text[32];
-    std::snprintf(text, sizeof text, "%02d:%02d:%02d.%03dZ", utc.tm_hour, utc.tm_min, utc.tm_sec,
-                  static_cast<int>(thousandths));
-    return text;
+    constexpr std::string_view kDay = "2026-11-22T";
+    constexpr std::size_t kToThousandths = std::string_view("12:31:05.123").size();
+    return Vex::utcText(now).substr(kDay.size(), kToThousandths) + 'Z';
 }
 
 /// Removes the next part of a path and returns it, with `~1` and `~0` unescaped to `/` and `~`.

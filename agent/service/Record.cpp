@@ -3,32 +3,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <chrono>
-#include <cstdio>
 #include <cstring>
-#include <ctime>
 
 #include "agent/json/Visible.h"
 #include "agent/output/Diagnostics.h"
+#include "platform/Vex/UtcTime.h"
 
 namespace QosAgent {
 namespace {
-
-/// The time in UTC as RFC 3339 writes it, to the microsecond.
-std::string timeText(std::chrono::system_clock::time_point time) {
-    using namespace std::chrono;
-    const std::time_t seconds = system_clock::to_time_t(floor<std::chrono::seconds>(time));
-    const auto micros = duration_cast<microseconds>(time - floor<std::chrono::seconds>(time));
-    std::tm utc{};
-    ::gmtime_r(&seconds, &utc);
-    std::array<char, 40> text{};
-    const std::size_t size = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &utc);
-    std::snprintf(text.data() + size, text.size() - size, ".%06dZ",
-                  static_cast<int>(micros.count()));
-    return text.data();
-}
 
 /// Writes all of the text. Returns how much was written, less than all if a write failed.
 std::size_t writeAll(int fd, std::string_view text) {
@@ -48,7 +32,7 @@ std::size_t writeAll(int fd, std::string_view text) {
 Record::Record(std::string file) : name_(std::move(file)), file_(File::toAppend(name_, 0600)) {}
 
 void Record::append(std::string_view line, std::string_view door) {
-    std::string text = "# " + timeText(std::chrono::system_clock::now()) + ' ';
+    std::string text = "# " + Vex::utcText(std::chrono::system_clock::now()) + ' ';
     text.append(visible(door)).append(1, '\n').append(line).append(1, '\n');
     const std::size_t written = writeAll(file_.fd(), text);
     const int error = errno;

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <chrono>
-#include <ctime>
 #include <map>
 #include <set>
 #include <utility>
@@ -11,6 +9,7 @@
 
 #include "platform/Vex/Escape.h"
 #include "platform/Vex/TypeRecord.h"
+#include "platform/Vex/UtcTime.h"
 
 namespace Vex {
 namespace {
@@ -25,19 +24,6 @@ struct TraceState {
 TraceState& state() {
     static auto* const kept = new TraceState;
     return *kept;
-}
-
-void appendTimestamp(std::string& out) {
-    using namespace std::chrono;
-    const auto now = floor<microseconds>(system_clock::now());
-    const std::time_t seconds = system_clock::to_time_t(floor<std::chrono::seconds>(now));
-    std::tm utc{};
-    gmtime_r(&seconds, &utc);
-    char text[32];
-    out.append(text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S.", &utc));
-    const auto micros = static_cast<unsigned>(now.time_since_epoch().count() % 1'000'000);
-    const std::string digits = std::to_string(micros);
-    out.append(6 - digits.size(), '0').append(digits).append("Z");
 }
 
 }  // namespace
@@ -76,7 +62,7 @@ void writeTraceLine(std::string_view line) {
 
 TraceHelper::TraceHelper(const TraceHandle& handle, unsigned level, std::string_view source,
                          unsigned line, std::string_view function) {
-    appendTimestamp(text_);
+    text_ += utcText(std::chrono::system_clock::now());
     text_.append(" ").append(handle.name()).append("/").append(std::to_string(level));
     text_.append(" ").append(source).append(":").append(std::to_string(line));
     text_.append(" ").append(function).append(" ");
