@@ -14,8 +14,8 @@
 
 #include "agent/ServiceRun.h"
 #include "agent/connect/ClientRun.h"
-#include "agent/database/Document.h"
 #include "agent/documents/DocumentCheck.h"
+#include "agent/documents/DocumentLoad.h"
 #include "agent/feed/Feed.h"
 #include "agent/host/File.h"
 #include "agent/host/InstalledLibrary.h"
@@ -29,7 +29,6 @@
 #include "agent/output/ExplanationText.h"
 #include "agent/output/Follower.h"
 #include "agent/output/Machines.h"
-#include "agent/output/Progress.h"
 #include "agent/output/Results.h"
 #include "agent/output/Terminal.h"
 #include "agent/service/Record.h"
@@ -99,8 +98,9 @@ private:
         ::Agent::toggleReaderIs([toggles](auto toggle, auto file, bool fallback) mutable {
             return toggles.state(toggle, file, fallback);
         });
+        DocumentLoad documents(database_, configuration_);
         for (const std::string& document : options_.documents)
-            if (Refusal refused = loadDocument(document)) return refused;
+            if (Refusal refused = documents.load(document)) return refused;
         if (options_.follows) followIs(true);
         if (const auto fault = host_.load(options_.pluginFile))
             return refusal(options_.pluginFile, *fault);
@@ -113,27 +113,6 @@ private:
         for (const TraceSetting& setting : options_.traces)
             if (setting.handle != "*" && !std::ranges::count(known, setting.handle))
                 report(warning("qos-agent", unknownHandle(setting.handle, known)));
-    }
-    Refusal loadDocument(const std::string& name) {
-        std::optional<Progress> progress(name);
-        const auto read = readDocument(name);
-        if (const auto* refused = std::get_if<Diagnostic>(&read)) return *refused;
-        const auto& document = std::get<DocumentFile>(read);
-        const auto applied = applyDocument(document.json.root(), [&](std::size_t offset) {
-            progress->doneIs(offset, document.text.size());
-        });
-        progress.reset();
-        if (const auto* fault = std::get_if<Fault>(&applied))
-            return refusal(name, document.text, *fault);
-        reportAll(document, std::get<std::vector<Warning>>(applied), Diagnostic::Kind::warning);
-        return {};
-    }
-    std::variant<std::vector<Warning>, Fault> applyDocument(const JsonValue& document,
-                                                            const Editor::Progress& progress) {
-        if (isOpenConfig(document)) return configuration_.apply(document);
-        if (auto fault = checkDocument(database_, document)) return *std::move(fault);
-        mergeDocument(database_, document, progress);
-        return {};
     }
     Refusal openStore() {
         const auto& store = options_.service.store;

@@ -22,9 +22,10 @@ Fault placedIn(const std::vector<ConfigurationEdit>& edits, std::size_t index, F
 Configuration::Configuration(Database& database, Strictness strictness)
     : interner_(database.interner()), strictness_(strictness), translator_(database) {}
 
-std::variant<std::vector<Warning>, Fault> Configuration::apply(const JsonValue& document) {
-    const auto copy = std::make_shared<const Json>(copyOf(document));
-    ConfigurationTree tree = ConfigurationTree::of(copy, copy->root(), change_);
+std::variant<std::vector<Warning>, Fault> Configuration::apply(Json json,
+                                                               const JsonValue& document) {
+    const auto kept = std::make_shared<const Json>(std::move(json));
+    ConfigurationTree tree = ConfigurationTree::of(kept, document, change_);
     OpenConfigReader reader(interner_, strictness_);
     reader.placesAre(tree);
     auto read = reader.read(document);

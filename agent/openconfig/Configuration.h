@@ -17,9 +17,10 @@ public:
     /// The database outlives the configuration.
     explicit Configuration(Database& database, Strictness strictness = Strictness::warns);
 
-    /// Makes the configuration what the document says, by the differences. Returns what of the
-    /// document was passed over, or why it is refused; nothing has changed then.
-    std::variant<std::vector<Warning>, Fault> apply(const JsonValue& document);
+    /// Makes the configuration what the document says, by the differences. `document` is a value
+    /// of `tree`, which is kept. Returns what of the document was passed over, or why it is
+    /// refused; nothing has changed then.
+    std::variant<std::vector<Warning>, Fault> apply(Json tree, const JsonValue& document);
 
     /// Why edits are refused: a fault, and in which of them, from 0; nothing if it is in the list
     /// itself.

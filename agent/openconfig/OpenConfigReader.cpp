@@ -1,3 +1,4 @@
+// long: one class reads the whole model, level by level
 #include "agent/openconfig/OpenConfigReader.h"
 
 #include <algorithm>

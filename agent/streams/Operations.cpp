@@ -131,16 +131,20 @@ std::optional<Fault> Operations::apply(std::string_view line, StreamOutput& outp
     refusedEdit_.reset();
     if (isPassedOver(line)) return {};
     output_ = &output;
-    const JsonResult json = parseJsonLine(line);
+    JsonResult json = parseJsonLine(line);
     if (const auto* fault = std::get_if<Fault>(&json)) {
         Fault refused = *fault;
         if (beginsDocument(line, refused)) refused.message += kDocumentHint;
         return refused;
     }
-    return applyOperation(std::get<Json>(json).root());
+    json_.emplace(std::get<Json>(std::move(json)));
+    Result result = applyOperation();
+    json_.reset();
+    return result;
 }
 
-Operations::Result Operations::applyOperation(const JsonValue& operation) {
+Operations::Result Operations::applyOperation() {
+    const JsonValue operation = json_->root();
     if (!operation.is(JsonKind::object))
         return Fault{operation.offset(), unexpected("an object", operation.kind())};
     const auto parts = linePartsOf(operation);
@@ -200,7 +204,7 @@ Operations::Result Operations::touch(const JsonValue& path, const JsonValue*) {
 }
 
 Operations::Result Operations::openconfig(const JsonValue& document, const JsonValue*) {
-    auto applied = configuration_.apply(document);
+    auto applied = configuration_.apply(*std::exchange(json_, std::nullopt), document);
     if (auto* fault = std::get_if<Fault>(&applied)) return std::move(*fault);
     warnings_ = std::get<std::vector<Warning>>(std::move(applied));
     return {};

@@ -45,7 +45,7 @@ private:
     friend struct Verb;
     using Result = std::optional<Fault>;
 
-    Result applyOperation(const JsonValue& operation);
+    Result applyOperation();
     Result update(const JsonValue& path, const JsonValue* value);
     Result replace(const JsonValue& path, const JsonValue* value);
     Result remove(const JsonValue& path, const JsonValue* value);
@@ -64,6 +64,7 @@ private:
     Configuration& configuration_;
     PluginHost& host_;
     StreamOutput* output_ = nullptr;  ///< of the line that is being applied
+    std::optional<Json> json_;        ///< the line that is being applied
     PrintOperation printer_;
     Checker checker_;
     Editor editor_;

@@ -89,7 +89,9 @@ QosAgent::Json parsed(const std::string& text) {
 }
 
 void configure(QosAgent::Configuration& configuration, const std::string& text) {
-    const auto result = configuration.apply(parsed(text).root());
+    QosAgent::Json json = parsed(text);
+    const QosAgent::JsonValue root = json.root();
+    const auto result = configuration.apply(std::move(json), root);
     if (std::holds_alternative<QosAgent::Fault>(result)) std::abort();
 }
 

@@ -103,9 +103,10 @@ void requireWarnings(const std::vector<Warning>& warnings, std::string_view text
 }
 
 std::optional<Fault> configure(TextDatabase& db, std::string_view text) {
-    const JsonResult json = parseJson(text);
+    JsonResult json = parseJson(text);
     if (const auto* fault = std::get_if<Fault>(&json)) return *fault;
-    const auto applied = db.configuration.apply(std::get<Json>(json).root());
+    const JsonValue root = std::get<Json>(json).root();
+    const auto applied = db.configuration.apply(std::get<Json>(std::move(json)), root);
     if (const auto* fault = std::get_if<Fault>(&applied)) return *fault;
     requireWarnings(std::get<std::vector<Warning>>(applied), text);
     return {};

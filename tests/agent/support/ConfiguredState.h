@@ -26,9 +26,10 @@ public:
     }
     /// `COLUMN: MESSAGE` of a refused document; empty when it was applied.
     std::string configure(const std::string& document) {
-        const JsonResult json = parseJson(document);
+        JsonResult json = parseJson(document);
         if (const auto* fault = std::get_if<Fault>(&json)) return shown(*fault);
-        const auto applied = configuration.apply(std::get<Json>(json).root());
+        const JsonValue root = std::get<Json>(json).root();
+        const auto applied = configuration.apply(std::get<Json>(std::move(json)), root);
         const auto* fault = std::get_if<Fault>(&applied);
         return fault == nullptr ? "" : shown(*fault);
     }
