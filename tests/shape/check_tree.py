@@ -110,8 +110,6 @@ LONG_FILES = {
     "tests/agent/program/ServiceTest.cpp",
     "tests/gnmi/set_rules_test.py",
     "tests/gnmi/subscribe_rules_test.py",
-    "tests/http/http_test.py",
-    "tests/http/page_test.py",
     "tests/mutation/sites.py",
 }
 
