@@ -61,7 +61,8 @@ ConfigurationNodePtr ConfigurationNodes::listOf(const JsonValue& json,
         if (!key) return {};
         auto entry = std::make_shared<const ConfigurationNode::Entry>(
             ConfigurationNode::Entry{std::string(*key), nodeOf(element, &schema, true)});
-        list.set(std::move(entry));
+        const std::size_t offset = element.offset();
+        list.set(std::move(entry), offset < orders_.size() ? orders_[offset] : 0);
     }
     if (list.size() != json.size()) return {};
     return made(std::move(list), json);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <variant>
 #include <vector>
@@ -66,6 +67,10 @@ public:
     /// Of a tree that the change with that number brought.
     ConfigurationNodes(std::shared_ptr<const Json> tree, std::uint64_t change)
         : tree_(std::move(tree)), change_(change) {}
+    /// Of a tree in which the offset of a list entry says where in `orders` its place in the list
+    /// stands. An offset beyond them: the entry stands behind those before it.
+    ConfigurationNodes(std::shared_ptr<const Json> tree, std::span<const std::uint64_t> orders)
+        : tree_(std::move(tree)), change_(0), orders_(orders) {}
 
     /// `schema` may be null. `isEntry`: the node is one entry of the list that the schema
     /// describes.
@@ -80,6 +85,7 @@ private:
 
     std::shared_ptr<const Json> tree_;
     std::uint64_t change_;
+    std::span<const std::uint64_t> orders_;
 };
 
 /// The name under which a container keeps a member: the top one has its prefix, however it was

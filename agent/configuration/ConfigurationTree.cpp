@@ -179,6 +179,12 @@ ConfigurationTree ConfigurationTree::of(std::shared_ptr<const Json> tree, const 
         ConfigurationNodes(std::move(tree), change).nodeOf(document, &ModelSchema::root()));
 }
 
+ConfigurationTree ConfigurationTree::of(std::shared_ptr<const Json> tree, const JsonValue& document,
+                                        std::span<const std::uint64_t> orders) {
+    return ConfigurationTree(
+        ConfigurationNodes(std::move(tree), orders).nodeOf(document, &ModelSchema::root()));
+}
+
 std::optional<ConfigurationView> ConfigurationTree::view() const {
     if (root_ == nullptr) return {};
     return ConfigurationView(root_, &ModelSchema::root(), false);

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -68,6 +69,9 @@ public:
     /// A whole document, which is `document` within `tree`.
     static ConfigurationTree of(std::shared_ptr<const Json> tree, const JsonValue& document,
                                 std::uint64_t change);
+    /// The same, with the places of list entries as `ConfigurationNodes` reads them.
+    static ConfigurationTree of(std::shared_ptr<const Json> tree, const JsonValue& document,
+                                std::span<const std::uint64_t> orders);
 
     const ConfigurationNodePtr& root() const { return root_; }
     /// Nothing if nothing is configured.

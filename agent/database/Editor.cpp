@@ -123,6 +123,11 @@ void Editor::update(const Path& path, const JsonValue& value) {
     patchEntity(*path.subtree->root, {}, Patch(path.steps, value, Patch::Mode::merge));
 }
 
+void Editor::set(const Path& path, const JsonValue& value) {
+    report_.begin(*path.subtree);
+    patchEntity(*path.subtree->root, {}, Patch(path.steps, value, Patch::Mode::set));
+}
+
 void Editor::replace(const Path& path, const JsonValue& value) {
     report_.begin(*path.subtree);
     patchEntity(*path.subtree->root, {}, Patch(path.steps, value, Patch::Mode::replace));

@@ -28,6 +28,8 @@ public:
     void update(const Path& path, const JsonValue& value);
     /// What is at the path goes, and the value comes.
     void replace(const Path& path, const JsonValue& value);
+    /// Merges the value into an entity; sets any other value as a whole, in one published change.
+    void set(const Path& path, const JsonValue& value);
     /// Takes out what is at the path, a member of a collection or what may be unset. Nothing
     /// happens when it is absent.
     void remove(const Path& path);

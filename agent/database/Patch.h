@@ -17,6 +17,7 @@ public:
     enum class Mode {
         merge,    ///< into what is there
         replace,  ///< what is at the end of the path
+        set,      ///< values as a whole; entities as `merge`
     };
     Patch(std::span<const Step> path, const JsonValue& value, Mode mode)
         : path_(path), value_(value), mode_(mode) {}
@@ -24,6 +25,8 @@ public:
     bool isNull() const { return path_.empty() && value_.is(JsonKind::null); }
     /// The thing itself is to be replaced, not some part of it.
     bool replacesAll() const { return path_.empty() && mode_ == Mode::replace; }
+    /// The value is to be what the patch says, whatever it was.
+    bool setsAll() const { return path_.empty() && mode_ != Mode::merge; }
     /// The same for a thing that is new anyway.
     Patch asMerge() const { return {path_, value_, Mode::merge}; }
     const JsonValue& value() const { return value_; }

@@ -106,7 +106,7 @@ Value defaultValue(const Type& type, Vex::Role role, const Keys& keys) {
 Value patched(const Type& type, Value current, const Patch& patch, const Keys& keys,
               Interner& interner) {
     if (patch.isNull()) return {};
-    if (patch.replacesAll()) current = Value();
+    if (patch.setsAll()) current = Value();
     switch (type.shape) {
         case Shape::record:
             return patchedRecord(type, std::move(current), patch, keys, interner);

@@ -53,12 +53,16 @@ void ruleDel(AclSubConfig& rules, AclType type, std::uint32_t sequence) {
         rules.ipRuleByIdDel(UniqueId{sequence});
 }
 
+/// Whether the sequence number stands for the rule of the same number.
+bool isSequenced(const AclSubConfig& rules, std::uint32_t sequence) {
+    const UniqueId* held = rules.ruleIdBySequence().find(sequence);
+    return held != nullptr && *held == UniqueId{sequence};
+}
+
 /// Lets the readers of the rules know that this one is as it should be.
 void tellRule(AclSubConfig& rules, std::uint32_t sequence, bool isChanged) {
-    const UniqueId id{sequence};
-    const UniqueId* held = rules.ruleIdBySequence().find(sequence);
-    if (held == nullptr || *held != id)
-        rules.ruleIdBySequenceIs(sequence, id);
+    if (!isSequenced(rules, sequence))
+        rules.ruleIdBySequenceIs(sequence, UniqueId{sequence});
     else if (isChanged)
         rules.publishChange(AclSubConfig::kRuleIdBySequence.id, &sequence);
 }
@@ -151,7 +155,10 @@ void AccessListWriter::writeLists(AclType type, const Difference& difference) {
         if (aclTypeOf(*term.later) != type || term.later->term->conditions.empty()) return;
         write(*lists, *term.later, valuesFor(type, term.earlier));
     });
-    if (!lists->aclConfig().empty()) config_->aclTypeConfigIs(lists);
+    if (lists->aclConfig().empty()) return;
+    if (held == nullptr)
+        ownership_.created(Place(type == AclType::ipv6 ? Places::kIp6Type : Places::kIpType));
+    config_->aclTypeConfigIs(lists);
 }
 
 void AccessListWriter::write(AclTypeConfig& lists, const TermOfClassifier& later,
@@ -199,7 +206,7 @@ void AccessListWriter::changeRules(const ListOfRules& list, const Values& earlie
     bool isAnyChanged = earlier.size() != later.size();
     for (std::size_t at = 0; at < later.size(); ++at) {
         isChanged[at] = ruleIs(rules, type, sequenceOf(at), later[at]);
-        isAnyChanged = isAnyChanged || isChanged[at];
+        isAnyChanged = isAnyChanged || isChanged[at] || !isSequenced(rules, sequenceOf(at));
     }
     std::vector<std::uint32_t> going;
     for (std::size_t at = later.size(); at < earlier.size(); ++at) {

@@ -36,7 +36,9 @@ void ClassMapWriter::writeComing(const Difference& difference) {
     const auto classMaps = held != nullptr ? *held : ClassMapTypeStatus::create(MapType::mapQos);
     difference.eachLaterTerm(
         [&](const TermChange& term) { write(*classMaps, *term.later, term.earlier); });
-    if (!classMaps->cmapStatus().empty()) status_->cmapTypeStatusIs(classMaps);
+    if (classMaps->cmapStatus().empty()) return;
+    if (held == nullptr) ownership_.created(Place(Places::kClassMapType));
+    status_->cmapTypeStatusIs(classMaps);
 }
 
 void ClassMapWriter::write(ClassMapTypeStatus& classMaps, const TermOfClassifier& later,

@@ -87,6 +87,33 @@ Configuration::Reading Configuration::read(const ConfigurationTree& tree) const 
     return reading;
 }
 
+std::optional<std::uint32_t> Configuration::trafficClassOf(const Orin::String& group) const {
+    const ForwardingGroup* held = translator_.document().groups.find(group);
+    if (held == nullptr) return {};
+    return held->trafficClass;
+}
+
+std::optional<Fault> Configuration::restore(ConfigurationTree tree,
+                                            const TrafficClasses& trafficClassOf) {
+    if (tree.root() == nullptr) {
+        translator_.restore({});
+        tree_ = {};
+        return {};
+    }
+    // What is kept was let pass once, whatever this run is asked to refuse.
+    OpenConfigReader reader(interner_, Strictness::warns);
+    reader.placesAre(tree);
+    auto read = reader.read(tree.json(change_).root());
+    if (auto* fault = std::get_if<Fault>(&read)) return std::move(*fault);
+    auto& document = std::get<OpenConfigDocument>(read);
+    for (const auto& group : document.groups.inOrder())
+        if (const auto number = trafficClassOf(group->name))
+            document.groups.set({group->name, *number});
+    tree_ = std::move(tree);
+    translator_.restore(std::move(document));
+    return {};
+}
+
 /// Finds the edit before which the configuration could be read, and after which it cannot.
 Configuration::Refusal Configuration::refusalOf(const std::vector<ConfigurationEdit>& edits,
                                                 const Trees& trees, Fault fault) const {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <variant>
 #include <vector>
 
@@ -34,6 +36,20 @@ public:
 
     /// The configuration as it was given.
     const ConfigurationTree& tree() const { return tree_; }
+
+    // For a store, which keeps the configuration beyond the end of the program.
+
+    /// The traffic class of a group; nothing if no such group is configured.
+    std::optional<std::uint32_t> trafficClassOf(const Orin::String& group) const;
+    Ownership& ownership() { return translator_.ownership(); }
+    /// Until `restore` is called, the inputs may be changed without that these changes are taken
+    /// for those of others.
+    void suspend() { translator_.suspend(); }
+    /// Takes the inputs, and the notes on who made them, for what the configuration `tree` made of
+    /// them: in an earlier run, or before they were changed back. `trafficClassOf` tells those of
+    /// its groups. Returns why the configuration cannot be read; nothing has changed then.
+    using TrafficClasses = std::function<std::optional<std::uint32_t>(std::string_view group)>;
+    std::optional<Fault> restore(ConfigurationTree tree, const TrafficClasses& trafficClassOf);
 
 private:
     using Trees = std::vector<ConfigurationTree>;

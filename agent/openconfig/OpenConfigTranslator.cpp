@@ -32,14 +32,30 @@ OpenConfigTranslator::~OpenConfigTranslator() {
 
 void OpenConfigTranslator::apply(OpenConfigDocument later) {
     // What is reported while nobody listens here is the configuration's own doing.
-    database_.inputChanges().listenerDel(ownership_);
-    database_.inputChanges().listenerDel(touched_);
+    suspend();
     groups_.learn(earlier_, touched_);
     if (!std::exchange(isFirst_, false)) groups_.number(earlier_, later, touched_);
     write({earlier_, later, touched_});
     removeHollow();
     earlier_ = std::move(later);
     touched_.clear();
+    listen();
+}
+
+void OpenConfigTranslator::suspend() {
+    database_.inputChanges().listenerDel(ownership_);
+    database_.inputChanges().listenerDel(touched_);
+}
+
+void OpenConfigTranslator::restore(std::optional<OpenConfigDocument> document) {
+    isFirst_ = !document;
+    earlier_ = document ? *std::move(document) : OpenConfigDocument();
+    // What others changed before is not known: all has to be compared.
+    touched_.inputChanged(InputChanges::Kind::changed, "");
+    listen();
+}
+
+void OpenConfigTranslator::listen() {
     if (!earlier_.empty()) database_.inputChanges().listenerAdd(touched_);
     if (!earlier_.empty() || !ownership_.isEmpty())
         database_.inputChanges().listenerAdd(ownership_);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "agent/database/Database.h"
 #include "agent/openconfig/AccessListWriter.h"
 #include "agent/openconfig/ClassMapWriter.h"
@@ -25,10 +27,18 @@ public:
 
     /// What was applied last; nothing at first.
     const OpenConfigDocument& document() const { return earlier_; }
+    Ownership& ownership() { return ownership_; }
+    /// Until `restore` is called, the inputs may be changed without that these changes are taken
+    /// for those of others.
+    void suspend();
+    /// Takes the inputs for what the document made of them, in an earlier run or before they were
+    /// changed back. Nothing: no document was ever applied.
+    void restore(std::optional<OpenConfigDocument> document);
 
 private:
     void write(const Difference& difference);
     void removeHollow();
+    void listen();
 
     Database& database_;
     Ownership ownership_;

@@ -14,7 +14,7 @@ std::string withEnd(std::string_view path, char end) {
 
 void Ownership::inputChanged(InputChanges::Kind kind, std::string_view path) {
     if (kind == InputChanges::Kind::created) {
-        others_.emplace(path);
+        note(others_, std::string(path));
     } else if (kind == InputChanges::Kind::removed) {
         eraseWithin(others_, path);
         eraseWithin(left_, path);
@@ -24,11 +24,11 @@ void Ownership::inputChanged(InputChanges::Kind kind, std::string_view path) {
 void Ownership::describe(const Place& place, bool wasDescribed) {
     if (wasDescribed) return;
     std::string path = place.path();
-    if (left_.erase(path) == 0) others_.insert(std::move(path));
+    if (!eraseNote(left_, path)) note(others_, std::move(path));
 }
 
 void Ownership::noteOthers(const Place& place) {
-    others_.insert(place.path());
+    note(others_, place.path());
 }
 
 bool Ownership::isOthers(const Place& place) const {
@@ -42,7 +42,7 @@ bool Ownership::holdsOthers(const Place& place) const {
 bool Ownership::leave(const Place& place) {
     if (isOthers(place)) return false;
     if (holdsOthers(place)) {
-        left_.insert(place.path());
+        note(left_, place.path());
         return false;
     }
     removed(place);
@@ -81,12 +81,42 @@ bool Ownership::holdsBelow(const Paths& paths, std::string_view path) {
            (*at)[path.size()] == kSeparator;
 }
 
+unsigned Ownership::notesOn(std::string_view path) const {
+    return (others_.contains(path) ? kOthers : 0) | (left_.contains(path) ? kLeft : 0);
+}
+
+void Ownership::notesAre(const std::string& path, unsigned notes) {
+    const auto is = [&](Paths& paths, unsigned mark) {
+        if ((notes & mark) != 0)
+            paths.insert(path);
+        else
+            paths.erase(path);
+    };
+    is(others_, kOthers);
+    is(left_, kLeft);
+}
+
+void Ownership::note(Paths& paths, std::string path) {
+    const auto [at, isNew] = paths.insert(std::move(path));
+    if (isNew && noteChanged_) noteChanged_(*at);
+}
+
+bool Ownership::eraseNote(Paths& paths, const std::string& path) {
+    if (paths.erase(path) == 0) return false;
+    if (noteChanged_) noteChanged_(path);
+    return true;
+}
+
 void Ownership::eraseWithin(Paths& paths, std::string_view path) {
     if (paths.empty()) return;
-    if (const auto at = paths.find(path); at != paths.end()) paths.erase(at);
+    eraseNote(paths, std::string(path));
     // All that begins with the path and a separator.
-    paths.erase(paths.lower_bound(withEnd(path, kSeparator)),
-                paths.lower_bound(withEnd(path, kBehindSeparator)));
+    const auto first = paths.lower_bound(withEnd(path, kSeparator));
+    const auto last = paths.lower_bound(withEnd(path, kBehindSeparator));
+    if (noteChanged_)
+        for (auto at = first; at != last; ++at)
+            noteChanged_(*at);
+    paths.erase(first, last);
 }
 
 }  // namespace QosAgent

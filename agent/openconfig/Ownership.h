@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -48,6 +49,17 @@ public:
     /// The configuration changed the member, or something within.
     void changed(const Place& place) const { report(InputChanges::Kind::changed, place); }
 
+    /// What is noted of one path: any of these together.
+    static constexpr unsigned kOthers = 1;  ///< others made it
+    static constexpr unsigned kLeft = 2;    ///< the configuration left it behind
+    unsigned notesOn(std::string_view path) const;
+    /// Takes the notes over from an earlier run.
+    void notesAre(const std::string& path, unsigned notes);
+    /// From now on, `changed` is called with each path whose notes change.
+    void noteWatchIs(std::function<void(const std::string& path)> changed) {
+        noteChanged_ = std::move(changed);
+    }
+
     /// The topmost objects left behind that hold nothing any more; the caller must remove them.
     std::vector<std::string> takeHollow();
 
@@ -55,7 +67,9 @@ private:
     using Paths = std::set<std::string, std::less<>>;
 
     static bool holdsBelow(const Paths& paths, std::string_view path);
-    static void eraseWithin(Paths& paths, std::string_view path);
+    void note(Paths& paths, std::string path);
+    bool eraseNote(Paths& paths, const std::string& path);
+    void eraseWithin(Paths& paths, std::string_view path);
     void report(InputChanges::Kind kind, const Place& place) const {
         if (changes_.hasListeners()) changes_.report(kind, place.path());
     }
@@ -63,6 +77,7 @@ private:
     const InputChanges& changes_;
     Paths others_;
     Paths left_;
+    std::function<void(const std::string& path)> noteChanged_;
 };
 
 }  // namespace QosAgent

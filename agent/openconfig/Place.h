@@ -63,8 +63,12 @@ private:
     std::string_view inner_ = {};
 };
 
-/// The collections that have what the OpenConfig configuration makes.
+/// The collections that have what the OpenConfig configuration makes, and the types that hold them.
 namespace Places {
+inline constexpr std::string_view kClassMapType = "qos/status/cmapTypeStatus/mapQos";
+inline constexpr std::string_view kPolicyMapType = "qos/status/pmapTypeStatus/mapQos";
+inline constexpr std::string_view kIpType = "acl/config/cli/aclTypeConfig/ipv4";
+inline constexpr std::string_view kIp6Type = "acl/config/cli/aclTypeConfig/ipv6";
 inline constexpr std::string_view kGroupMap = "qos/input/config/cli/forwardingGroupNameToTcMap";
 inline constexpr std::string_view kGroups = "qos/input/config/cli/forwardingGroupNameToTcMap/tc";
 inline constexpr std::string_view kClassMaps = "qos/status/cmapTypeStatus/mapQos/cmapStatus";

@@ -75,7 +75,9 @@ void PolicyMapWriter::writeComing(const Difference& difference) {
     const auto pmaps = held != nullptr ? *held : PolicyMapTypeStatus::create(MapType::mapQos);
     for (const AttachedPair* pair : difference.comingPairs())
         write(*pmaps, *pair, difference);
-    if (!pmaps->pmapStatus().empty()) status_->pmapTypeStatusIs(pmaps);
+    if (pmaps->pmapStatus().empty()) return;
+    if (held == nullptr) ownership_.created(Place(Places::kPolicyMapType));
+    status_->pmapTypeStatusIs(pmaps);
 }
 
 void PolicyMapWriter::write(PolicyMapTypeStatus& pmaps, const AttachedPair& pair,
