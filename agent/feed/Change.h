@@ -1,21 +1,13 @@
 #pragma once
 
-#include <memory>
 #include <string>
 #include <string_view>
 
+#include "agent/feed/ChangeLine.h"
 #include "platform/Vex/TypeRecord.h"
 #include "platform/Vex/Value.h"
 
 namespace QosAgent {
-
-/// A published change as plain data, shared by all who keep it.
-struct ChangeLine {
-    std::string path;  ///< whole, with the one at which the state tree is mounted
-    std::string text;  ///< a change-stream line, `update` or `delete`, with its line end
-    bool isDelete = false;
-};
-using ChangeLinePtr = std::shared_ptr<const ChangeLine>;
 
 /// One published change of the state tree. Borrows what it names: valid during the notification.
 class Change {

@@ -81,17 +81,22 @@ void Feed::record(const Change& change) {
     }
 }
 
-void Feed::endRequest() {
-    if (stateKeepers_ == 0) return;
-    ChangeSetPtr changes;
+ChangeSetPtr Feed::collect() {
+    if (stateKeepers_ == 0) return {};
+    Snapshot next{collected_.sequence + 1,
+                  std::max(collected_.time, std::chrono::system_clock::now()), state_,
+                  configurationSource_(), policyMapsSource_()};
+    ChangeSetPtr changes = collector_.take(collected_, next);
+    collected_ = std::move(next);
+    return changes;
+}
+
+void Feed::publish(const ChangeSetPtr& changes) {
+    if (changes == nullptr) return;
     std::vector<std::shared_ptr<Mailbox>> readers;
     {
         const std::lock_guard lock(mutex_);
-        Snapshot next{latest_.sequence + 1,
-                      std::max(latest_.time, std::chrono::system_clock::now()), state_,
-                      configurationSource_(), policyMapsSource_()};
-        changes = collector_.take(latest_, next);
-        latest_ = std::move(next);
+        latest_ = changes->after;
         readers = mailboxes();
     }
     for (const std::shared_ptr<Mailbox>& reader : readers)
@@ -106,6 +111,13 @@ FeedStatistics Feed::statistics() const {
     for (const std::shared_ptr<Mailbox>& reader : readers)
         statistics.waiting += reader->waiting();
     return statistics;
+}
+
+void Feed::withhold(const ChangeSetPtr& changes) {
+    if (changes == nullptr) return;
+    collector_.merge(*changes);
+    const std::lock_guard lock(mutex_);
+    collected_ = latest_;
 }
 
 /// Those whose subscriptions are alive.

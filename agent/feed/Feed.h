@@ -49,7 +49,16 @@ public:
         policyMapsSource_ = std::move(source);
     }
     /// A request has been applied: makes its outcome the latest snapshot and tells subscribers.
-    void endRequest();
+    void endRequest() { publish(collect()); }
+    /// The same in two steps, for what must not be seen yet. Returns the outcome of the request;
+    /// null if the state is not kept.
+    ChangeSetPtr collect();
+    /// Makes an outcome the latest snapshot and tells subscribers. To be called in the order of
+    /// `collect`. No-op if it is null.
+    void publish(const ChangeSetPtr& changes);
+    /// In the place of `publish`, for the last outcomes that were collected: what they changed is
+    /// part of the next one. No-op if it is null.
+    void withhold(const ChangeSetPtr& changes);
     FeedStatistics statistics() const;
 
     // Any thread. Precondition: the state is kept.
@@ -72,6 +81,7 @@ private:
     std::function<ConfigurationTree()> configurationSource_ = [] { return ConfigurationTree(); };
     std::function<PolicyMapNames()> policyMapsSource_ = [] { return PolicyMapNames(); };
     ChangeCollector collector_;
+    Snapshot collected_;  ///< after the last outcome that was collected
     FeedStatistics statistics_;
     std::optional<StateWatch> watch_;
     mutable std::mutex mutex_;  ///< guards what follows
