@@ -72,6 +72,8 @@ void ServiceArguments::completeDoor(const DoorKind& kind) {
         if (const std::string fault = storeFault(value); !fault.empty())
             throw CLI::ValidationError(request.option, fault);
     }
+    for (const auto& [name, value] : request.options)
+        if (name == "apply-documents") options_.appliesDocuments = true;
     if (request.option == "--store")
         options_.store = std::move(request);
     else if (!request.option.empty())

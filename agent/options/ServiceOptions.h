@@ -23,6 +23,7 @@ struct ServiceOptions {
     std::string record;   ///< the file to record applied lines in; empty: none
     std::vector<DoorRequest> doors;
     std::optional<DoorRequest> store;
+    bool appliesDocuments = false;  ///< to a store that holds something, too
 
     /// Whether the program goes on until it is stopped.
     bool isService() const { return !listen.empty() || !doors.empty(); }

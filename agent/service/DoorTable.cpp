@@ -3,6 +3,7 @@
 #include <array>
 
 #include "agent/service/Door.h"
+#include "agent/store/Store.h"
 
 namespace QosAgent {
 namespace {
@@ -39,8 +40,8 @@ InstalledLibrary libraryFor(std::string_view option, std::string_view value) {
     if (option == "gnmi") return {"libqos-agent-gnmi.so", "qos-agent-gnmi", kDoorSymbol};
     if (option == "http") return {"libqos-agent-http.so", "qos-agent-http", kDoorSymbol};
     if (value.starts_with("redis"))
-        return {"libqos-agent-redis.so", "qos-agent-redis", kDoorSymbol};
-    return {"libqos-agent-lmdb.so", "qos-agent-lmdb", kDoorSymbol};
+        return {"libqos-agent-redis.so", "qos-agent-redis", kStoreSymbol};
+    return {"libqos-agent-lmdb.so", "qos-agent-lmdb", kStoreSymbol};
 }
 
 }  // namespace QosAgent

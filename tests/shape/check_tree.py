@@ -22,6 +22,9 @@ SEEN_BY_DOORS = ("agent/service/Service.h", "agent/service/Door.h", "agent/feed/
                  "agent/feed/FeedStatistics.h", "agent/service/Statistics.h", "agent/configuration/", "agent/json/",
                  "agent/host/ListeningSocket.h")
 
+# And a store, which is one, too.
+SEEN_BY_STORES = ("agent/store/Store.h", "agent/store/Record.h", "agent/feed/ChangeLine.h")
+
 # The rooms of the program that know no door, and what they know of loop and service.
 CORE = tuple(f"agent/{room}/" for room in (
     "configuration", "database", "documents", "explain", "host", "openconfig", "options", "output",
@@ -50,7 +53,11 @@ MAY_INCLUDE = {
     "agent/service/Service.h": ("agent/feed/", "agent/service/Statistics.h"),
     "agent/service/Statistics.h": ("agent/feed/",),
     "agent/service/Door.h": ("agent/service/Service.h",),
-    "agent/service/": KNOWN_TO_CORE,
+    "agent/service/": (*KNOWN_TO_CORE, "agent/store/"),
+    "agent/store/Record.h": ("agent/feed/ChangeLine.h",),
+    "agent/store/Store.h": ("agent/store/Record.h",),
+    "agent/store/": KNOWN_TO_CORE,
+    **{store: SEEN_BY_STORES for store in ("agent/lmdb/", "agent/redis/")},
     "agent/socket/": ("agent/service/Service.h", "agent/feed/", "agent/host/", "agent/json/",
                       "agent/loop/Loop.h", "agent/streams/LineBuffer.h"),
     "agent/connect/": KNOWN_TO_CORE,
@@ -60,6 +67,7 @@ MAY_INCLUDE = {
     "tests/platform/": ("platform/", "tests/support/"),
     "tests/QosOpenConfig/": ("platform/", "QosOpenConfig/", "tests/support/"),
     **{door: ("agent/", "tests/agent/") for door in ("tests/agent/gnmi/", "tests/agent/http/")},
+    "tests/agent/lmdb/": ("agent/", "tests/agent/", "QosOpenConfig/"),
     "tests/agent/": ("platform/", "agent/", "QosOpenConfig/", "tests/support/"),
     "tests/plugin/": ("platform/", "agent/", "tests/agent/", "tests/support/"),
     "tests/fuzz/": ("platform/", "agent/", "tests/agent/", "tests/support/"),
@@ -76,6 +84,7 @@ SCRIPT_TREES = ("scripts", "packaging", "tests")
 
 # Beside the headers of the language and of the system, which lie in no folder or in `sys`.
 LIBRARIES = {"platform/OvSlab/": ("sanitizer/",), "agent/loop/": ("systemd/",),
+             "agent/lmdb/": ("openssl/",),
              "agent/gnmi/": ("grpc/", "grpcpp/", "google/protobuf/", "openssl/"),
              "agent/http/": ("prometheus/",),
              "agent/": ("nlohmann/", "CLI/"),
