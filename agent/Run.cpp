@@ -13,12 +13,12 @@
 #include <vector>
 
 #include "agent/ServiceRun.h"
+#include "agent/StreamRun.h"
 #include "agent/connect/ClientRun.h"
 #include "agent/documents/DocumentCheck.h"
 #include "agent/documents/DocumentLoad.h"
 #include "agent/feed/Feed.h"
 #include "agent/host/File.h"
-#include "agent/host/InstalledLibrary.h"
 #include "agent/host/PluginHost.h"
 #include "agent/host/ToggleFolder.h"
 #include "agent/json/Excerpt.h"
@@ -33,7 +33,7 @@
 #include "agent/output/Terminal.h"
 #include "agent/service/Record.h"
 #include "agent/service/RequestApplier.h"
-#include "agent/streams/LineReader.h"
+#include "agent/store/OpenStore.h"
 #include "agent/streams/Operations.h"
 #include "agent/trace/TraceOutput.h"
 #include "platform/Agent/Toggles.h"
@@ -45,6 +45,8 @@ namespace {
 /// Why the program cannot go on.
 using Refusal = std::optional<Diagnostic>;
 
+constexpr const char* kPassedOver =
+    "documents were passed over, as the store holds a database; --apply-documents applies them";
 constexpr const char* kToggleFile = "QosOpenConfig.json";
 
 std::string unknownHandle(const std::string& name, const std::vector<std::string_view>& known) {
@@ -92,19 +94,30 @@ private:
     Refusal start() {
         if (Refusal refused = openStore()) return refused;
         if (Refusal refused = openRecord()) return refused;
+        applier_.emplace(operations_, feed_, record_ ? &*record_ : nullptr, keeper());
         ToggleFolder toggles(options_.toggleFolder);
         const auto read = toggles.read(kToggleFile);
         if (const auto* refused = std::get_if<Diagnostic>(&read)) return *refused;
         ::Agent::toggleReaderIs([toggles](auto toggle, auto file, bool fallback) mutable {
             return toggles.state(toggle, file, fallback);
         });
-        DocumentLoad documents(database_, configuration_);
-        for (const std::string& document : options_.documents)
-            if (Refusal refused = documents.load(document)) return refused;
+        if (Refusal refused = loadDocuments()) return refused;
         if (options_.follows) followIs(true);
         if (const auto fault = host_.load(options_.pluginFile))
             return refusal(options_.pluginFile, *fault);
         warnOfUnknownHandles();
+        const StoreFault fault = store_ ? store_->keepAll() : StoreFault();
+        return fault.empty() ? Refusal() : refusal("qos-agent", "--store: " + fault);
+    }
+    /// What is kept comes first: a restart must not undo what clients have set.
+    Refusal loadDocuments() {
+        const bool isPassedOver =
+            store_ && store_->hadContents() && !options_.service.appliesDocuments;
+        if (isPassedOver && !options_.documents.empty()) report(warning("qos-agent", kPassedOver));
+        if (isPassedOver) return {};
+        DocumentLoad documents(database_, configuration_);
+        for (const std::string& document : options_.documents)
+            if (Refusal refused = documents.load(document)) return refused;
         return {};
     }
     /// The plug-in has registered its handles by now.
@@ -115,13 +128,16 @@ private:
                 report(warning("qos-agent", unknownHandle(setting.handle, known)));
     }
     Refusal openStore() {
-        const auto& store = options_.service.store;
-        if (!store) return {};
-        const auto opened = openInstalled(store->library);
-        if (const auto* fault = std::get_if<std::string>(&opened))
-            return refusal("qos-agent", store->option + ' ' + *fault);
-        return refusal("qos-agent", store->option + " is not supported by this program");
+        const auto& asked = options_.service.store;
+        if (!asked) return {};
+        auto opened = OpenStore::open(asked->library, asked->options.front().second, database_,
+                                      configuration_, feed_);
+        if (const auto* fault = std::get_if<StoreFault>(&opened))
+            return refusal("qos-agent", asked->option + ' ' + *fault);
+        store_ = std::get<std::unique_ptr<OpenStore>>(std::move(opened));
+        return {};
     }
+    Keeper* keeper() { return store_ ? &store_->keeper() : nullptr; }
     Refusal openRecord() {
         const std::string& name = options_.service.record;
         if (name.empty()) return {};
@@ -129,7 +145,6 @@ private:
             return refusal(name, "--record would write to a file that is read");
         record_.emplace(name);
         if (record_->error() != 0) return refusal(name, std::strerror(record_->error()));
-        applier_.emplace(operations_, feed_, &*record_);
         return {};
     }
     /// False when the program cannot go on.
@@ -137,7 +152,7 @@ private:
         feed_.configurationSourceIs([this] { return configuration_.tree(); });
         PolicyMapWatch policyMaps(database_);
         feed_.policyMapsSourceIs([&policyMaps] { return policyMaps.names(); });
-        const bool isServed = ServiceRun(options_, *applier_, feed_,
+        const bool isServed = ServiceRun(options_, *applier_, feed_, keeper(),
                                          {[this](const AnsweredLine& line) { return print(line); },
                                           [this] { reopenFiles(); }})
                                   .run();
@@ -154,44 +169,27 @@ private:
         if (record_) record_->reopen();
         reopenTraces_();
     }
-    /// False when the program cannot go on.
     bool applyStreams() {
-        const StopSignals stop;
-        for (const std::string& stream : options_.streams) {
-            if (stop.isStopRequested()) break;
-            if (!applyStream(stream, stop)) return false;
-        }
-        return true;
+        return StreamRun(options_, *applier_, keeper(),
+                         {*this, out_, [this](const AnsweredLine& line) { return accepted(line); }})
+            .run();
     }
-    /// False when the program cannot go on.
-    bool applyStream(const std::string& name, const StopSignals& stop) {
-        const File file = File::toReadLater(name);
-        if (file.error() != 0) return unusable(name, file.error());
-        LineReader lines(file.fd(), Limits{}.lineBytes, stop);
-        while (out_.fault().empty() && lines.next()) {
-            Answer answer = applier_->apply(lines.line(), name, *this);
-            if (answer.refused) answer.line = lines.line();
-            if (!accepted({name, file.isKept(), lines.number(), answer})) return false;
-        }
-        return lines.error() == 0 || unusable(name, lines.error());
-    }
-    /// False when the program cannot go on.
     bool accepted(const AnsweredLine& line) {
         reportAnswer(line);
         if (!line.answer.refused) return true;
         isSomeRefused_ = true;
         return options_.keepsGoing;
     }
-    void line(std::string_view text) override { out_.line(text); }
+    /// What is written tells that all before it is kept.
+    void line(std::string_view text) override {
+        if (store_) store_->keeper().flush();
+        out_.line(text);
+    }
     void followIs(bool follows) override {
         if (!follows)
             follower_.reset();
         else if (!follower_)
             follower_.emplace(feed_, out_, options_.followForm, database_.stateTree());
-    }
-    static bool unusable(const std::string& file, int error) {
-        report(refusal(file, std::strerror(error)));
-        return false;
     }
     void printResults() {
         const Terminal terminal = terminalOn(STDOUT_FILENO);
@@ -220,7 +218,8 @@ private:
     PluginHost host_;
     Operations operations_{database_, configuration_, host_};
     std::optional<Record> record_;
-    std::optional<RequestApplier> applier_{std::in_place, operations_, feed_, nullptr};
+    std::unique_ptr<OpenStore> store_;
+    std::optional<RequestApplier> applier_;
     std::optional<Follower> follower_;
     bool isSomeRefused_ = false;
 };

@@ -8,7 +8,7 @@
 #include <utility>
 #include <variant>
 
-#include "agent/host/InstalledLibrary.h"
+#include "agent/host/InstalledModule.h"
 #include "agent/json/Visible.h"
 #include "agent/loop/LoopModule.h"
 #include "agent/output/Diagnostics.h"
@@ -30,24 +30,15 @@ bool refuse(const std::string& what, const std::string& why) {
     return false;
 }
 
-/// The module of a library, through the function that it exports.
-template <class Module>
-std::variant<const Module*, std::string> moduleOf(const InstalledLibrary& library,
-                                                  unsigned version) {
-    const auto opened = openInstalled(library);
-    if (const auto* fault = std::get_if<std::string>(&opened)) return *fault;
-    const auto function = reinterpret_cast<const Module* (*)()>(std::get<void*>(opened));
-    const Module* module = function();
-    if (module->version != version)
-        return std::string("belongs to another version of the program: ") + library.file;
-    return module;
-}
-
 }  // namespace
 
-ServiceRun::ServiceRun(const Options& options, RequestApplier& applier, Feed& feed,
+ServiceRun::ServiceRun(const Options& options, RequestApplier& applier, Feed& feed, Keeper* keeper,
                        Handlers handlers)
-    : options_(options), applier_(applier), feed_(feed), handlers_(std::move(handlers)) {}
+    : options_(options),
+      applier_(applier),
+      feed_(feed),
+      keeper_(keeper),
+      handlers_(std::move(handlers)) {}
 
 ServiceRun::~ServiceRun() {
     close();
@@ -73,10 +64,17 @@ bool ServiceRun::openLoop() {
     loop_ = std::get<const LoopModule*>(module)->make();
     commits_.emplace(*loop_,
                      [this](Request request) { return applier_.apply(std::move(request)); });
-    queue_.emplace(*loop_, feed_,
-                   [this](Request request) { return commits_->apply(std::move(request)); });
+    queue_.emplace(
+        *loop_, feed_, [this](Request request) { return commits_->apply(std::move(request)); },
+        keeper_);
     queue_->statisticsSourceIs([this](Statistics& statistics) { addStatistics(statistics); });
+    if (keeper_ != nullptr) keeper_->wakeIs([this] { loop_->post([this] { pollKeeper(); }); });
     return true;
+}
+
+void ServiceRun::pollKeeper() {
+    keeper_->poll();
+    queue_->goOn();
 }
 
 /// Machines are the objects of the plug-in, whose names end in `Sm`.
@@ -157,6 +155,10 @@ void ServiceRun::fail() {
 /// From the outside inwards: whoever may still submit goes first.
 void ServiceRun::close() {
     if (queue_) queue_->stop();
+    if (keeper_ != nullptr) {
+        keeper_->wakeIs({});
+        keeper_->flush();
+    }
     doors_.clear();
     server_.reset();
     streams_.reset();

@@ -29,8 +29,9 @@ public:
         std::function<void()> reopen;
     };
 
-    /// The caller keeps alive what it passes.
-    ServiceRun(const Options& options, RequestApplier& applier, Feed& feed, Handlers handlers);
+    /// The caller keeps alive what it passes. `keeper` may be null.
+    ServiceRun(const Options& options, RequestApplier& applier, Feed& feed, Keeper* keeper,
+               Handlers handlers);
     ~ServiceRun();
 
     /// Serves until a signal asks to stop. Returns false if the service could not be had or had to
@@ -47,11 +48,13 @@ private:
     void reload();
     void stop();
     void fail();
+    void pollKeeper();
     void close();
 
     const Options& options_;
     RequestApplier& applier_;
     Feed& feed_;
+    Keeper* keeper_;
     Handlers handlers_;
     BlockedSignals signals_;
     std::unique_ptr<Loop> loop_;

@@ -59,6 +59,8 @@ public:
     /// In the place of `publish`, for the last outcomes that were collected: what they changed is
     /// part of the next one. No-op if it is null.
     void withhold(const ChangeSetPtr& changes);
+    /// The state after the last request; what subscribers see may be earlier.
+    const Snapshot& applied() const { return collected_; }
     FeedStatistics statistics() const;
 
     // Any thread. Precondition: the state is kept.

@@ -26,12 +26,23 @@ Answer RequestApplier::apply(std::string_view line, std::string_view door, Strea
     Answer answer;
     if (const auto fault = operations_.apply(line, output))
         answer.refused = Remark{fault->offset + 1, fault->message, operations_.refusedEdit()};
-    else if (record_ != nullptr && operations_.mayChange())
-        record_->append(line, door);
     for (Warning& warning : operations_.takeWarnings())
         answer.warnings.push_back({warning.offset + 1, std::move(warning.message)});
-    feed_.endRequest();
+    end(line, door, record_ != nullptr && !answer.refused && operations_.mayChange());
     return answer;
+}
+
+void RequestApplier::end(std::string_view line, std::string_view door, bool isRecorded) {
+    if (keeper_ == nullptr) {
+        if (isRecorded) record_->append(line, door);
+        return feed_.endRequest();
+    }
+    keeper_->endRequest();
+    if (!isRecorded) return;
+    keeper_->whenKept(
+        [this, line = std::string(line), door = std::string(door)](const auto& fault) {
+            if (fault.empty()) record_->append(line, door);
+        });
 }
 
 Answer RequestApplier::apply(Request request) {
@@ -40,9 +51,15 @@ Answer RequestApplier::apply(Request request) {
     answer.lines = std::move(output.lines);
     answer.follows = output.follows;
     const bool isLong = request.line.size() > kLongLine;
-    if (answer.refused) answer.line = std::move(request.line);
+    if (answer.refused || keeper_ != nullptr) answer.line = std::move(request.line);
     request.line = {};
     if (isLong) ::malloc_trim(0);
+    return answer;
+}
+
+Answer notKept(const StoreFault& fault) {
+    Answer answer;
+    answer.refused = Remark{1, "the store failed: " + fault};
     return answer;
 }
 

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <utility>
 
+#include "agent/service/RequestApplier.h"
 #include "agent/streams/Operations.h"
 
 namespace QosAgent {
@@ -43,8 +44,12 @@ void RequestQueue::submit(Request request, Done done) {
 
 void RequestQueue::runSome() {
     const auto end = std::chrono::steady_clock::now() + kTurn;
-    while (auto next = take()) {
-        next->done(applyOne(std::move(next->request)));
+    for (;;) {
+        isHeldUp_ = keeper_ != nullptr && keeper_->isFull();
+        if (isHeldUp_) return;
+        auto next = take();
+        if (!next) return;
+        run(*std::move(next));
         if (std::chrono::steady_clock::now() < end) continue;
         loop_.post([this] { runSome(); });
         return;
@@ -52,7 +57,7 @@ void RequestQueue::runSome() {
 }
 
 Answer RequestQueue::applyOne(Request request) {
-    if (request.compose) request.line = request.compose(feed_.snapshot());
+    if (request.compose) request.line = request.compose(feed_.applied());
     if (isPassedOver(request.line)) return apply_(std::move(request));
     const auto begin = std::chrono::steady_clock::now();
     // Entries of the map stay where they are.
@@ -77,6 +82,23 @@ void RequestQueue::statistics(std::function<void(Statistics)> done) {
         statisticsSource_(statistics);
         done(std::move(statistics));
     });
+}
+
+void RequestQueue::run(Waiting next) {
+    const auto applied = std::move(next.request.applied);
+    Answer answer = applyOne(std::move(next.request));
+    if (applied) applied(answer);
+    if (keeper_ == nullptr) return next.done(std::move(answer));
+    keeper_->whenKept([answer = std::move(answer), done = std::move(next.done)](const auto& fault) {
+        if (fault.empty()) return done(answer);
+        Answer refused = notKept(fault);
+        refused.line = answer.line;
+        done(std::move(refused));
+    });
+}
+
+void RequestQueue::goOn() {
+    if (isHeldUp_) runSome();
 }
 
 std::optional<RequestQueue::Waiting> RequestQueue::take() {

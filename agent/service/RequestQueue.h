@@ -8,6 +8,7 @@
 #include "agent/feed/Feed.h"
 #include "agent/loop/Loop.h"
 #include "agent/service/Service.h"
+#include "agent/store/Keeper.h"
 
 namespace QosAgent {
 
@@ -19,9 +20,9 @@ public:
     static constexpr std::size_t kMostWaiting = 1024;
     using Apply = std::function<Answer(Request)>;
 
-    /// Loop and feed must outlive the queue.
-    RequestQueue(Loop& loop, Feed& feed, Apply apply)
-        : loop_(loop), feed_(feed), apply_(std::move(apply)) {}
+    /// Loop, feed and keeper must outlive the queue. `keeper` may be null.
+    RequestQueue(Loop& loop, Feed& feed, Apply apply, Keeper* keeper = nullptr)
+        : loop_(loop), feed_(feed), apply_(std::move(apply)), keeper_(keeper) {}
 
     void submit(Request request, Done done) override;
     Snapshot snapshot() override { return feed_.snapshot(); }
@@ -36,6 +37,8 @@ public:
         statisticsSource_ = std::move(source);
     }
 
+    /// Goes on after the keeper was full. Event thread only.
+    void goOn();
     /// Answers requests that were not begun, and all later ones, as busy. Event thread only.
     void stop();
 
@@ -47,11 +50,13 @@ private:
 
     void runSome();
     Answer applyOne(Request request);
+    void run(Waiting next);
     std::optional<Waiting> take();
 
     Loop& loop_;
     Feed& feed_;
     Apply apply_;
+    Keeper* keeper_;
     RequestStatistics statistics_;
     StreamCounters grpcCounters_;
     std::function<void(Statistics&)> statisticsSource_ = [](Statistics&) {};
@@ -60,6 +65,7 @@ private:
     std::deque<Waiting> waiting_;
     bool isScheduled_ = false;  ///< `runSome` will be called, or is running
     bool isStopped_ = false;
+    bool isHeldUp_ = false;  ///< until the keeper has room; event thread only
 };
 
 }  // namespace QosAgent

@@ -31,6 +31,8 @@ struct CommitAction {
     friend bool operator==(const CommitAction&, const CommitAction&) = default;
 };
 
+struct Answer;
+
 /// One operation, as the text of a change-stream line.
 struct Request {
     /// May be empty if there is a `commit`.
@@ -43,6 +45,10 @@ struct Request {
     /// cannot be said before. Called on the event thread, once; must not wait. If it is empty, the
     /// line is as it stands.
     std::function<std::string(const Snapshot&)> compose = {};
+    /// Called on the event thread as soon as the request is applied or refused, with what will be
+    /// its answer if it is kept: whoever submits one request after the other may submit the next.
+    /// Not called for a request that is answered as busy. May be null.
+    std::function<void(const Answer&)> applied = {};
 };
 
 /// A remark about the text of a request.
@@ -82,13 +88,15 @@ public:
 
     virtual ~Service() = default;
 
-    /// Applies the request on the event thread, whole, after those submitted before it. Calls
-    /// `done` there exactly once, when the request is applied or refused. `done` must not wait. A
-    /// request that is not accepted is answered as busy before `submit` returns, on the calling
-    /// thread; one that was not begun when the service stops is answered as busy, too.
+    /// Applies the request on the event thread, whole, after those submitted before it. Calls `done`
+    /// there exactly once, in the order of submission, when the request is applied and, where there
+    /// is a store, kept, or when it is refused. `done` must not wait. A request
+    /// that is not accepted is answered as busy before `submit` returns, on the calling thread; one
+    /// that was not begun when the service stops is answered as busy, too.
     virtual void submit(Request request, Done done) = 0;
 
-    /// The published state as it is after some request, no earlier than the last one answered.
+    /// The published state as it is after some request, no earlier than the last one answered, and
+    /// kept where there is a store.
     virtual Snapshot snapshot() = 0;
 
     /// Begins a subscription that starts with the latest snapshot. `wake` is called on the event

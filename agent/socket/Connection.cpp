@@ -68,19 +68,32 @@ void Connection::submitNext() {
         return endWith("too much memory is taken by lines that have not ended");
     if (!isLine) return;
     isWaiting_ = true;
-    host_.service.submit({lines_.take(), "socket"}, [weak = weak_from_this()](Answer answer) {
-        if (const auto self = weak.lock()) self->answered(std::move(answer));
-    });
+    Request request{lines_.take(), "socket"};
+    request.applied = [weak = weak_from_this()](const Answer& answer) {
+        if (const auto self = weak.lock()) self->applied(answer);
+    };
+    const auto done = [weak = weak_from_this(), line = lines_.number()](Answer answer) {
+        if (const auto self = weak.lock()) self->answered(line, std::move(answer));
+    };
+    host_.service.submit(std::move(request), done);
 }
 
-void Connection::answered(Answer answer) {
+void Connection::applied(const Answer& answer) {
     isWaiting_ = false;
+    ++applied_;
     if (isEnded_) return;
-    if (!isGone_ && !addAnswer(lines_.number(), answer)) return end();
-    if (answer.isBusy) return endWith(nullptr);
     if (answer.follows && !isGone_) followIs(*answer.follows);
     submitNext();
     if (!isEnded_) goOn();
+}
+
+void Connection::answered(std::size_t line, Answer answer) {
+    ++answered_;
+    if (isEnded_) return;
+    if (!isGone_ && !addAnswer(line, answer)) return end();
+    if (answer.isBusy) return endWith(nullptr);
+    addHeldChanges();
+    goOn();
 }
 
 bool Connection::addAnswer(std::size_t line, Answer& answer) {
@@ -106,16 +119,24 @@ void Connection::changed(const Change& change) {
     const bool wasEmpty = outbox_.isEmpty();
     const bool isCreation =
         !change.isDelete() && !host_.feed.state().holds(host_.feed.below(change));
-    outbox_.addChange(change.shared(), isCreation);
+    held_.push_back({applied_, change.shared(), isCreation});
+    addHeldChanges();
     // It is written when the request that changes this is over.
     if (wasEmpty && watch_) watch_->interestIs(!isWaiting_ && !isAtEnd_, true);
+}
+
+void Connection::addHeldChanges() {
+    while (!held_.empty() && held_.front().behind <= answered_) {
+        outbox_.addChange(held_.front().change, held_.front().isCreation);
+        held_.pop_front();
+    }
 }
 
 void Connection::goOn() {
     if (!isGone_ && !outbox_.flush()) leave();
     if (isOver()) return end();
     // The descriptor of a client that has gone is ready for ever.
-    if (isGone_ && isWaiting_) return;
+    if (isGone_ && (isWaiting_ || applied_ != answered_)) return;
     if (!watch_) start();
     watch_->interestIs(!isWaiting_ && !isAtEnd_, !isGone_ && !outbox_.isEmpty());
 }
@@ -129,7 +150,7 @@ void Connection::leave() {
 
 /// A client that has said all it wants to say, and was told all there is to tell.
 bool Connection::isOver() const {
-    return isAtEnd_ && !isWaiting_ && (isGone_ || outbox_.isEmpty());
+    return isAtEnd_ && !isWaiting_ && applied_ == answered_ && (isGone_ || outbox_.isEmpty());
 }
 
 /// One line that says why, if the client takes it at once; null: it was told already.

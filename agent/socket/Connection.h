@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <functional>
 #include <memory>
 
@@ -28,7 +29,8 @@ struct ConnectionHost {
 };
 
 /// One client on a socket: a change stream of its own. Its lines are applied one at a time, and it
-/// is read from no further meanwhile. What it does not take waits in its outbox.
+/// is read from no further meanwhile. What it does not take waits in its outbox. A line may be
+/// answered later than the next one is applied; answers and followed changes keep their order.
 class Connection final : public std::enable_shared_from_this<Connection>, private ChangeListener {
 public:
     /// Owns the descriptor, which must not block. The host must outlive the connection.
@@ -47,10 +49,12 @@ private:
     /// Returns false if the connection has ended.
     bool read();
     void submitNext();
-    void answered(Answer answer);
+    void applied(const Answer& answer);
+    void answered(std::size_t line, Answer answer);
     bool addAnswer(std::size_t line, Answer& answer);
     void followIs(bool follows);
     void changed(const Change& change) override;
+    void addHeldChanges();
     /// Writes what the client takes, and waits for what is to happen next.
     void goOn();
     void leave();
@@ -64,9 +68,18 @@ private:
     std::size_t heldBytes_ = 0;  ///< of the host's, this connection's part
     Outbox outbox_;
     Loop::WatchPtr watch_;
-    bool isWaiting_ = false;  ///< for the answer to a line
-    bool isAtEnd_ = false;    ///< the client has closed its sending side
-    bool isGone_ = false;     ///< the client reads no more
+    /// A change that is to be shown behind the answer to some line.
+    struct HeldChange {
+        std::size_t behind;  ///< lines that were applied before it
+        ChangeLinePtr change;
+        bool isCreation;
+    };
+    std::deque<HeldChange> held_;
+    std::size_t applied_ = 0;   ///< lines, so far
+    std::size_t answered_ = 0;  ///< lines, so far
+    bool isWaiting_ = false;    ///< for a line to be applied
+    bool isAtEnd_ = false;      ///< the client has closed its sending side
+    bool isGone_ = false;       ///< the client reads no more
     bool isEnded_ = false;
     bool follows_ = false;
 };

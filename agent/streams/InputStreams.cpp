@@ -40,8 +40,7 @@ void InputStreams::submitNext() {
     if (lines_->next() || (isAtEnd_ && lines_->last())) {
         // Not watched meanwhile: a file that has ended is ready for ever.
         watch_.reset();
-        service_.submit({lines_->take(), names_[next_ - 1]},
-                        [this](const Answer& answer) { answered(answer); });
+        submit();
     } else if (isAtEnd_) {
         openNext();
     } else if (!watch_) {
@@ -49,13 +48,27 @@ void InputStreams::submitNext() {
     }
 }
 
-void InputStreams::answered(const Answer& answer) {
-    const bool goesOn =
-        handlers_.answered({names_[next_ - 1], file_->isKept(), lines_->number(), answer});
-    if (goesOn && !answer.isBusy)
-        submitNext();
-    else
+void InputStreams::submit() {
+    const std::string& name = names_[next_ - 1];
+    Request request{lines_->take(), name};
+    request.applied = [this](const Answer& answer) { applied(answer); };
+    service_.submit(std::move(request), [this, &name, isKept = file_->isKept(),
+                                         number = lines_->number()](const Answer& answer) {
+        answered({name, isKept, number, answer});
+    });
+}
+
+void InputStreams::applied(const Answer& answer) {
+    isHalted_ = answer.refused.has_value();
+    if (!isHalted_ && file_) submitNext();
+}
+
+void InputStreams::answered(const AnsweredLine& line) {
+    const bool goesOn = handlers_.answered(line);
+    if (!goesOn || line.answer.isBusy)
         close();
+    else if (line.answer.refused && std::exchange(isHalted_, false))
+        submitNext();
 }
 
 void InputStreams::close() {

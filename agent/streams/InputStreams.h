@@ -14,7 +14,7 @@
 namespace QosAgent {
 
 /// Reads the change streams of the command line on a loop, one after the other, and submits their
-/// lines one at a time.
+/// lines one at a time: each when the one before is applied.
 class InputStreams {
 public:
     struct Handlers {
@@ -34,7 +34,9 @@ private:
     void openNext();
     void read();
     void submitNext();
-    void answered(const Answer& answer);
+    void submit();
+    void applied(const Answer& answer);
+    void answered(const AnsweredLine& line);
     void close();
 
     std::vector<std::string> names_;
@@ -46,6 +48,7 @@ private:
     std::optional<LineBuffer> lines_;
     Loop::WatchPtr watch_;
     bool isAtEnd_ = false;
+    bool isHalted_ = false;  ///< until the refusal of a line is answered
 };
 
 }  // namespace QosAgent
