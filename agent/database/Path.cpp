@@ -1,5 +1,6 @@
 #include "agent/database/Path.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "agent/database/Scalars.h"
@@ -20,8 +21,10 @@ const Subtree* subtreeLeading(const Database& database, std::string_view path) {
 /// Walks down the type records, part by part.
 class PathReader {
 public:
-    PathReader(const Subtree& subtree, Interner& interner)
-        : path_{&subtree, {}, rootForm(subtree.type), {}}, interner_(interner) {}
+    PathReader(const Subtree& subtree, std::size_t parts, Interner& interner)
+        : path_{&subtree, {}, rootForm(subtree.type), {}}, interner_(interner) {
+        path_.steps.reserve(parts);
+    }
 
     /// Returns why the part is wrong; empty if it is right.
     std::string enter(std::string_view part) {
@@ -33,10 +36,14 @@ public:
 
 private:
     std::string enterKey(std::string_view part) {
+        if (part.find('~') == std::string_view::npos) return enterKey(part, part);
         const auto text = keyFromStep(part);
         if (!text) return "'~' in the key " + excerpt(part) + " begins neither '~0' nor '~1'";
-        auto key = keyFrom(*path_.form.keyType, *text, interner_);
-        if (!key) return keyFault(*path_.form.keyType, *text) + " (in the path)";
+        return enterKey(part, *text);
+    }
+    std::string enterKey(std::string_view part, std::string_view text) {
+        auto key = keyFrom(*path_.form.keyType, text, interner_);
+        if (!key) return keyFault(*path_.form.keyType, text) + " (in the path)";
         lastPart_ = part;
         path_.form = memberForm(path_.form);
         path_.keys = path_.keys.under(*key);
@@ -65,8 +72,9 @@ private:
 std::variant<Path, std::string> parsePath(Database& database, std::string_view text) {
     const Subtree* subtree = subtreeLeading(database, text);
     if (subtree == nullptr) return noSubtree(text);
-    PathReader reader(*subtree, database.interner());
     std::size_t end = subtree->mount->path.size();
+    const auto parts = static_cast<std::size_t>(std::count(text.begin() + end, text.end(), '/'));
+    PathReader reader(*subtree, parts, database.interner());
     while (end < text.size()) {
         const std::size_t begin = end + 1;
         end = std::min(text.find('/', begin), text.size());

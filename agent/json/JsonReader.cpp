@@ -56,7 +56,7 @@ std::string longerThan(std::size_t bytes) {
 /// there.
 class TreeBuilder {
 public:
-    TreeBuilder(std::string_view text, const Limits& limits) : text_(text), limits_(limits) {}
+    TreeBuilder(std::string_view text, const Limits& limits);
 
     /// Must be called once only, because it moves the tree out.
     JsonResult parse();
@@ -111,6 +111,16 @@ private:
     DuplicateKeys duplicateKeys_;
     std::optional<Fault> fault_;
 };
+
+/// Takes room for the tree of a usual line at once; that of a document grows.
+TreeBuilder::TreeBuilder(std::string_view text, const Limits& limits)
+    : text_(text), limits_(limits) {
+    constexpr std::size_t kLineBytes = 1024;
+    const std::size_t bytes = std::min(text.size(), kLineBytes);
+    texts_.reserve(bytes);
+    nodes_.reserve(bytes / 8 + 1);
+    open_.reserve(8);
+}
 
 JsonResult TreeBuilder::parse() {
     Lexer::sax_parse(CountingIterator(text_, 0, &taken_),
