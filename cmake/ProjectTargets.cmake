@@ -12,7 +12,7 @@ endmacro()
 # constants different names, but in these folders, whose sources follow one pattern, names and all.
 set(separate_folders
     QosOpenConfig/QosOpenConfigClassifierStateSm agent/openconfig
-    tests/agent/options tests/agent/program tests/platform/Vex)
+    tests/agent/options tests/agent/program tests/model tests/platform/Vex)
 
 function(qos_compile_folders_together TARGET)
     get_target_property(sources ${TARGET} SOURCES)

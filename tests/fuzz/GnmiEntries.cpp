@@ -2,7 +2,6 @@
 
 #include <gnmi.pb.h>
 
-#include <atomic>
 
 #include "agent/gnmi/Messages.h"
 #include "agent/gnmi/Set.h"
@@ -93,8 +92,8 @@ void fuzzGnmiSubscribe(std::string_view bytes) {
     if (!request) return;
     auto list = subscriptionsOf(*request);
     if (const auto* refusal = std::get_if<Refusal>(&list)) return requireRefusal(*refusal);
-    std::atomic<std::size_t> total = 0;
-    Stream stream(std::get<SubscriptionList>(std::move(list)), total);
+    StreamCounters counters;
+    Stream stream(std::get<SubscriptionList>(std::move(list)), counters);
     stream.setWake([] {});
     stream.begin(tree(), Stream::Clock::now());
     unsigned syncs = 0;

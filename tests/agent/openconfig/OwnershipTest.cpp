@@ -11,7 +11,7 @@
 namespace QosAgent {
 namespace {
 
-const std::string kGroups = "qos/input/config/cli/forwardingGroupNameToTcMap";
+const std::string kGroupMap = "qos/input/config/cli/forwardingGroupNameToTcMap";
 const std::string kCmap = "qos/status/cmapTypeStatus/mapQos/cmapStatus/openconfig:C:T";
 const std::string kPmap = "qos/status/pmapTypeStatus/mapQos/pmapStatus/openconfig:C:";
 const std::string kClass = kPmap + "/classes/openconfig:C:T";
@@ -67,8 +67,8 @@ TEST_F(OwnershipTest, takesWhatOthersReplacedForTheirs) {
 
 TEST_F(OwnershipTest, leavesTheGroupMapToTheGroupsOfOthers) {
     configured();
-    line(kGroups + "/tc/h", "9");
-    EXPECT_EQ(left(kGroups), (Left{"", "/tc/h"}));
+    line(kGroupMap + "/tc/h", "9");
+    EXPECT_EQ(left(kGroupMap), (Left{"", "/tc/h"}));
 }
 
 TEST_F(OwnershipTest, leavesAClassMapToTheMatchOfOthers) {
@@ -188,7 +188,7 @@ public:
             "openconfig:" + std::string(chance_.of(kFours)) + ':' + std::string(chance_.of(kSixes));
         switch (chance_.below(5)) {
             case 0:
-                return line(kGroups,
+                return line(kGroupMap,
                             {{"", R"({"tc":{"g1":7}})"}, {"/tc/g0", "3"}, {"/tc/g2", "0"}});
             case 1:
                 return line("qos/status/cmapTypeStatus/mapQos/cmapStatus/" + name,
