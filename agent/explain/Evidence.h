@@ -73,6 +73,8 @@ struct TermEvidence {
         return classMap != nullptr || !accessLists.empty() || !policyMaps.empty();
     }
     bool isKnown() const { return state != nullptr || configured != nullptr || isMade(); }
+    /// True if a policy map names the classifier or has a class made from the term.
+    bool isUsedByPolicyMap() const { return classifier->isInPolicyMap() || !policyMaps.empty(); }
 };
 
 /// The values of one family of a term, which may be null.

@@ -63,15 +63,11 @@ bool isNotAClass(const TermEvidence& term) {
     return term.classifier->isInPolicyMap() && term.policyMaps.empty();
 }
 
-bool isUsedByPolicyMap(const TermEvidence& term) {
-    return term.classifier->isInPolicyMap() || !term.policyMaps.empty();
-}
-
 /// While no policy map uses a term, the configured target group is written whenever the configured
 /// term is published, and at no other time.
 bool isGroupNotWritten(const TermEvidence& term) {
     const Orin::String& configured = targetGroup(term.configured);
-    return term.state != nullptr && !configured.empty() && !isUsedByPolicyMap(term) &&
+    return term.state != nullptr && !configured.empty() && !term.isUsedByPolicyMap() &&
            targetGroup(term.state) != configured;
 }
 
@@ -111,7 +107,7 @@ constexpr Finding kFindings[] = {
     {"no-access-list", kTerm,
      "The term is in the state or configured, but neither an IPv4 nor an IPv6 access list was made "
      "from it.",
-     "No access list was made from the term, so it has no DSCP values.",
+     "No access list was made from the term, so none gives it DSCP values.",
      "Configure a DSCP value of the classifier's family, or create the access list. A term that is "
      "to match all traffic needs none.",
      nullptr, hasNoAccessList},
@@ -134,15 +130,17 @@ constexpr Finding kFindings[] = {
      isDecidedByAccessList},
     {"no-traffic-class", kTerm,
      "A policy map has a class made from the term, and the class sets no traffic class.",
-     "The class in the policy map sets no traffic class, so the term has no target group.",
+     "The class in the policy map sets no traffic class, so this policy map gives the term no "
+     "target "
+     "group.",
      "Set the traffic class in the policy map (action 4) and raise its version, or configure a "
      "target group.",
      nullptr, hasNoTrafficClass},
     {"no-forwarding-group", kTerm,
      "A policy map has a class made from the term, and no forwarding group has the traffic class "
      "that the class sets.",
-     "No forwarding group has the traffic class that the policy map sets, so the term has no "
-     "target group.",
+     "No forwarding group has the traffic class that the policy map sets, so this policy map gives "
+     "the term no target group.",
      "Give a forwarding group that traffic class, or set another one in the policy map.", nullptr,
      hasNoForwardingGroup},
     {"not-a-class", kTerm,
@@ -191,7 +189,7 @@ FindingRows findingsOf(const TermEvidence& term) {
 }
 
 bool isDecidedByPolicyMap(const TermEvidence& term) {
-    return term.configured != nullptr && isUsedByPolicyMap(term) &&
+    return term.configured != nullptr && term.isUsedByPolicyMap() &&
            targetGroup(term.state) != targetGroup(term.configured);
 }
 

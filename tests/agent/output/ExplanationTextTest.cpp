@@ -14,7 +14,7 @@ protected:
 TEST_F(ExplanationTextTest, saysWhereTheStateComesFrom) {
     EXPECT_EQ(text({"edge", "voice"}),
               "classifier edge, IPV4\n"
-              "term voice\n"
+              "term voice: dscp 46(EF), target group voice\n"
               "\n"
               "dscp 46(EF) comes from rule 10 at sequence 10 of the IPv4 access list\n"
               "  openconfig:edge:voice.\n"
@@ -31,7 +31,7 @@ TEST_F(ExplanationTextTest, saysWhatIsConfiguredAndWhatIsInForce) {
     classIs(R"({"4":1})");
     EXPECT_EQ(text({"edge", "voice"}),
               "classifier edge, IPV4\n"
-              "term voice\n"
+              "term voice: dscp 8(CS1),46(EF), target group gold\n"
               "\n"
               "dscp 8(CS1),46(EF) come from the rules at sequence 5,10 of the IPv4 access list\n"
               "  openconfig:edge:voice.\n"
@@ -68,7 +68,7 @@ TEST_F(ExplanationTextTest, saysOfAClassifierWhatItsTermsAre) {
               "term late: not in the state\n"
               "  not-in-state: It is not in the state.\n"
               "  no-class-map: No class map was made from the term.\n"
-              "  no-access-list: No access list was made from the term, so it has no DSCP\n"
+              "  no-access-list: No access list was made from the term, so none gives it DSCP\n"
               "    values.\n"
               "  not-a-class: A policy map uses the classifier, but none has a class for the\n"
               "    term.\n"
@@ -87,14 +87,14 @@ TEST_F(ExplanationTextTest, saysWhatWasLeftBehind) {
               "left-behind: It is in the state, but nothing stands for it any more. Create its\n"
               "  class map and delete it again: only the end of a class map removes a term or\n"
               "  a classifier from the state.\n"
-              "term t\n"
+              "term t: no dscp, target group gold\n"
               "\n"
               "Target group gold was left in the state by a policy map that is gone.\n"
               "\n"
               "left-behind: It is in the state, but nothing stands for it any more. Create its\n"
               "  class map and delete it again: only the end of a class map removes a term or\n"
               "  a classifier from the state.\n"
-              "no-access-list: No access list was made from the term, so it has no DSCP\n"
+              "no-access-list: No access list was made from the term, so none gives it DSCP\n"
               "  values. Configure a DSCP value of the classifier's family, or create the\n"
               "  access list. A term that is to match all traffic needs none.");
 }
@@ -112,8 +112,8 @@ TEST_F(ExplanationTextTest, isFoldedToANarrowTerminalAndColoured) {
               "\033[1mclassifier edge, IPV4\033[0m\n"
               "\033[1mterm voice:\033[0m no dscp, target group voice\n"
               "  \033[1;35mno-access-list:\033[0m No access list was\n"
-              "    made from the term, so it has no\n"
-              "    DSCP values.");
+              "    made from the term, so none gives\n"
+              "    it DSCP values.");
 }
 
 TEST_F(ExplanationTextTest, isNoWiderThanAScreenOnAWideTerminal) {
