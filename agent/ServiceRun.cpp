@@ -68,7 +68,10 @@ bool ServiceRun::openLoop() {
         *loop_, feed_, [this](Request request) { return commits_->apply(std::move(request)); },
         keeper_);
     queue_->statisticsSourceIs([this](Statistics& statistics) { addStatistics(statistics); });
-    if (keeper_ != nullptr) keeper_->wakeIs([this] { loop_->post([this] { pollKeeper(); }); });
+    if (keeper_ != nullptr) {
+        keeper_->wakeIs([this] { loop_->post([this] { pollKeeper(); }); });
+        keeper_->keptIs([this](std::chrono::nanoseconds time) { commitTimes_.add(time); });
+    }
     return true;
 }
 
@@ -80,6 +83,8 @@ void ServiceRun::pollKeeper() {
 /// Machines are the objects of the plug-in, whose names end in `Sm`.
 void ServiceRun::addStatistics(Statistics& statistics) const {
     statistics.version = QOS_AGENT_VERSION;
+    // The store is a file of this machine: there is none that could be away.
+    if (keeper_ != nullptr) statistics.store = {false, commitTimes_};
     statistics.socketConnections = server_ ? server_->connections() : 0;
     for (auto* type = OvSlab::Tracker::first(); type != nullptr; type = type->next())
         if (type->typeName().ends_with("Sm") && type->live() > 0)
@@ -158,6 +163,7 @@ void ServiceRun::close() {
     if (keeper_ != nullptr) {
         keeper_->wakeIs({});
         keeper_->flush();
+        keeper_->keptIs({});
     }
     doors_.clear();
     server_.reset();

@@ -55,6 +55,7 @@ private:
     RequestApplier& applier_;
     Feed& feed_;
     Keeper* keeper_;
+    TimeHistogram commitTimes_;
     Handlers handlers_;
     BlockedSignals signals_;
     std::unique_ptr<Loop> loop_;

@@ -69,6 +69,8 @@ void Keeper::release(const CommitPipeline::Progress& progress) {
     while (!waiting_.empty() && waiting_.front().number <= progress.kept) {
         const Waiting kept = std::move(waiting_.front());
         waiting_.pop_front();
+        if (kept_ && kept.transaction != nullptr)
+            kept_(std::chrono::steady_clock::now() - kept.begin);
         feed_.publish(kept.changes);
         for (const Task& task : kept.tasks)
             task({});

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -22,12 +23,18 @@ public:
     /// So many requests wait for their commits before no more should be applied.
     static constexpr std::size_t kMostWaiting = 4096;
 
+    /// Gets the time from the end of a request until its transaction was found kept.
+    using Kept = std::function<void(std::chrono::nanoseconds time)>;
+
     /// Begins to collect. What is passed must outlive the keeper.
     Keeper(Store& store, Database& database, Configuration& configuration, Feed& feed);
 
     /// From now on, `wake` is called when `poll` has something to do, on any thread. It must only
     /// post a notice.
     void wakeIs(std::function<void()> wake);
+
+    /// From now on, `kept` is called for each transaction that is kept. It may be null.
+    void keptIs(Kept kept) { kept_ = std::move(kept); }
 
     /// Ends a request: what changed since the last one is one transaction. Subscribers of the feed
     /// are told when it is kept.
@@ -50,6 +57,7 @@ private:
         ConfigurationTree before;    ///< the configuration before it
         ChangeSetPtr changes;        ///< for subscribers; may be null
         std::vector<Task> tasks;
+        std::chrono::steady_clock::time_point begin = std::chrono::steady_clock::now();
     };
 
     void release(const CommitPipeline::Progress& progress);
@@ -68,7 +76,8 @@ private:
     /// kept with the next one.
     StateRecords carried_;
     bool isTransaction_ = false;  ///< the last request made one
-    std::mutex wakeMutex_;        ///< guards `wake_`
+    Kept kept_;
+    std::mutex wakeMutex_;  ///< guards `wake_`
     std::function<void()> wake_;
     CommitPipeline pipeline_;  ///< last: its thread uses the others
 };

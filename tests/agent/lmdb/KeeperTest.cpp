@@ -71,6 +71,24 @@ protected:
 
 using Notes = std::vector<std::string>;
 
+TEST_F(KeeperTest, tellsOfEachTransactionWhenItIsKept) {
+    std::vector<std::chrono::nanoseconds> times;
+    keeper().keptIs([&](std::chrono::nanoseconds time) { times.push_back(time); });
+    std::unique_lock held(store.gate);
+    state.begin(classMap("a"));
+    state.begin(R"({"echo":"x"})");
+    state.begin(classMap("b"));
+    keeper().poll();
+    EXPECT_THAT(times, testing::IsEmpty());
+    held.unlock();
+    keeper().flush();
+    EXPECT_THAT(times, testing::SizeIs(2));
+    failing(true);
+    state.begin(classMap("c"));
+    keeper().flush();
+    EXPECT_THAT(times, testing::SizeIs(2));
+}
+
 TEST_F(KeeperTest, answersNothingBeforeItIsKept) {
     std::unique_lock held(store.gate);
     state.begin(classMap("a"));
